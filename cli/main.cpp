@@ -1,0 +1,178 @@
+// velkorc: argument parsing and dispatch; each command lives in its own file.
+#include "cli/cli.h"
+#include "compiler/compiler_version.h"
+#include "platform/numbers.h"
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <iostream>
+#include <string_view>
+
+namespace velkor::cli {
+
+namespace {
+
+constexpr const char* kToolHelp =
+    "Usage: velkorc COMMAND [OPTIONS] ARGS\n"
+    "\n"
+    "Commands:\n"
+    "  compile [OPTIONS] UNIT      Compile, Finish, Link; the linked textual IFF goes to stdout (or -o FILE)\n"
+    "  build   [OPTIONS] UNIT      compile, then assemble the linked text into the binary files it names\n"
+    "  asm     [OPTIONS] TEXT      assemble a textual-IFF file into the binary files it names\n"
+    "  decode  [OPTIONS] FILE...   decode binary IFF files into FILE + \".pas\" (or -o OUT for one file)\n"
+    "  tokens  [OPTIONS] FILE      print each token as \"<line>\\t<kind>\\t<text>\", end of text included\n"
+    "  symbols [OPTIONS] UNIT      declarations only; print the symbol table, one symbol a line,\n"
+    "                              tab-separated: name, kind, file, line, text, register, value\n"
+    "  --version                   print the compiler version\n"
+    "\n"
+    "Options:\n"
+    "  -v N, --verbosity N         message level 0 to 3 (default 1)\n"
+    "  --no-halt                   recover from errors instead of stopping at the first\n"
+    "  -O, --optimize              run the optimiser (default off)\n"
+    "  --fast-scanner              use TFastScanner (default TScanner)\n"
+    "  --no-line-markers           tokens only: TScanner without line markers\n"
+    "  -I DIR, --search-path DIR   add DIR after the unit's own folder and before $compiler$\\lib\n"
+    "  --out-dir DIR               folder for output files whose names have no folder (default: current)\n"
+    "  --max-decode-size N         decode limit in bytes (default 1024)\n"
+    "  --exact-floats              decode only: write floats in the shortest form that reads back exactly\n"
+    "  -o FILE                     output file of compile or of a single decode\n"
+    "\n"
+    "Messages of the compiler and the assembler go to stderr, one line each.\n"
+    "In token texts CR, LF, tab, NUL and backslash are written as \\r, \\n, \\t, \\0 and \\\\.\n"
+    "Exit status: 0 no error reported, 1 the compiler or assembler reported an error,\n"
+    "2 usage or input/output error.\n";
+
+struct CommandHelp {
+    std::string_view name;
+    std::string_view text;
+};
+
+constexpr CommandHelp kCommandHelp[] = {
+    {"compile", "Usage: velkorc compile [OPTIONS] UNIT\n"
+                "Compiles UNIT (Compile, Finish, Link) and writes the linked textual IFF to stdout, or to\n"
+                "the file given by -o. Options: -v N, --no-halt, -O, --fast-scanner, -I DIR, --out-dir DIR,\n"
+                "-o FILE. Units named by #FILE are assembled into their binary files.\n"},
+    {"build", "Usage: velkorc build [OPTIONS] UNIT\n"
+              "Compiles UNIT and assembles the linked text into the binary files it names; names without\n"
+              "a folder go into --out-dir. Prints one line per written file with its size.\n"
+              "Options: -v N, --no-halt, -O, --fast-scanner, -I DIR, --out-dir DIR.\n"},
+    {"asm", "Usage: velkorc asm [OPTIONS] TEXT\n"
+            "Assembles the textual-IFF file TEXT into the binary files it names; names without a folder\n"
+            "go into --out-dir. Prints one line per written file with its size.\n"
+            "Options: --fast-scanner, --out-dir DIR.\n"},
+    {"decode", "Usage: velkorc decode [OPTIONS] FILE...\n"
+               "Decodes binary IFF files into textual IFF, each into FILE.pas (or -o OUT for one file).\n"
+               "Chunks larger than --max-decode-size N bytes (default 1024) go to side files beside the\n"
+               "output. --exact-floats writes floats in the shortest form that reads back exactly.\n"},
+    {"tokens", "Usage: velkorc tokens [OPTIONS] FILE\n"
+               "Prints each token of FILE as \"<line>\\t<kind>\\t<text>\", end of text included.\n"
+               "Options: --fast-scanner, --no-line-markers.\n"},
+    {"symbols", "Usage: velkorc symbols [OPTIONS] UNIT\n"
+                "Compiles the declarations of UNIT only and prints the symbol table, one symbol a line,\n"
+                "tab-separated: name, kind, file, line, text, register, value.\n"
+                "Options: -v N, --no-halt, --fast-scanner, -I DIR.\n"},
+};
+
+int UsageError(const std::string& message) {
+    std::cerr << "velkorc: " << message << "\nTry 'velkorc --help'.\n";
+    return kExitUsage;
+}
+
+bool ParseInt(std::string_view text, int& out) {
+    auto v = StrToInt(text);
+    if (!v) return false;
+    out = *v;
+    return true;
+}
+
+} // namespace
+
+void PrintMessage(const std::string& line) {
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    std::fputc('\n', stderr);
+}
+
+int Main(int argc, char** argv) {
+    if (argc < 2) return UsageError("no command given");
+    std::string_view first = argv[1];
+    if (first == "--version") {
+        std::cout << kCompilerVersion << "\n";
+        return kExitOk;
+    }
+    if (first == "--help" || first == "-h") {
+        std::cout << kToolHelp;
+        return kExitOk;
+    }
+
+    Options o;
+    o.command = first;
+    const CommandHelp* help = nullptr;
+    for (const auto& h : kCommandHelp)
+        if (h.name == o.command) help = &h;
+    if (!help) return UsageError("unknown command \"" + o.command + "\"");
+
+    for (int i = 2; i < argc; ++i) {
+        std::string_view a = argv[i];
+        auto value = [&](std::string_view& out) {
+            if (i + 1 >= argc) return false;
+            out = argv[++i];
+            return true;
+        };
+        std::string_view v;
+        if (a == "--help" || a == "-h") {
+            std::cout << help->text;
+            return kExitOk;
+        } else if (a == "-v" || a == "--verbosity") {
+            if (!value(v) || !ParseInt(v, o.verbosity) || o.verbosity < 0 || o.verbosity > 3)
+                return UsageError("-v needs a level from 0 to 3");
+        } else if (a == "--no-halt") {
+            o.noHalt = true;
+        } else if (a == "-O" || a == "--optimize") {
+            o.optimize = true;
+        } else if (a == "--fast-scanner") {
+            o.fastScanner = true;
+        } else if (a == "--no-line-markers") {
+            o.noLineMarkers = true;
+        } else if (a == "--exact-floats") {
+            o.exactFloats = true;
+        } else if (a == "-I" || a == "--search-path") {
+            if (!value(v)) return UsageError(std::string(a) + " needs a folder");
+            o.searchPaths.emplace_back(v);
+        } else if (a == "--out-dir") {
+            if (!value(v)) return UsageError("--out-dir needs a folder");
+            o.outDir = v;
+        } else if (a == "--max-decode-size") {
+            if (!value(v) || !ParseInt(v, o.maxDecodeSize) || o.maxDecodeSize < 0)
+                return UsageError("--max-decode-size needs a number of bytes");
+        } else if (a == "-o") {
+            if (!value(v)) return UsageError("-o needs a file name");
+            o.output = v;
+        } else if (a.size() > 1 && a[0] == '-') {
+            return UsageError("unknown option \"" + std::string(a) + "\"");
+        } else {
+            o.files.emplace_back(a);
+        }
+    }
+
+    if (o.files.empty()) return UsageError(o.command + " needs a file");
+    if (o.command != "decode" && o.files.size() > 1) return UsageError(o.command + " takes one file");
+    if (o.command == "decode" && !o.output.empty() && o.files.size() > 1)
+        return UsageError("-o names the output of a single decode");
+
+    try {
+        if (o.command == "compile") return RunCompile(o);
+        if (o.command == "build") return RunBuild(o);
+        if (o.command == "asm") return RunAsm(o);
+        if (o.command == "decode") return RunDecode(o);
+        if (o.command == "tokens") return RunTokens(o);
+        return RunSymbols(o);
+    } catch (const std::exception& e) {
+        std::cerr << "velkorc: " << e.what() << "\n";
+        return kExitUsage;
+    }
+}
+
+} // namespace velkor::cli
+
+int main(int argc, char** argv) { return velkor::cli::Main(argc, argv); }

@@ -1,0 +1,117 @@
+// The two tokenizers of the language. TScanner rewrites the whole text first (line markers "##nnnnn" after
+// every line break, comments blanked, the text trimmed) and then reads tokens from it; TFastScanner reads
+// the text as given and skips comments and counts lines as it goes. Both keep the original tool's quirks:
+// a collecting loop never takes the text's last character, and TScanner blanks comments inside strings.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace velkor {
+
+// TokenKind values. Kind 3 is never produced.
+enum : std::int32_t {
+    tkNumber = 0,
+    tkIdentifier = 1,
+    tkOperator = 2,
+    tkDelimiter = 4, // ".", "[", "]", "{", "}"
+    tkString = 5,
+    tkOther = 6,
+    tkEndOfText = 7,
+    tkAnd = 8,
+    tkOr = 9,
+    tkUnit = 10,
+    tkInclude = 11,
+    tkVar = 12,
+    tkConst = 13,
+    tkFunction = 14,
+    tkWcp = 15,
+    tkObject = 16,
+    tkForward = 17,
+    tkObjective = 18,
+    tkMission = 19,
+    tkSector = 20,
+    tkSeries = 21,
+    tkExternal = 22,
+    tkStatic = 23,
+    tkIff = 24,
+    tkProject = 25,
+    tkProperty = 26,
+    tkSemicolon = 27,
+    tkComma = 28,
+    tkOpenParen = 29,
+    tkCloseParen = 30,
+    tkBegin = 31,
+    tkEnd = 32,
+};
+
+// The keyword table: lower-case word and its kind; used by the scanner and the editor's highlighter.
+struct ScannerKeyword {
+    std::string_view word;
+    std::int32_t kind;
+};
+std::span<const ScannerKeyword> ScannerKeywords();
+
+class TScanner {
+public:
+    TScanner() = default;
+    virtual ~TScanner() = default;
+    TScanner(const TScanner&) = delete;
+    TScanner& operator=(const TScanner&) = delete;
+
+    // Advances over blanks (and line markers) to the next token.
+    virtual void SkipBlanks();
+    // Takes a new source text; TScanner rewrites it as described above.
+    virtual void SetText(std::string text);
+    // Takes a stream's whole content; the text then ends in one NUL byte, which reads as the end.
+    virtual void LoadFromStream(std::string_view content);
+    // Loads a file through the text loader (line breaks normalised) and calls LoadFromStream.
+    void LoadFromFile(const std::filesystem::path& path);
+
+    std::string NextToken();
+    // The next token's text without consuming it; TokenKind is left at the peeked token's kind.
+    std::string PeekToken() { return PeekAhead(0); }
+    // Skips n tokens, then as PeekToken; position and line are restored, TokenKind is not.
+    std::string PeekAhead(int n);
+
+    std::int32_t Position() const { return static_cast<std::int32_t>(pos_); }
+    std::int32_t Line() const { return line_; }
+    std::int32_t TokenKind() const { return tokenKind_; }
+    std::int32_t MarkerEnd() const { return static_cast<std::int32_t>(markerEnd_); }
+    const std::string& Text() const { return text_; }
+    // True once the position is past the text or on its NUL terminator.
+    bool AtEnd() const { return pos_ > text_.size() || text_[pos_ - 1] == '\0'; }
+
+    bool LineMarkers = false; // TScanner only: embed and read "##nnnnn" line markers
+
+protected:
+    char At(size_t p) const { return text_[p - 1]; } // 1-based, as positions are
+
+    std::string text_;          // the source text (TScanner: rewritten)
+    size_t pos_ = 1;            // 1-based index of the next character
+    std::int32_t line_ = 1;     // current line
+    std::int32_t tokenKind_ = tkEndOfText; // kind of the last token read or peeked
+    size_t markerEnd_ = 0;      // position just behind the last line marker read
+
+private:
+    void Rewrite();
+};
+
+class TFastScanner : public TScanner {
+public:
+    void SkipBlanks() override;
+    void SetText(std::string text) override;
+    void LoadFromStream(std::string_view content) override;
+};
+
+// The process-wide choice of scanner class for new compilers and assemblers.
+enum class ScannerClass { Standard, Fast };
+void SetScannerClass(ScannerClass cls);
+ScannerClass GetScannerClass();
+std::unique_ptr<TScanner> CreateScanner();
+
+} // namespace velkor

@@ -1,0 +1,36 @@
+// Locale-independent number conversion and formatting: "." is the decimal and "," the thousands separator
+// whatever the user's locale, as the file formats and messages require.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace velkor {
+
+// A signed 32-bit integer: optional sign, then decimal digits, or "$" (or "0x") and hexadecimal digits.
+// Hexadecimal takes the full 32-bit range and wraps ("$FFFFFFFF" is -1); decimal must fit.
+std::optional<std::int32_t> StrToInt(std::string_view text);
+std::int32_t StrToIntDef(std::string_view text, std::int32_t fallback);
+
+// A floating-point number: optional blanks, sign, digits with an optional "." and fraction, an optional
+// exponent. Infinities, NaNs and hexadecimal floats are refused.
+std::optional<double> StrToFloat(std::string_view text);
+
+// Formats like the pattern language of the original tool: "0" a digit always shown, "#" a digit shown
+// when significant, "," thousands grouping, "." the decimal point. Rounds half away from zero on the
+// value's 17-digit decimal form. Examples: ("0.0#", 2.5) -> "2.5", ("0.0#", 2) -> "2.0",
+// ("#,##0", 1234567) -> "1,234,567".
+std::string FormatFloat(std::string_view pattern, double value);
+
+// "#,##0" for integers.
+std::string FormatThousands(std::int64_t value);
+
+// Upper-case hexadecimal with at least `digits` digits.
+std::string IntToHex(std::uint32_t value, int digits);
+
+// The shortest decimal text that reads back to exactly the same single-precision value.
+std::string FloatToShortest(float value);
+
+} // namespace velkor

@@ -1,0 +1,94 @@
+#include "platform/strings.h"
+
+namespace velkor {
+
+namespace {
+char Upper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
+char Lower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
+bool IsTrimmed(char c) { return static_cast<unsigned char>(c) <= ' '; }
+} // namespace
+
+std::string UpperCase(std::string_view s) {
+    std::string r(s);
+    for (char& c : r) c = Upper(c);
+    return r;
+}
+
+std::string LowerCase(std::string_view s) {
+    std::string r(s);
+    for (char& c : r) c = Lower(c);
+    return r;
+}
+
+bool SameText(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i)
+        if (Upper(a[i]) != Upper(b[i])) return false;
+    return true;
+}
+
+std::string_view TrimLeft(std::string_view s) {
+    size_t b = 0;
+    while (b < s.size() && IsTrimmed(s[b])) ++b;
+    return s.substr(b);
+}
+
+std::string_view TrimRight(std::string_view s) {
+    size_t e = s.size();
+    while (e > 0 && IsTrimmed(s[e - 1])) --e;
+    return s.substr(0, e);
+}
+
+std::string_view Trim(std::string_view s) { return TrimRight(TrimLeft(s)); }
+
+size_t FindNoCase(std::string_view hay, std::string_view needle) {
+    if (needle.empty()) return 0;
+    if (needle.size() > hay.size()) return std::string_view::npos;
+    for (size_t i = 0; i + needle.size() <= hay.size(); ++i)
+        if (SameText(hay.substr(i, needle.size()), needle)) return i;
+    return std::string_view::npos;
+}
+
+std::string ReplaceAllNoCase(std::string_view text, std::string_view from, std::string_view to) {
+    if (from.empty()) return std::string(text);
+    std::string out;
+    out.reserve(text.size());
+    size_t pos = 0;
+    while (pos < text.size()) {
+        size_t hit = FindNoCase(text.substr(pos), from);
+        if (hit == std::string_view::npos) break;
+        out.append(text.substr(pos, hit));
+        out.append(to);
+        pos += hit + from.size();
+    }
+    out.append(text.substr(std::min(pos, text.size())));
+    return out;
+}
+
+std::vector<std::string> SplitLines(std::string_view text) {
+    std::vector<std::string> lines;
+    size_t start = 0;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\r' || text[i] == '\n') {
+            lines.emplace_back(text.substr(start, i - start));
+            if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
+            start = i + 1;
+        }
+    }
+    if (start < text.size()) lines.emplace_back(text.substr(start));
+    return lines;
+}
+
+std::string JoinLinesCrLf(const std::vector<std::string>& lines) {
+    size_t total = 0;
+    for (const auto& l : lines) total += l.size() + 2;
+    std::string out;
+    out.reserve(total);
+    for (const auto& l : lines) {
+        out += l;
+        out += "\r\n";
+    }
+    return out;
+}
+
+} // namespace velkor

@@ -1,0 +1,31 @@
+// Byte-string helpers with the ASCII-only case rules the file formats and the language use.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velkor {
+
+std::string UpperCase(std::string_view s);
+std::string LowerCase(std::string_view s);
+bool SameText(std::string_view a, std::string_view b);
+
+// Removes leading and trailing blanks and control characters (every byte up to and including space).
+std::string_view Trim(std::string_view s);
+std::string_view TrimLeft(std::string_view s);
+std::string_view TrimRight(std::string_view s);
+
+// Position of `needle` in `hay` ignoring ASCII case, or npos.
+size_t FindNoCase(std::string_view hay, std::string_view needle);
+
+// Replaces every occurrence of `from` (compared without case) by `to`; linear in the text.
+std::string ReplaceAllNoCase(std::string_view text, std::string_view from, std::string_view to);
+
+// Splits at every line break (CR LF, LF or CR); a final break does not start an empty line.
+std::vector<std::string> SplitLines(std::string_view text);
+
+// Joins lines, each followed by CR LF.
+std::string JoinLinesCrLf(const std::vector<std::string>& lines);
+
+} // namespace velkor

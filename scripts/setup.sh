@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# The whole set-up on a Debian 12 machine: installs the Debian packages the build needs when they are
+# missing, then configures and builds into build/. Safe to run again; it only does what is left to do.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+packages=(
+    cmake make g++ pkg-config zlib1g-dev     # core and velkorc
+    libgtest-dev libgmock-dev                # tests
+    qt6-base-dev libgl-dev libqscintilla2-qt6-dev fonts-dejavu-core  # the IDE
+    xvfb xauth                               # GUI tests under a real X server
+    clang libclang-rt-14-dev                 # libFuzzer and sanitizer builds
+    libbenchmark-dev xxd                     # benchmarks
+)
+missing=()
+for p in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+if ((${#missing[@]})); then
+    sudo=""
+    if [ "$(id -u)" -ne 0 ]; then sudo="sudo"; fi
+    echo "Installing: ${missing[*]}"
+    $sudo apt-get update
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y --no-install-recommends "${missing[@]}"
+fi
+
+cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+cmake --build build -j"$(nproc)"

@@ -1,0 +1,40 @@
+// Runs velkorc (or any program) as a child process and captures what it prints, for end-to-end tests.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace velkor::test {
+
+struct ToolResult {
+    int exitCode = -1;
+    std::string out; // stdout
+    std::string err; // stderr
+};
+
+// Runs `program` with `args` in folder `cwd` (the current folder when empty).
+ToolResult RunProgram(const std::string& program, const std::vector<std::string>& args,
+                      const std::filesystem::path& cwd = {});
+
+// Runs the velkorc built beside the tests.
+ToolResult RunVelkorc(const std::vector<std::string>& args, const std::filesystem::path& cwd = {});
+
+// A fresh empty folder under the system's temporary folder, removed with the object.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    const std::filesystem::path& path() const { return path_; }
+    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+
+private:
+    std::filesystem::path path_;
+};
+
+std::string ReadFile(const std::filesystem::path& path);
+void WriteFile(const std::filesystem::path& path, const std::string& bytes);
+
+} // namespace velkor::test
