@@ -1,0 +1,44 @@
+#include "iff/byte_stream.h"
+
+#include "platform/exception.h"
+
+#include <algorithm>
+
+namespace velkor {
+
+void MemoryStream::Write(std::span<const std::uint8_t> bytes) {
+    const auto end = pos_ + bytes.size();
+    if (end > data_.size()) data_.resize(end);
+    std::copy(bytes.begin(), bytes.end(), data_.begin() + static_cast<std::ptrdiff_t>(pos_));
+    pos_ = end;
+}
+
+FileStream::FileStream(const std::filesystem::path& path) : path_(path) {
+    file_ = std::fopen(path.c_str(), "w+b");
+    if (!file_) throw EInOutError("Cannot create file \"" + path.string() + "\"");
+}
+
+FileStream::~FileStream() {
+    if (file_) std::fclose(file_);
+}
+
+void FileStream::Write(std::span<const std::uint8_t> bytes) {
+    if (!file_ || std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size())
+        throw EInOutError("Cannot write file \"" + path_.string() + "\"");
+    pos_ += bytes.size();
+}
+
+void FileStream::Seek(std::uint64_t position) {
+    if (!file_ || std::fseek(file_, static_cast<long>(position), SEEK_SET) != 0)
+        throw EInOutError("Cannot seek in file \"" + path_.string() + "\"");
+    pos_ = position;
+}
+
+void FileStream::Close() {
+    if (!file_) return;
+    bool ok = std::fclose(file_) == 0;
+    file_ = nullptr;
+    if (!ok) throw EInOutError("Cannot write file \"" + path_.string() + "\"");
+}
+
+} // namespace velkor
