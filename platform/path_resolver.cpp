@@ -103,6 +103,16 @@ bool HasFolder(std::string_view path) {
     return HasDriveLetter(path) || path.find_first_of("\\/") != std::string_view::npos;
 }
 
+std::string FileNamePart(std::string_view path) {
+    size_t cut = path.find_last_of("\\/:");
+    return std::string(cut == std::string_view::npos ? path : path.substr(cut + 1));
+}
+
+std::string FolderPart(std::string_view path) {
+    size_t cut = path.find_last_of("\\/:");
+    return cut == std::string_view::npos ? std::string() : std::string(path.substr(0, cut + 1));
+}
+
 bool IsAbsoluteGamePath(std::string_view path) {
     return HasDriveLetter(path) || (!path.empty() && IsSeparator(path[0]));
 }

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace velkor {
@@ -24,6 +25,10 @@ std::filesystem::path ResolvePath(std::string_view path, const std::filesystem::
 
 // True when the path has a folder part ("\" or "/") or a drive letter.
 bool HasFolder(std::string_view path);
+
+// The part after the last "\", "/" or drive colon; the part up to and including it.
+std::string FileNamePart(std::string_view path);
+std::string FolderPart(std::string_view path);
 
 // True for "/...", "\..." and "X:...".
 bool IsAbsoluteGamePath(std::string_view path);

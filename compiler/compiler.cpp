@@ -1,0 +1,236 @@
+#include "compiler/compiler.h"
+
+#include "codegen/codegen.h"
+#include "codegen/optimizer.h"
+#include "compiler/compiler_version.h"
+#include "compiler/scanner.h"
+#include "compiler/symbol_table.h"
+#include "compiler/unit_forms.h"
+#include "iff/checksum.h"
+#include "platform/path_resolver.h"
+#include "platform/strings.h"
+
+#include <mutex>
+
+namespace velkor {
+
+namespace {
+
+// "velkor::TCodeGen::CompileFactor" from the compiler's pretty function name, for the "raised in" line.
+std::string RoutineName(const std::source_location& where) {
+    std::string_view f = where.function_name();
+    size_t paren = f.find('(');
+    if (paren != std::string_view::npos) f = f.substr(0, paren);
+    size_t space = f.rfind(' ');
+    if (space != std::string_view::npos) f = f.substr(space + 1);
+    if (f.rfind("velkor::", 0) == 0) f.remove_prefix(8);
+    std::string name(f);
+    for (size_t i = 0; (i = name.find("::", i)) != std::string::npos;) name.replace(i, 2, ".");
+    return name;
+}
+
+std::mutex gFileNamesMutex;
+std::vector<std::string>& FileNames() {
+    static std::vector<std::string> names;
+    return names;
+}
+
+} // namespace
+
+std::int32_t FileNumberOf(const std::string& name) {
+    if (name.empty()) return -1;
+    std::lock_guard lock(gFileNamesMutex);
+    auto& names = FileNames();
+    for (size_t i = 0; i < names.size(); ++i)
+        if (names[i] == name) return static_cast<std::int32_t>(i);
+    names.push_back(name);
+    return static_cast<std::int32_t>(names.size() - 1);
+}
+
+std::string FileNameOf(std::int32_t number) {
+    std::lock_guard lock(gFileNamesMutex);
+    auto& names = FileNames();
+    if (number < 0 || static_cast<size_t>(number) >= names.size()) return {};
+    return names[static_cast<size_t>(number)];
+}
+
+TCompiler::TCompiler(std::shared_ptr<TSymbolTable> symbols, std::shared_ptr<StringList> rooms,
+                     std::shared_ptr<StringList> defines, std::shared_ptr<StringList> killBoard,
+                     std::shared_ptr<IncludedFileList> includedFiles)
+    : Rooms(rooms ? std::move(rooms) : std::make_shared<StringList>(StringList{"cerberus.rom"})),
+      KillBoard(killBoard ? std::move(killBoard) : std::make_shared<StringList>()),
+      Defines(defines ? std::move(defines) : std::make_shared<StringList>(StringList{"VER122"})),
+      IncludedFiles(includedFiles ? std::move(includedFiles) : std::make_shared<IncludedFileList>()),
+      scanner_(CreateScanner()),
+      symbols_(symbols ? std::move(symbols) : std::make_shared<TSymbolTable>(this)),
+      data_(std::make_unique<TCompData>(*this)),
+      codegen_(std::make_unique<TCodeGen>(*this)) {}
+
+TCompiler::~TCompiler() = default;
+
+std::string TCompiler::Version() { return kCompilerVersion; }
+
+void TCompiler::SetSource(std::string text) {
+    scanner_->LineMarkers = LineMarkers;
+    data_->Source = text;
+    scanner_->SetText(std::move(text));
+}
+
+void TCompiler::SetFileName(const std::string& name) {
+    FileName = name;
+    FileNumber = FileNumberOf(name);
+}
+
+// --- messages
+
+void TCompiler::Output(int level, const std::string& text, std::int32_t line) {
+    if (!OnOutput || level > Verbosity || SymbolsOnly) return;
+    if (line < 0) line = Line();
+    OnOutput("[" + UnitName + ", " + std::to_string(line) + "] " + text);
+}
+
+void TCompiler::Report(const std::string& text, std::int32_t line, const std::source_location& where) {
+    if (line < 0) line = Line();
+    Output(0, "ERROR: " + text, line);
+    Output(0, "  raised in " + RoutineName(where) + ", line " + std::to_string(where.line()), line);
+    ErrorLine = line;
+    ++ErrorCount;
+    if (HaltOnError) throw ECompiler(text);
+}
+
+void TCompiler::ErrorNoSkip(const std::string& text, std::int32_t line, std::source_location where) {
+    Report(text, line, where);
+}
+
+void TCompiler::Error(const std::string& text, std::int32_t line, std::source_location where) {
+    Report(text, line, where);
+    Output(0, "recovering from error...");
+    while (!AtEnd()) {
+        PeekToken();
+        if (TokenKind() == tkSemicolon) break;
+        NextToken();
+    }
+}
+
+void TCompiler::Hint(const std::string& text, std::int32_t line) { Output(0, "HINT: " + text, line); }
+
+void TCompiler::Expected(const std::string& wanted, const std::string& found, std::source_location where) {
+    Error("expected \"" + wanted + "\" but found \"" + std::string(Trim(found)) + "\"", -1, where);
+}
+
+bool TCompiler::Expect(const std::string& wanted, std::source_location where) {
+    std::string token = NextToken();
+    if (SameText(token, wanted)) return true;
+    Expected(wanted, token, where);
+    return false;
+}
+
+// --- tokens. An empty token of "other" characters is the scanner failing to move on (a blank or a stray
+// character as the text's last character); reading it as the end keeps every parsing loop finite.
+
+namespace {
+bool Stuck(const TScanner& s, const std::string& token) { return s.TokenKind() == tkOther && token.empty(); }
+} // namespace
+
+std::string TCompiler::NextToken() {
+    std::string token = scanner_->NextToken();
+    stuck_ = Stuck(*scanner_, token);
+    return token;
+}
+
+std::string TCompiler::PeekToken() {
+    std::string token = scanner_->PeekToken();
+    stuck_ = Stuck(*scanner_, token);
+    return token;
+}
+
+std::string TCompiler::PeekAhead(int n) {
+    std::string token = scanner_->PeekAhead(n);
+    stuck_ = Stuck(*scanner_, token);
+    return token;
+}
+
+std::int32_t TCompiler::TokenKind() const { return stuck_ ? tkEndOfText : scanner_->TokenKind(); }
+
+std::int32_t TCompiler::Line() const { return scanner_->Line(); }
+
+bool TCompiler::AtEnd() {
+    PeekToken();
+    return TokenKind() == tkEndOfText;
+}
+
+// --- the three steps
+
+void TCompiler::Compile() {
+    std::string first = NextToken();
+    switch (TokenKind()) {
+    case tkUnit: UnitKind = ukUnit; break;
+    case tkMission:
+        UnitKind = ukMission;
+        data_->CrcNames.push_back("_ObjType_DO_NOT_MODIFY");
+        data_->CrcNames.push_back("FLO_Main");
+        break;
+    case tkSector:
+        UnitKind = ukSector;
+        data_->CrcNames.push_back("_ObjType_DO_NOT_MODIFY");
+        break;
+    case tkSeries:
+        UnitKind = ukSeries;
+        data_->CrcNames.push_back("FLO_Main");
+        break;
+    case tkProject: UnitKind = ukProject; break;
+    case tkIff: {
+        UnitKind = ukIff;
+        std::string name = NextToken();
+        UnitName = name;
+        if (!OutputPath.empty()) name = OutputPath + FileNamePart(name);
+        data_->RawList.push_back("IFF \"" + name + "\"");
+        // The unit's header line becomes a comment of the textual IFF; the rest passes on as it stands.
+        std::string raw = JoinLinesCrLf(data_->RawList);
+        raw += "// ";
+        raw += data_->Source;
+        data_->RawList = SplitLines(raw);
+        return;
+    }
+    default: Expected("unit", first); break;
+    }
+    UnitName = NextToken();
+    Expect(";");
+    DeclarationLoop();
+    symbols_->RemoveLocals();
+    Output(2, "size of SymbolTable: " + std::to_string(symbols_->Count() * 160) + " uint8s");
+}
+
+void TCompiler::Finish() {
+    for (int i = 0; i < symbols_->Count(); ++i) {
+        const TSymbol s = symbols_->Get(i);
+        if (s.Kind == skUserFunction && s.Value == 0) Error("user function " + s.Text + " not implemented", s.Line);
+        else if (s.Kind == skObject && s.Value == 0) Error("object " + s.Text + " not implemented", s.Line);
+    }
+    if (Optimize && (UnitKind == ukMission || UnitKind == ukSeries)) {
+        TOptimizer optimizer;
+        optimizer.Verbosity = Verbosity;
+        optimizer.OnOutput = OnOutput;
+        optimizer.Load(data_->CodeList);
+        optimizer.Run();
+        data_->CodeList = optimizer.Result();
+    }
+}
+
+std::string TCompiler::Link() {
+    Output(1, "now linking it all together...");
+    StringList lines;
+    switch (UnitKind) {
+    case ukMission: LinkMission(*this, lines); break;
+    case ukSector: LinkSector(*this, lines); break;
+    case ukSeries: LinkSeries(*this, lines); break;
+    case ukUnit:
+    case ukIff:
+    case ukProject: break;
+    default: Error("unknown unit type: " + std::to_string(static_cast<int>(UnitKind))); break;
+    }
+    for (const auto& l : data_->RawList) lines.push_back(l);
+    return JoinLinesCrLf(lines);
+}
+
+} // namespace velkor

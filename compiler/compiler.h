@@ -1,0 +1,165 @@
+// TCompiler turns one source unit into one textual-IFF text: Compile reads the unit header and every
+// declaration (filling the symbol table and the unit's six text lists, with code generated while parsing),
+// Finish checks that everything declared was implemented and optimises, Link joins the unit-level forms.
+// Included files are compiled by nested compilers that share the symbol table and bookkeeping lists;
+// units named by #FILE get a fresh compiler and go on to binary files.
+#pragma once
+
+#include "compiler/comp_data.h"
+#include "platform/exception.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <source_location>
+#include <string>
+#include <vector>
+
+namespace velkor {
+
+class TScanner;
+class TSymbolTable;
+class TCodeGen;
+class TIffStringList;
+struct TSymbol;
+
+class ECompiler : public Exception {
+public:
+    using Exception::Exception;
+};
+
+enum TUnitKind : std::int32_t { ukUnit = 0, ukMission = 1, ukSector = 2, ukSeries = 3, ukIff = 4, ukProject = 5 };
+
+// A file already included: its upper-cased file-name part and, for a string file, its table.
+struct IncludedFile {
+    std::string Name;                        // upper-cased file name without folder
+    std::shared_ptr<TIffStringList> Strings; // the loaded string file; none for a source file
+};
+using IncludedFileList = std::vector<IncludedFile>;
+
+class TCompiler {
+public:
+    // Each shared object that is not given is made by this compiler (Defines then holds "VER122", Rooms
+    // "cerberus.rom"). Include children get all five of their parent.
+    explicit TCompiler(std::shared_ptr<TSymbolTable> symbols = {}, std::shared_ptr<StringList> rooms = {},
+                       std::shared_ptr<StringList> defines = {}, std::shared_ptr<StringList> killBoard = {},
+                       std::shared_ptr<IncludedFileList> includedFiles = {});
+    ~TCompiler();
+    TCompiler(const TCompiler&) = delete;
+    TCompiler& operator=(const TCompiler&) = delete;
+
+    // --- settings, set by the caller after construction
+    std::function<void(const std::string&)> OnOutput; // message sink; unassigned means silent
+    std::uint8_t Verbosity = 3;                       // messages of a higher level are not passed on
+    bool Optimize = true;                             // run the optimiser in Finish
+    bool SymbolsOnly = false;                         // declarations only: silent, no #FILE compilations
+    bool HaltOnError = true;                          // an error raises ECompiler instead of recovering
+    bool LineMarkers = true;                          // handed to the scanner with every source text
+    // Where a file written by a #FILE compilation goes: the name as the unit's IFF line gives it -> the
+    // path to write. Default: the name resolved against the current folder.
+    std::function<std::filesystem::path(const std::string&)> PlaceOutputFile;
+
+    // --- operations, in the order a caller uses them
+    void SetSource(std::string text);
+    void SetFileName(const std::string& name);
+    void AddToSearchPath(const std::string& folder);
+    void SetOutputPath(const std::string& folder);
+    void Compile();
+    void Finish();
+    std::string Link();
+    static std::string Version(); // "1.0 R24d"
+
+    // --- unit state
+    std::string UnitName;                          // the word after the unit-kind keyword
+    TUnitKind UnitKind = ukUnit;                   // chosen by the unit's first word
+    std::int32_t NameNumber = 1;                   // set by the NAME command
+    std::string SectorFile = "e.sec";              // set by #SECTOR
+    std::int32_t Background = 1;                   // set by #BACKGROUND
+    std::shared_ptr<StringList> Rooms;             // set by #SETROOMS; shared with include children
+    std::shared_ptr<StringList> KillBoard;         // set by #SETKILLBOARD; shared with include children
+    std::shared_ptr<StringList> Defines;           // conditional symbols; shared with include children
+    std::shared_ptr<IncludedFileList> IncludedFiles; // files already included; shared with include children
+    StringList SearchPath;                         // folders searched for included files, in order
+    std::string OutputPath;                        // prefixed to output names; ends in "\" once set
+    std::int32_t ErrorLine = -1;                   // line of the last error
+    std::string FileName;                          // the source file
+    std::int32_t FileNumber = -1;                  // its number in the process-wide file-name list
+    std::int32_t ConditionalState = -1;            // -1 outside #IFDEF; else 1 defined, 0 not
+    bool InElse = false;                           // #ELSE seen
+    int ErrorCount = 0;                            // errors reported here and by children
+
+    TScanner& Scanner() { return *scanner_; }
+    TSymbolTable& Symbols() { return *symbols_; }
+    const std::shared_ptr<TSymbolTable>& SharedSymbols() const { return symbols_; }
+    TCompData& Data() { return *data_; }
+    TCodeGen& CodeGen() { return *codegen_; }
+
+    // --- services for the parsers of the compiler and the code generator
+    // Sends "[<unit>, <line>] <text>" to OnOutput when level <= Verbosity and not SymbolsOnly; line -1
+    // means the scanner's current line.
+    void Output(int level, const std::string& text, std::int32_t line = -1);
+    // "ERROR: <text>" and the "  raised in ..." line at level 0, ErrorLine set, ErrorCount raised; then
+    // ECompiler when halting, else "recovering from error..." and tokens skipped up to the next ";".
+    void Error(const std::string& text, std::int32_t line = -1,
+               std::source_location where = std::source_location::current());
+    // As Error, but when not halting the compile goes on where it is, without skipping: for the checks
+    // after which the construct is "compiled anyway" (unit-kind rules, initialised externals, ...).
+    void ErrorNoSkip(const std::string& text, std::int32_t line = -1,
+                     std::source_location where = std::source_location::current());
+    void Hint(const std::string& text, std::int32_t line = -1);
+    // The error `expected "<wanted>" but found "<found, trimmed>"`.
+    void Expected(const std::string& wanted, const std::string& found,
+                  std::source_location where = std::source_location::current());
+    // Reads a token; when it differs from `wanted` (compared without case) reports Expected. Returns
+    // whether it matched.
+    bool Expect(const std::string& wanted, std::source_location where = std::source_location::current());
+
+    // Token access; never loops forever: a scanner that cannot move on reads as the end of the text.
+    std::string NextToken();
+    std::string PeekToken();
+    std::string PeekAhead(int n);
+    std::int32_t TokenKind() const;
+    std::int32_t Line() const;
+    bool AtEnd(); // the next token is the end of the text
+
+    // Number conversion for constants and command arguments: "%" binary, "$" hexadecimal, else decimal,
+    // with the errors of the language ("<digits> doesn't fit into a long", "<char> in binary constant ?!?
+    // What are you smoking?", `"<text>" is not a valid integer value`). Nothing after a reported error.
+    std::optional<std::int32_t> ConvertNumber(const std::string& text);
+    // The value reader: kind 0 integer, 1 floating-point number, 2 text; signs joined, constants and
+    // string-table references resolved. Returns the value text.
+    std::string ReadValue(int kind);
+    // The number of `text` in the string table that `table` (a kind-10 symbol) names; a trailing "*"
+    // makes it a prefix lookup. Reports the "loading ..." message, or the error when it is missing.
+    std::int32_t StringNumber(const TSymbol& table, const std::string& text);
+    // Handles "#" + directive when the next tokens are one (the "#" not yet read); returns whether it did.
+    bool HandleDirective();
+
+    // Variable and constant lists, the keyword already read: names separated by "," and ended by ";",
+    // continued while the next token is a plain identifier (so Pascal-style blocks read naturally).
+    void DeclareVariables(std::int32_t kind);
+    void DeclareConstants(std::int32_t kind);
+    void DeclareEnums();
+
+private:
+    void Report(const std::string& text, std::int32_t line, const std::source_location& where);
+    void DeclarationLoop();
+    void HandleCommand();
+    void IncludeSourceFiles();
+    void IncludeStringFiles();
+    void CompileFiles();
+
+    std::unique_ptr<TScanner> scanner_;     // the selected scanner class, made in the constructor
+    std::shared_ptr<TSymbolTable> symbols_; // own or the parent's
+    std::unique_ptr<TCompData> data_;       // the unit's six text lists
+    std::unique_ptr<TCodeGen> codegen_;     // emits listing lines while the parser runs
+    bool stuck_ = false;                    // the last token read or peeked could not move on
+};
+
+// The process-wide file-name list: a file's number is its index, appended on first use; "" is -1.
+std::int32_t FileNumberOf(const std::string& name);
+std::string FileNameOf(std::int32_t number);
+
+} // namespace velkor

@@ -1,0 +1,163 @@
+// The declaration loop of a unit and the variable, constant and enumeration declarations.
+#include "codegen/codegen.h"
+#include "compiler/compiler.h"
+#include "compiler/scanner.h"
+#include "compiler/symbol_table.h"
+#include "platform/strings.h"
+
+namespace velkor {
+
+void TCompiler::DeclarationLoop() {
+    while (!AtEnd()) {
+        const std::string token = PeekToken();
+        switch (TokenKind()) {
+        case tkSemicolon: NextToken(); break;
+        case tkVar:
+            NextToken();
+            if (UnitKind == ukSector || UnitKind == ukProject)
+                ErrorNoSkip("global vars not allowed in PROJECT and SECTOR");
+            DeclareVariables(skGlobalVar);
+            break;
+        case tkExternal:
+            NextToken();
+            if (UnitKind == ukSector || UnitKind == ukProject)
+                ErrorNoSkip("external vars not allowed in PROJECT and SECTOR");
+            DeclareVariables(skExternalVar);
+            break;
+        case tkStatic:
+            NextToken();
+            ErrorNoSkip("Only local variables can be static!");
+            DeclareVariables(skGlobalVar);
+            break;
+        case tkConst:
+            NextToken();
+            DeclareConstants(skGlobalConst);
+            break;
+        case tkFunction:
+            if (UnitKind == ukSector) ErrorNoSkip("function not allowed in SECTOR");
+            codegen_->CompileFunctionDeclaration();
+            break;
+        case tkObject: codegen_->CompileObject(); break;
+        case tkObjective:
+            if (UnitKind == ukSector || UnitKind == ukSeries || UnitKind == ukProject)
+                ErrorNoSkip("objectives not allowed in PROJET, SECTOR and SERIES");
+            codegen_->CompileObjective();
+            break;
+        case tkProperty:
+            NextToken();
+            Error("Property not supported!");
+            break;
+        case tkInclude:
+            NextToken();
+            IncludeSourceFiles();
+            break;
+        default:
+            if (token == "#") {
+                if (!HandleDirective()) HandleCommand();
+            } else if (TokenKind() == tkIdentifier && SameText(token, "ENUM")) {
+                NextToken();
+                DeclareEnums();
+            } else {
+                NextToken();
+                Expected("<Declaration>", token);
+            }
+            break;
+        }
+    }
+}
+
+namespace {
+// A list continues past its ";" while the next token is a plain identifier that starts no other
+// declaration.
+bool ContinuesList(TCompiler& c) {
+    const std::string next = c.PeekToken();
+    return c.TokenKind() == tkIdentifier && !SameText(next, "ENUM");
+}
+} // namespace
+
+void TCompiler::DeclareVariables(std::int32_t kind) {
+    do {
+        std::string separator;
+        do {
+            std::int32_t varKind = kind;
+            std::string name = NextToken();
+            if (TokenKind() == tkStatic) {
+                if (kind == skLocalVar || kind == skStaticVar) varKind = skStaticVar;
+                else ErrorNoSkip("Only local variables can be static!");
+                name = NextToken();
+            }
+            if (TokenKind() != tkIdentifier) {
+                Expected("<Identifier>", name);
+                return;
+            }
+            std::int32_t value = varKind == skLocalVar ? kNoInitialValue : 0;
+            PeekToken();
+            if (TokenKind() == tkOperator && PeekToken() == "=") {
+                NextToken();
+                if (varKind == skExternalVar) ErrorNoSkip("external variables cannot be initialized");
+                if (varKind == skStaticVar) ErrorNoSkip("static variables are always initialized to 0");
+                std::string text = ReadValue(0);
+                if (auto v = ConvertNumber(text)) value = *v;
+            }
+            symbols_->AddVariable(name, varKind, value);
+            separator = NextToken();
+        } while (TokenKind() == tkComma);
+        if (TokenKind() != tkSemicolon) {
+            Expected(";", separator);
+            return;
+        }
+    } while (ContinuesList(*this));
+}
+
+void TCompiler::DeclareConstants(std::int32_t kind) {
+    do {
+        std::string separator;
+        do {
+            std::string name = NextToken();
+            if (TokenKind() != tkIdentifier) {
+                Expected("<Identifier>", name);
+                return;
+            }
+            if (!Expect("=")) return;
+            std::string value = NextToken();
+            if (TokenKind() == tkString) {
+                value = "\"" + value + "\"";
+            } else if (value == "+" || value == "-") {
+                value += NextToken();
+            } else if (TokenKind() == tkIdentifier) {
+                // A constant name stands for its value text, one level deep.
+                int found = symbols_->Find(value);
+                if (found >= 0) value = symbols_->Get(found).Text;
+            }
+            symbols_->AddConstant(name, value, kind);
+            separator = NextToken();
+        } while (TokenKind() == tkComma);
+        if (TokenKind() != tkSemicolon) {
+            Expected(";", separator);
+            return;
+        }
+    } while (ContinuesList(*this));
+}
+
+void TCompiler::DeclareEnums() {
+    std::int32_t next = 0;
+    std::string separator;
+    do {
+        std::string name = NextToken();
+        if (TokenKind() != tkIdentifier) {
+            Expected("<Identifier>", name);
+            return;
+        }
+        PeekToken();
+        if (TokenKind() == tkOperator && PeekToken() == "=") {
+            NextToken();
+            if (auto v = ConvertNumber(ReadValue(0))) next = *v;
+        }
+        symbols_->AddConstant(name, std::to_string(next), skEnum);
+        ++next;
+        separator = NextToken();
+    } while (TokenKind() == tkComma);
+    if (TokenKind() != tkSemicolon) Expected(";", separator);
+}
+
+} // namespace velkor

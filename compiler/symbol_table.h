@@ -1,0 +1,93 @@
+// Every name a unit and its included files declare, where each variable lives (a numbered register of the
+// script machine or a named global), and the listing lines that store and load a variable.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace velkor {
+
+class TCompiler;
+
+// Symbol kinds.
+enum : std::int32_t {
+    skGlobalVar = 0,     // "var" at unit level: a game global (flag), addressed by its name
+    skLocalVar = 1,      // "var" in a function: register 24 + locals before it
+    skPassVar = 2,       // parameter: register 16 + parameters before it
+    skGlobalConst = 3,   // "const" at unit level: a value text
+    skLocalConst = 4,    // "const" in a function
+    skGameFunction = 5,  // "external" function of the game (WCP)
+    skUserFunction = 6,  // "function" with a body, or declared forward
+    skObject = 7,        // "object"
+    skNumber = 8,        // numeric constant loaded as a number (objectives)
+    skExternalVar = 9,   // "external" variable: a global of the series
+    skStringTable = 10,  // a string file included by #STRINGS
+    skStackVar = 100,    // expression-stack slot __ST<n>
+    skStaticVar = 166,   // "static" in a function: global "__<function>_<name>"
+    skEnum = 201,        // "ENUM" value
+};
+
+// The 160-byte record of the original, as plain fields. Names and texts are cut to 64 characters, as the
+// original's short strings cut them.
+struct TSymbol {
+    std::string Name;          // upper-cased name: the lookup key
+    std::int32_t Kind = 0;     // one of sk*
+    std::int32_t FileNumber = -1; // declaring file in the process-wide file-name list
+    std::int32_t Line = 0;     // declaration line
+    std::string Text;          // name as written, static storage name, constant value text or string-file path
+    std::int32_t Register = 0; // register of a register variable; parameter count of a function
+    std::int32_t Value = 0;    // functions and objects: non-zero once implemented; variables: initial value
+};
+
+inline constexpr std::size_t kShortStringMax = 64;     // longest name or text a record keeps
+inline constexpr std::int32_t kNoInitialValue = 0x0F00AAFF; // a local variable declared without a value
+
+// Cuts a text to what a record keeps.
+std::string ShortString(std::string_view text);
+
+class TSymbolTable {
+public:
+    explicit TSymbolTable(TCompiler* owner);
+    // A copy for the editor's symbol browser: the same records in order, no owner.
+    TSymbolTable(const TSymbolTable& other);
+    TSymbolTable& operator=(const TSymbolTable&) = delete;
+
+    // Appends; a name already present is the error `identifier "<name>" redeclared` (the name as
+    // written when given) and is added anyway (lookups then find the first record).
+    void Add(TSymbol symbol, std::string_view writtenName = {});
+    int Find(std::string_view name) const; // index of the first record of that name (any case), or -1
+    const TSymbol& Get(int index) const;
+    TSymbol& At(int index);
+    int Count() const { return static_cast<int>(symbols_.size()); }
+    int CountOfKind(std::int32_t kind) const;
+    void Remove(int index);
+    // Deletes every record of the kinds that live only while a function compiles (1, 2, 4, 100, 166).
+    void RemoveLocals();
+
+    // Fills a record for a variable of the given kind, with its register or storage name and messages,
+    // adds it and returns a copy.
+    TSymbol AddVariable(const std::string& name, std::int32_t kind, std::int32_t initialValue);
+    TSymbol AddPassVariable(const std::string& name);
+    void AddConstant(const std::string& name, const std::string& value, std::int32_t kind);
+
+    // The listing line that stores register r into the symbol ("movv v<reg> v<r>;" or "movv <name> v<r>;"),
+    // emitted through the owner's code generator.
+    void Store(const TSymbol& symbol, int r);
+
+private:
+    void Reindex();
+    void Message(int level, const std::string& text);
+    void Fail(const std::string& text);
+
+    TCompiler* owner_;                                        // none for a copy
+    std::vector<TSymbol> symbols_;                            // in declaration order
+    std::unordered_map<std::string, std::vector<int>> index_; // upper-cased name -> positions, ascending
+    std::unordered_map<std::int32_t, int> kindCounts_;       // records per kind
+    int firstLocal_ = -1; // position of the first function-local record, -1 when none: RemoveLocals only
+                          // touches the table from there, so a unit's compile stays linear
+};
+
+} // namespace velkor

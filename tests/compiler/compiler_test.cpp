@@ -1,0 +1,94 @@
+#include "compiler/compiler.h"
+#include "compiler/symbol_table.h"
+
+#include <gtest/gtest.h>
+
+namespace velkor {
+namespace {
+
+struct CompileRun {
+    std::vector<std::string> messages;
+    std::unique_ptr<TCompiler> compiler = std::make_unique<TCompiler>();
+    bool threw = false;
+
+    explicit CompileRun(const std::string& source, bool halt = true, std::uint8_t verbosity = 3) {
+        compiler->HaltOnError = halt;
+        compiler->Verbosity = verbosity;
+        compiler->OnOutput = [this](const std::string& m) { messages.push_back(m); };
+        compiler->SetSource(source);
+        try {
+            compiler->Compile();
+        } catch (const ECompiler&) {
+            threw = true;
+        }
+    }
+    bool Has(const std::string& m) const { return std::find(messages.begin(), messages.end(), m) != messages.end(); }
+    const TSymbol* Symbol(const std::string& name) const {
+        int i = compiler->Symbols().Find(name);
+        return i < 0 ? nullptr : &compiler->Symbols().Get(i);
+    }
+};
+
+TEST(CompilerSpine, UnitHeaderAndVariables) {
+    CompileRun r("mission Demo;\r\nvar kills = 3, Flag2;\r\nconst Max = $10, Neg = - 5;\r\n");
+    EXPECT_FALSE(r.threw);
+    EXPECT_EQ(r.compiler->UnitKind, ukMission);
+    EXPECT_EQ(r.compiler->UnitName, "Demo");
+    EXPECT_EQ(r.compiler->Data().CrcNames,
+              (StringList{"_ObjType_DO_NOT_MODIFY", "FLO_Main", "kills", "Flag2"}));
+    EXPECT_EQ(r.compiler->Data().Globals, (StringList{"kills", "Flag2"}));
+    ASSERT_TRUE(r.Symbol("KILLS"));
+    EXPECT_EQ(r.Symbol("kills")->Value, 3);
+    EXPECT_EQ(r.Symbol("Max")->Text, "$10");
+    EXPECT_EQ(r.Symbol("neg")->Text, "-5");
+    EXPECT_TRUE(r.Has("[Demo, 3] adding global const MAX with value $10"));
+}
+
+TEST(CompilerSpine, ErrorsHaltOrRecover) {
+    CompileRun halted("unit U;\r\nvar x;\r\nvar X;\r\nvar y;\r\n");
+    EXPECT_TRUE(halted.threw);
+    EXPECT_TRUE(halted.Has("[U, 3] ERROR: identifier \"X\" redeclared"));
+    EXPECT_EQ(halted.compiler->ErrorLine, 3);
+
+    CompileRun recovered("unit U;\r\nwhat is this;\r\nvar y;\r\n", false);
+    EXPECT_FALSE(recovered.threw);
+    EXPECT_TRUE(recovered.Has("[U, 2] ERROR: expected \"<Declaration>\" but found \"what\""));
+    EXPECT_TRUE(recovered.Has("[U, 2] recovering from error..."));
+    EXPECT_TRUE(recovered.Symbol("y"));
+    EXPECT_EQ(recovered.compiler->ErrorCount, 1);
+
+    CompileRun wrongKind("program P;", false);
+    EXPECT_TRUE(wrongKind.Has("[, 1] ERROR: expected \"unit\" but found \"program\""));
+}
+
+TEST(CompilerSpine, UnitKindRulesStillDeclare) {
+    CompileRun r("sector S;\r\nvar a;\r\n", false);
+    EXPECT_TRUE(r.Has("[S, 2] ERROR: global vars not allowed in PROJECT and SECTOR"));
+    EXPECT_TRUE(r.Symbol("a"));
+}
+
+TEST(CompilerSpine, NumberConversion) {
+    CompileRun r("unit U;", false);
+    auto& c = *r.compiler;
+    EXPECT_EQ(c.ConvertNumber("%1010"), 10);
+    EXPECT_EQ(c.ConvertNumber("$FF"), 255);
+    EXPECT_EQ(c.ConvertNumber("-12"), -12);
+    EXPECT_EQ(c.ConvertNumber("%102"), std::nullopt);
+    EXPECT_TRUE(r.Has("[U, 1] ERROR: 2 in binary constant ?!? What are you smoking?"));
+    EXPECT_EQ(c.ConvertNumber("%" + std::string(32, '1')), std::nullopt);
+    EXPECT_TRUE(r.Has("[U, 1] ERROR: " + std::string(32, '1') + " doesn't fit into a long"));
+    EXPECT_EQ(c.ConvertNumber("1.5"), std::nullopt);
+    EXPECT_TRUE(r.Has("[U, 1] ERROR: \"1.5\" is not a valid integer value"));
+    EXPECT_THROW(c.ConvertNumber("%1" + std::string(30, '0')), ERangeError);
+}
+
+TEST(CompilerSpine, RecoveryTerminatesOnTextsThatEndBadly) {
+    for (const char* text : {"unit", "unit U", "unit U; var", "unit U; var a =", "unit U; const c", "unit U; ?",
+                             "unit U; var a b c", "unit U; enum"}) {
+        CompileRun r(text, false);
+        EXPECT_FALSE(r.threw) << text;
+    }
+}
+
+} // namespace
+} // namespace velkor
