@@ -1,0 +1,139 @@
+// The instruction assembler: turns the functions of a WCP_ASM block into the binary function records of the
+// game's script machine, written into the chunk being assembled.
+#include "codegen/wcp_opcodes.h"
+#include "compiler/scanner.h"
+#include "iff/checksum.h"
+#include "iff/iff_compiler.h"
+#include "iff/iff_writer.h"
+#include "platform/numbers.h"
+#include "platform/strings.h"
+
+#include <array>
+
+namespace velkor {
+
+namespace {
+
+// The integer conversion's answer for a text that is no number; such an operand is stored as its name hash,
+// and so is this very number when written out.
+constexpr std::int32_t kNotAnInteger = 0x0F00AAFF;
+
+// More parameters than the machine has registers cannot be meant; the cap keeps a short text from asking
+// for gigabytes of descriptors.
+constexpr std::int32_t kMaxParameters = 255;
+
+} // namespace
+
+void TIffCompiler::AssembleWcpAsm() {
+    Expect("{");
+    for (int r = 0; r < 32; ++r) AddEntry(constants_, "v" + std::to_string(r), std::to_string(r));
+    for (;;) {
+        std::string token = Next();
+        if (token == "}" && kind_ == tkDelimiter) return;
+        if (LowerCase(token) == "func")
+            AssembleFunction();
+        else
+            ExpectError("<func>", token);
+    }
+}
+
+void TIffCompiler::AssembleFunction() {
+    std::string name = Next();
+    if (!IsNameKind(kind_)) ExpectError("<name>", name);
+    code_.clear();
+    EmitWord(NameHash(name));
+    EmitWord(0);
+    std::int32_t parameters = 0;
+    Peek();
+    if (kind_ == tkNumber) {
+        parameters = ConvertInt(Next());
+        if (parameters > kMaxParameters) Error(ERangeError().what());
+    }
+    EmitWord(static_cast<std::uint32_t>(parameters));
+    for (std::int32_t i = 0; i < parameters; ++i) EmitWord(kWcpParameterWord);
+
+    const size_t sizeField = code_.size();
+    EmitWord(0);
+    AssembleBlock();
+    const auto size = static_cast<std::uint32_t>(code_.size() - sizeField - 4);
+    for (int i = 0; i < 4; ++i)
+        code_[sizeField + static_cast<size_t>(i)] = static_cast<std::uint8_t>(size >> (8 * i));
+    writer_->Write(code_);
+    code_.clear();
+}
+
+// Nested blocks are followed with a depth count rather than recursion, so no listing can exhaust the stack.
+void TIffCompiler::AssembleBlock() {
+    Expect("{");
+    int depth = 0;
+    for (;;) {
+        if (NextIs('{')) {
+            EmitWord(kWcpBlockBegin);
+            ++depth;
+            continue;
+        }
+        std::string token = Next();
+        if (kind_ == tkEndOfText) ExpectError("}", token);
+        if (token == "}" && kind_ == tkDelimiter) {
+            if (depth == 0) return;
+            EmitWord(kWcpBlockEnd);
+            --depth;
+            continue;
+        }
+        if (const WcpMnemonic* m = FindWcpMnemonic(LowerCase(token)))
+            EmitInstruction(m->index, m->Kinds(), m->semicolonRequired);
+        else
+            EmitNativeCall(token);
+    }
+}
+
+void TIffCompiler::EmitInstruction(int index, std::span<const std::uint8_t> kinds, bool semicolonRequired) {
+    const auto words = WcpOpcodeWords();
+    if (index < 0 || static_cast<size_t>(index) >= words.size()) Error(ERangeError().what());
+    EmitWord(words[static_cast<size_t>(index)]);
+    for (std::uint8_t kind : kinds) EmitWord(ReadOperand(kind));
+    if (semicolonRequired)
+        Expect(";");
+    else
+        NextIs(';');
+}
+
+void TIffCompiler::EmitNativeCall(const std::string& name) {
+    std::array<std::uint32_t, kWcpMaxNativeOperands> operands{};
+    std::uint32_t count = 0;
+    while (!NextIs(';')) {
+        if (AtEndOfText()) ExpectError(";", Next());
+        if (count == operands.size()) Error(ERangeError().what());
+        operands[count++] = ReadOperand(okValue);
+    }
+    EmitWord((NameHash(name) & 0xFFFFFF00u) | (4 * count));
+    for (std::uint32_t i = 0; i < count; ++i) EmitWord(operands[i]);
+}
+
+std::uint32_t TIffCompiler::ReadOperand(int kind) {
+    std::string text = ResolveConstant(Next());
+    if (kind == okConstant && !text.empty() && (text[0] == '+' || text[0] == '-'))
+        text += ResolveConstant(Next()); // "- 5" is "-5"
+    std::uint32_t word;
+    if (kind == okLabel) {
+        if (text.size() == 4) {
+            // The first character in the lowest byte, so that the file shows the label in text order.
+            word = 0;
+            for (int i = 3; i >= 0; --i)
+                word = (word << 8) | static_cast<std::uint8_t>(text[static_cast<size_t>(i)]);
+        } else {
+            word = NameHash(text);
+        }
+    } else {
+        std::int32_t value = StrToIntDef(text, kNotAnInteger);
+        word = value == kNotAnInteger ? NameHash(text) : static_cast<std::uint32_t>(value);
+    }
+    NextIs(',');
+    return word;
+}
+
+void TIffCompiler::EmitWord(std::uint32_t word) {
+    for (int i = 0; i < 4; ++i) code_.push_back(static_cast<std::uint8_t>(word >> (8 * i)));
+}
+
+} // namespace velkor

@@ -1,0 +1,310 @@
+#include "iff/iff_compiler.h"
+
+#include "compiler/scanner.h"
+#include "iff/checksum.h"
+#include "iff/iff_writer.h"
+#include "platform/path_resolver.h"
+#include "platform/strings.h"
+#include "platform/text_file.h"
+
+namespace velkor {
+
+namespace {
+
+// "void velkor::TIffCompiler::Chunk()" -> "TIffCompiler::Chunk".
+std::string RoutineName(const std::source_location& where) {
+    std::string_view name = where.function_name();
+    if (size_t paren = name.find('('); paren != std::string_view::npos) name = name.substr(0, paren);
+    if (size_t blank = name.rfind(' '); blank != std::string_view::npos) name = name.substr(blank + 1);
+    constexpr std::string_view kNamespace = "velkor::";
+    if (name.starts_with(kNamespace)) name.remove_prefix(kNamespace.size());
+    return std::string(name);
+}
+
+// Resets the per-run state however the run ends.
+class RunGuard {
+public:
+    explicit RunGuard(std::function<void()> cleanup) : cleanup_(std::move(cleanup)) {}
+    ~RunGuard() { cleanup_(); }
+    RunGuard(const RunGuard&) = delete;
+    RunGuard& operator=(const RunGuard&) = delete;
+
+private:
+    std::function<void()> cleanup_; // what to reset
+};
+
+} // namespace
+
+TIffCompiler::TIffCompiler() = default;
+TIffCompiler::~TIffCompiler() = default;
+
+void TIffCompiler::SetInputFile(const std::string& fileName) {
+    auto found = FindExisting(fileName);
+    std::error_code ec;
+    if (!found || std::filesystem::is_directory(*found, ec)) throw EIffCompiler(fileName + " doesn't exist");
+    inputName_ = fileName;
+    inputPath_ = *found;
+    baseFolder_ = inputPath_.parent_path();
+    fromMemory_ = false;
+    inputText_.clear();
+}
+
+void TIffCompiler::SetInputText(std::string_view text, const std::filesystem::path& baseFolder) {
+    inputName_.clear();
+    inputPath_.clear();
+    inputText_ = NormaliseLineBreaks(text);
+    baseFolder_ = baseFolder;
+    fromMemory_ = true;
+}
+
+void TIffCompiler::Compile() {
+    scanner_ = CreateScanner();
+    // With markers TScanner knows the line of every token, which the error messages name.
+    scanner_->LineMarkers = true;
+    RunGuard guard([this] {
+        writer_.reset();
+        scanner_.reset();
+        constants_.clear();
+        types_.clear();
+        handingOver_ = false;
+    });
+    if (fromMemory_)
+        scanner_->LoadFromStream(inputText_);
+    else
+        scanner_->LoadFromStream(LoadTextFile(inputPath_));
+    constants_.clear();
+    types_.clear();
+    try {
+        Run();
+    } catch (const EIffCompiler&) {
+        throw;
+    } catch (const Exception& e) {
+        // A failure of the caller's own output callback is the caller's to report.
+        if (handingOver_) throw;
+        Error(e.what());
+    }
+}
+
+// ---- token reading ----
+
+std::string TIffCompiler::Next() {
+    std::string token = scanner_->NextToken();
+    kind_ = scanner_->TokenKind();
+    // The only token that does not advance is the empty one at the text's last character: nothing follows it.
+    if (kind_ == tkOther && token.empty()) kind_ = tkEndOfText;
+    return token;
+}
+
+std::string TIffCompiler::Peek() {
+    std::string token = scanner_->PeekToken();
+    kind_ = scanner_->TokenKind();
+    if (kind_ == tkOther && token.empty()) kind_ = tkEndOfText;
+    return token;
+}
+
+// Only for the delimiters "," ";" "{" "}" "[" "]": each is always a token of its own, so one look at the next
+// character after the blanks tells, without scanning a whole token twice as PeekToken would.
+bool TIffCompiler::PeekIs(char punctuation) {
+    scanner_->SkipBlanks();
+    return !scanner_->AtEnd() &&
+           scanner_->Text()[static_cast<size_t>(scanner_->Position()) - 1] == punctuation;
+}
+
+bool TIffCompiler::NextIs(char punctuation) {
+    if (!PeekIs(punctuation)) return false;
+    Next();
+    return true;
+}
+
+bool TIffCompiler::AtEndOfText() {
+    scanner_->SkipBlanks();
+    return scanner_->AtEnd();
+}
+
+bool TIffCompiler::IsNameKind(std::int32_t kind) {
+    return kind == tkIdentifier || kind == tkString || (kind >= tkAnd && kind <= tkProperty) ||
+           kind == tkBegin || kind == tkEnd;
+}
+
+void TIffCompiler::Expect(std::string_view punctuation) {
+    std::string token = Next();
+    if (token != punctuation || kind_ == tkString) ExpectError(punctuation, token);
+}
+
+std::string TIffCompiler::ReadName(std::string_view expected) {
+    std::string token = Next();
+    if (!IsNameKind(kind_)) ExpectError(expected, token);
+    return token;
+}
+
+// ---- error path ----
+
+void TIffCompiler::Error(const std::string& text, std::source_location where) {
+    std::string line = "[error] line " + std::to_string(scanner_ ? scanner_->Line() : 0) + ": " + text;
+    if (OnMessage) {
+        OnMessage(0, line);
+        OnMessage(0, "  raised in " + RoutineName(where) + ", line " + std::to_string(where.line()));
+    }
+    throw EIffCompiler(line);
+}
+
+void TIffCompiler::ExpectError(std::string_view expected, std::string_view found,
+                               std::source_location where) {
+    std::string text = "expected ";
+    text += expected;
+    text += ", but found ";
+    text += found;
+    Error(text, where);
+}
+
+// ---- constant and type tables ----
+
+void TIffCompiler::AddEntry(std::unordered_map<std::uint32_t, std::string>& table, std::string_view name,
+                            std::string value) {
+    table.emplace(NameHash(LowerCase(name)), std::move(value));
+}
+
+const std::string* TIffCompiler::Lookup(const std::unordered_map<std::uint32_t, std::string>& table,
+                                        std::string_view name) const {
+    if (table.empty()) return nullptr;
+    auto it = table.find(NameHash(LowerCase(name)));
+    return it == table.end() ? nullptr : &it->second;
+}
+
+std::string TIffCompiler::ResolveConstant(std::string text) const {
+    if (const std::string* value = Lookup(constants_, text)) return *value;
+    return text;
+}
+
+// ---- the grammar ----
+
+void TIffCompiler::Run() {
+    for (;;) {
+        std::string token = Next();
+        if (kind_ == tkEndOfText) return;
+        std::string keyword = UpperCase(token);
+        if (keyword == "IFF")
+            OutputBlock();
+        else if (keyword == "TRE" || keyword == "FLAT")
+            continue; // reserved for output kinds still to come
+        else
+            ExpectError("IFF, TRE or FLAT", token);
+    }
+}
+
+void TIffCompiler::OutputBlock() {
+    outputName_ = ReadName("<filename>");
+    writer_ = std::make_unique<TIffWriter>("_velkor.iff", TIffWriter::InMemory);
+    Expect("{");
+    while (!PeekIs('}')) {
+        std::string keyword = LowerCase(Peek());
+        if (keyword == "form") {
+            Form();
+        } else if (keyword == "const") {
+            ConstSection();
+        } else if (keyword == "type") {
+            TypeSection();
+        } else {
+            std::string token = Next(); // consumed so that the message names its line
+            ExpectError("CONST, TYPE or FORM", token);
+        }
+    }
+    Expect("}");
+    if (!OnBinaryOutput) Error("Output callback not assigned!");
+    handingOver_ = true;
+    OnBinaryOutput(writer_->Bytes(), outputName_);
+    handingOver_ = false;
+    writer_->Discard();
+    writer_.reset();
+}
+
+void TIffCompiler::ConstSection() {
+    std::string keyword = Next();
+    if (LowerCase(keyword) != "const") ExpectError("const", keyword);
+    do {
+        std::string name = ReadName("<name>");
+        Expect("=");
+        AddEntry(constants_, name, Next());
+    } while (NextIs(','));
+}
+
+void TIffCompiler::TypeSection() {
+    std::string keyword = Next();
+    if (LowerCase(keyword) != "type") ExpectError("type", keyword);
+    do {
+        std::string name = ReadName("<name>");
+        Expect("=");
+        AddEntry(types_, name, ReadName("<name>"));
+    } while (NextIs(','));
+}
+
+// Nested forms are followed with a depth count rather than recursion, so no text can exhaust the stack.
+void TIffCompiler::Form() {
+    OpenFormHeader();
+    int depth = 1;
+    while (depth > 0) {
+        if (NextIs('}')) {
+            writer_->CloseForm();
+            --depth;
+            continue;
+        }
+        std::string token = Peek();
+        std::string keyword = LowerCase(token);
+        if (keyword == "form") {
+            if (depth >= kMaxNesting) {
+                Next();
+                Error("forms nested deeper than " + std::to_string(kMaxNesting) + " levels");
+            }
+            OpenFormHeader();
+            ++depth;
+        } else if (keyword == "chunk") {
+            Chunk();
+        } else if (keyword == "file") {
+            Next();
+            WriteFileContents(ReadName("<filename>"));
+        } else {
+            Next();
+            ExpectError("form or chunk", token);
+        }
+    }
+}
+
+void TIffCompiler::OpenFormHeader() {
+    std::string keyword = Next();
+    if (LowerCase(keyword) != "form") ExpectError("FORM", keyword);
+    std::string name = ReadName("<name>");
+    if (name.size() < 4) Error(ERangeError().what());
+    writer_->OpenForm(std::string_view(name).substr(0, 4));
+    Expect("{");
+}
+
+void TIffCompiler::Chunk() {
+    std::string keyword = Next();
+    if (LowerCase(keyword) != "chunk") ExpectError("chunk", keyword);
+    std::string token = Next();
+    std::string id;
+    if (kind_ == tkNumber) {
+        // The id is the number's four bytes in little-endian order: $44434241 is "ABCD".
+        auto value = static_cast<std::uint32_t>(ConvertInt(token));
+        for (int i = 0; i < 4; ++i) id += static_cast<char>(value >> (8 * i));
+    } else if (IsNameKind(kind_)) {
+        if (token.size() < 4) Error(ERangeError().what());
+        id = token.substr(0, 4);
+    } else {
+        ExpectError("<name>", token);
+    }
+    writer_->OpenChunk(id);
+    Expect("{");
+    while (!NextIs('}')) Value();
+    writer_->CloseChunk();
+}
+
+void TIffCompiler::WriteFileContents(const std::string& name) {
+    auto found = FindExisting(name, baseFolder_);
+    std::error_code ec;
+    if (!found || !std::filesystem::is_regular_file(*found, ec)) Error("Couldn't find file " + name);
+    std::vector<std::uint8_t> bytes = ReadFileBytes(*found);
+    writer_->Write(bytes);
+}
+
+} // namespace velkor

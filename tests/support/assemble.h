@@ -1,0 +1,72 @@
+// Runs the textual-IFF assembler over a text held in memory and keeps everything it hands back.
+#pragma once
+
+#include "compiler/scanner.h"
+#include "iff/iff_compiler.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace velkor::test {
+
+using Bytes = std::vector<std::uint8_t>;
+
+struct Assembled {
+    std::vector<std::pair<std::string, Bytes>> files; // handed-over outputs: file name and bytes
+    std::vector<std::string> messages;                // every message line, in order
+    std::vector<int> levels;                          // the level of each message
+    std::string error;                                // the EIffCompiler text, empty when none was raised
+};
+
+inline Assembled Assemble(std::string_view text, ScannerClass scanner = ScannerClass::Standard,
+                          const std::filesystem::path& base = {}) {
+    Assembled result;
+    SetScannerClass(scanner);
+    TIffCompiler assembler;
+    assembler.OnMessage = [&](int level, const std::string& line) {
+        result.levels.push_back(level);
+        result.messages.push_back(line);
+    };
+    assembler.OnBinaryOutput = [&](const Bytes& bytes, const std::string& name) {
+        result.files.emplace_back(name, bytes);
+    };
+    assembler.SetInputText(text, base);
+    try {
+        assembler.Compile();
+    } catch (const EIffCompiler& e) {
+        result.error = e.what();
+    }
+    SetScannerClass(ScannerClass::Standard);
+    return result;
+}
+
+inline Bytes B(std::string_view s) {
+    return Bytes(s.begin(), s.end());
+}
+
+inline void AppendBigEndian(Bytes& out, std::uint32_t v) {
+    for (int i = 3; i >= 0; --i) out.push_back(static_cast<std::uint8_t>(v >> (8 * i)));
+}
+
+inline void AppendLittleEndian(Bytes& out, std::uint32_t v) {
+    for (int i = 0; i < 4; ++i) out.push_back(static_cast<std::uint8_t>(v >> (8 * i)));
+}
+
+// A whole file of one form holding one chunk with the given data (padded when odd).
+inline Bytes OneChunkFile(std::string_view formType, std::string_view chunkId, const Bytes& data) {
+    const std::uint32_t padded = static_cast<std::uint32_t>(data.size() + data.size() % 2);
+    Bytes out = B("FORM");
+    AppendBigEndian(out, 4 + 8 + padded);
+    for (char c : formType) out.push_back(static_cast<std::uint8_t>(c));
+    for (char c : chunkId) out.push_back(static_cast<std::uint8_t>(c));
+    AppendBigEndian(out, static_cast<std::uint32_t>(data.size()));
+    out.insert(out.end(), data.begin(), data.end());
+    if (data.size() % 2) out.push_back(0);
+    return out;
+}
+
+} // namespace velkor::test
