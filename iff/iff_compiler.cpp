@@ -12,7 +12,7 @@ namespace velkor {
 namespace {
 
 // "void velkor::TIffCompiler::Chunk()" -> "TIffCompiler::Chunk".
-std::string RoutineName(const std::source_location& where) {
+std::string RoutineName(const SourceLocation& where) {
     std::string_view name = where.function_name();
     if (size_t paren = name.find('('); paren != std::string_view::npos) name = name.substr(0, paren);
     if (size_t blank = name.rfind(' '); blank != std::string_view::npos) name = name.substr(blank + 1);
@@ -139,7 +139,7 @@ std::string TIffCompiler::ReadName(std::string_view expected) {
 
 // ---- error path ----
 
-void TIffCompiler::Error(const std::string& text, std::source_location where) {
+void TIffCompiler::Error(const std::string& text, SourceLocation where) {
     std::string line = "[error] line " + std::to_string(scanner_ ? scanner_->Line() : 0) + ": " + text;
     if (OnMessage) {
         OnMessage(0, line);
@@ -149,7 +149,7 @@ void TIffCompiler::Error(const std::string& text, std::source_location where) {
 }
 
 void TIffCompiler::ExpectError(std::string_view expected, std::string_view found,
-                               std::source_location where) {
+                               SourceLocation where) {
     std::string text = "expected ";
     text += expected;
     text += ", but found ";

@@ -5,12 +5,12 @@
 #pragma once
 
 #include "platform/exception.h"
+#include "platform/source_location.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <source_location>
 #include <span>
 #include <string>
 #include <string_view>
@@ -68,10 +68,9 @@ private:
     static bool IsNameKind(std::int32_t kind);
 
     // Error path.
-    [[noreturn]] void Error(const std::string& text,
-                            std::source_location where = std::source_location::current());
+    [[noreturn]] void Error(const std::string& text, SourceLocation where = SourceLocation::current());
     [[noreturn]] void ExpectError(std::string_view expected, std::string_view found,
-                                  std::source_location where = std::source_location::current());
+                                  SourceLocation where = SourceLocation::current());
 
     // Constant and type tables: keyed by the name checksum of the lower-cased name, first definition wins.
     void AddEntry(std::unordered_map<std::uint32_t, std::string>& table, std::string_view name,

@@ -1,0 +1,33 @@
+// Where in our own code a diagnostic was raised, for the "raised in" lines. std::source_location where the
+// standard library offers it; otherwise (clang 14 on libstdc++) the compiler builtins it is made of.
+#pragma once
+
+#include <cstdint>
+#if __has_include(<source_location>)
+#include <source_location>
+#endif
+
+namespace velkor {
+
+#if defined(__cpp_lib_source_location)
+using SourceLocation = std::source_location;
+#else
+class SourceLocation {
+public:
+    static constexpr SourceLocation current(const char* function = __builtin_FUNCTION(),
+                                            std::uint_least32_t line = __builtin_LINE()) noexcept {
+        SourceLocation where;
+        where.function_ = function;
+        where.line_ = line;
+        return where;
+    }
+    constexpr const char* function_name() const noexcept { return function_; }
+    constexpr std::uint_least32_t line() const noexcept { return line_; }
+
+private:
+    const char* function_ = "";    // the routine's name
+    std::uint_least32_t line_ = 0; // the line in its source file
+};
+#endif
+
+} // namespace velkor
