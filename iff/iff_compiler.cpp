@@ -148,8 +148,7 @@ void TIffCompiler::Error(const std::string& text, SourceLocation where) {
     throw EIffCompiler(line);
 }
 
-void TIffCompiler::ExpectError(std::string_view expected, std::string_view found,
-                               SourceLocation where) {
+void TIffCompiler::ExpectError(std::string_view expected, std::string_view found, SourceLocation where) {
     std::string text = "expected ";
     text += expected;
     text += ", but found ";
@@ -303,8 +302,13 @@ void TIffCompiler::WriteFileContents(const std::string& name) {
     auto found = FindExisting(name, baseFolder_);
     std::error_code ec;
     if (!found || !std::filesystem::is_regular_file(*found, ec)) Error("Couldn't find file " + name);
+    CheckOutputSize(std::filesystem::file_size(*found, ec));
     std::vector<std::uint8_t> bytes = ReadFileBytes(*found);
     writer_->Write(bytes);
+}
+
+void TIffCompiler::CheckOutputSize(std::uint64_t adding) {
+    if (writer_->GetPosition() + adding > kMaxOutputSize) Error("output file larger than 4 GB");
 }
 
 } // namespace velkor

@@ -55,6 +55,9 @@ public:
 
     // Nesting deeper than this is refused rather than followed.
     static constexpr int kMaxNesting = 10000;
+    // IFF sizes are 32-bit: a larger output cannot be written, and constants or files repeated in a short
+    // text could otherwise fill the memory before the writer notices.
+    static constexpr std::uint64_t kMaxOutputSize = 0xFFFFFFFFu;
 
 private:
     // Token reading.
@@ -89,6 +92,7 @@ private:
     void Chunk();
     void Value();
     void WriteFileContents(const std::string& name);
+    void CheckOutputSize(std::uint64_t adding);
     std::int32_t ReadInt();
     std::int32_t ConvertInt(const std::string& text);
     double ReadFloat();

@@ -90,6 +90,7 @@ void TIffCompiler::Value() {
             std::string text = Next();
             if (!IsNameKind(kind_)) ExpectError("<string>", text);
             text = ResolveConstant(std::move(text));
+            CheckOutputSize(pending_.size() + text.size() + 1);
             pending_.insert(pending_.end(), text.begin(), text.end());
             pending_.push_back(0);
             break;
