@@ -17,7 +17,7 @@ namespace velkor {
 namespace {
 
 // "velkor::TCodeGen::CompileFactor" from the compiler's pretty function name, for the "raised in" line.
-std::string RoutineName(const std::source_location& where) {
+std::string RoutineName(const SourceLocation& where) {
     std::string_view f = where.function_name();
     size_t paren = f.find('(');
     if (paren != std::string_view::npos) f = f.substr(0, paren);
@@ -89,7 +89,7 @@ void TCompiler::Output(int level, const std::string& text, std::int32_t line) {
     OnOutput("[" + UnitName + ", " + std::to_string(line) + "] " + text);
 }
 
-void TCompiler::Report(const std::string& text, std::int32_t line, const std::source_location& where) {
+void TCompiler::Report(const std::string& text, std::int32_t line, const SourceLocation& where) {
     if (line < 0) line = Line();
     Output(0, "ERROR: " + text, line);
     Output(0, "  raised in " + RoutineName(where) + ", line " + std::to_string(where.line()), line);
@@ -98,11 +98,11 @@ void TCompiler::Report(const std::string& text, std::int32_t line, const std::so
     if (HaltOnError) throw ECompiler(text);
 }
 
-void TCompiler::ErrorNoSkip(const std::string& text, std::int32_t line, std::source_location where) {
+void TCompiler::ErrorNoSkip(const std::string& text, std::int32_t line, SourceLocation where) {
     Report(text, line, where);
 }
 
-void TCompiler::Error(const std::string& text, std::int32_t line, std::source_location where) {
+void TCompiler::Error(const std::string& text, std::int32_t line, SourceLocation where) {
     Report(text, line, where);
     Output(0, "recovering from error...");
     while (!AtEnd()) {
@@ -114,11 +114,11 @@ void TCompiler::Error(const std::string& text, std::int32_t line, std::source_lo
 
 void TCompiler::Hint(const std::string& text, std::int32_t line) { Output(0, "HINT: " + text, line); }
 
-void TCompiler::Expected(const std::string& wanted, const std::string& found, std::source_location where) {
+void TCompiler::Expected(const std::string& wanted, const std::string& found, SourceLocation where) {
     Error("expected \"" + wanted + "\" but found \"" + std::string(Trim(found)) + "\"", -1, where);
 }
 
-bool TCompiler::Expect(const std::string& wanted, std::source_location where) {
+bool TCompiler::Expect(const std::string& wanted, SourceLocation where) {
     std::string token = NextToken();
     if (SameText(token, wanted)) return true;
     Expected(wanted, token, where);

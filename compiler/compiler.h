@@ -13,7 +13,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <source_location>
+#include "platform/source_location.h"
 #include <string>
 #include <vector>
 
@@ -103,18 +103,18 @@ public:
     // "ERROR: <text>" and the "  raised in ..." line at level 0, ErrorLine set, ErrorCount raised; then
     // ECompiler when halting, else "recovering from error..." and tokens skipped up to the next ";".
     void Error(const std::string& text, std::int32_t line = -1,
-               std::source_location where = std::source_location::current());
+               SourceLocation where = SourceLocation::current());
     // As Error, but when not halting the compile goes on where it is, without skipping: for the checks
     // after which the construct is "compiled anyway" (unit-kind rules, initialised externals, ...).
     void ErrorNoSkip(const std::string& text, std::int32_t line = -1,
-                     std::source_location where = std::source_location::current());
+                     SourceLocation where = SourceLocation::current());
     void Hint(const std::string& text, std::int32_t line = -1);
     // The error `expected "<wanted>" but found "<found, trimmed>"`.
     void Expected(const std::string& wanted, const std::string& found,
-                  std::source_location where = std::source_location::current());
+                  SourceLocation where = SourceLocation::current());
     // Reads a token; when it differs from `wanted` (compared without case) reports Expected. Returns
     // whether it matched.
-    bool Expect(const std::string& wanted, std::source_location where = std::source_location::current());
+    bool Expect(const std::string& wanted, SourceLocation where = SourceLocation::current());
 
     // Token access; never loops forever: a scanner that cannot move on reads as the end of the text.
     std::string NextToken();
@@ -144,7 +144,7 @@ public:
     void DeclareEnums();
 
 private:
-    void Report(const std::string& text, std::int32_t line, const std::source_location& where);
+    void Report(const std::string& text, std::int32_t line, const SourceLocation& where);
     void DeclarationLoop();
     void HandleCommand();
     void IncludeSourceFiles();
