@@ -1,11 +1,10 @@
 #include "iff/iff_reader.h"
 #include "iff/iff_writer.h"
-#include "tests/iff/iff_bytes.h"
+#include "tests/iff/iff_test_helpers.h"
 #include "tests/support/run_tool.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 
 namespace velkor {
@@ -15,21 +14,9 @@ using test::Be32;
 using test::Bytes;
 using test::Cat;
 using test::Chunk;
+using test::ExpectError;
 using test::Form;
 using test::Str;
-
-// Expects `body` to throw exactly `Error` with exactly `message`.
-template <typename Error>
-void ExpectError(const std::function<void()>& body, const std::string& message) {
-    try {
-        body();
-        ADD_FAILURE() << "no exception, expected: " << message;
-    } catch (const Error& e) {
-        EXPECT_EQ(std::string(e.what()), message);
-    } catch (const std::exception& e) {
-        ADD_FAILURE() << "wrong exception type: " << e.what();
-    }
-}
 
 // MISN { HEAD "abc", FORM OBJS { SHIP 4 bytes, SHIP 2 bytes }, TAIL 0 bytes, FORM LAST {} }, from the writer.
 Bytes Mission() {

@@ -1,8 +1,14 @@
-// Hand-built binary IFF for reader tests: exact bytes, including the malformed ones a writer refuses.
+// Helpers for IFF tests: hand-built binary IFF (exact bytes, including the malformed ones a writer
+// refuses) and a check for an exception with its exact message.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
+#include <exception>
+#include <functional>
 #include <initializer_list>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -37,6 +43,19 @@ inline Bytes Form(std::string_view type, std::initializer_list<Bytes> children =
     Bytes body = Str(type);
     for (const Bytes& c : children) body.insert(body.end(), c.begin(), c.end());
     return Cat({Str("FORM"), Be32(static_cast<std::uint32_t>(body.size())), body});
+}
+
+// Expects `body` to throw exactly `Error` with exactly `message`.
+template <typename Error>
+void ExpectError(const std::function<void()>& body, const std::string& message) {
+    try {
+        body();
+        ADD_FAILURE() << "no exception, expected: " << message;
+    } catch (const Error& e) {
+        EXPECT_EQ(std::string(e.what()), message);
+    } catch (const std::exception& e) {
+        ADD_FAILURE() << "wrong exception type: " << e.what();
+    }
 }
 
 } // namespace velkor::test

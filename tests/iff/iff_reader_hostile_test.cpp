@@ -1,0 +1,156 @@
+#include "iff/iff_reader.h"
+#include "tests/iff/iff_test_helpers.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <string>
+
+namespace velkor {
+namespace {
+
+using test::Be32;
+using test::Bytes;
+using test::Cat;
+using test::Chunk;
+using test::Form;
+using test::Str;
+
+std::string MessageOf(const std::function<void()>& body) {
+    try {
+        body();
+    } catch (const EIffReader& e) {
+        return e.what();
+    }
+    return "(no EIffReader)";
+}
+
+// Forms nested `depth` deep, each claiming nearly 4 GB so that each holds the next.
+Bytes DeepForms(int depth) {
+    Bytes out;
+    out.reserve(static_cast<std::size_t>(depth) * 12 + 16);
+    for (int i = 0; i < depth; ++i) {
+        const Bytes header = Cat({Str("FORM"), Be32(0xFFFFFFF0u), Str("DEEP")});
+        out.insert(out.end(), header.begin(), header.end());
+    }
+    return out;
+}
+
+TEST(IffReaderHostile, HundredsOfThousandsOfNestedFormsNeitherRecurseNorCrash) {
+    const int depth = 300000;
+    Bytes data = DeepForms(depth);
+    const Bytes leaf = Chunk("LEAF", Cat({Str("ok"), Bytes{0}}));
+    data.insert(data.end(), leaf.begin(), leaf.end());
+    {
+        TIffReader r(data);
+        const TForm* form = &r.Root();
+        int levels = 1;
+        while (!form->Forms.empty()) {
+            form = form->Forms[0].get();
+            ++levels;
+        }
+        EXPECT_EQ(levels, depth);
+        ASSERT_EQ(form->Chunks.size(), 1u);
+        r.OpenChunk(*form->Chunks[0]);
+        EXPECT_EQ(r.ReadString(), "ok");
+    } // the whole tree is destroyed here
+
+    // Forms whose sizes all end 2 bytes into a 10-byte leaf chunk: the chunk after it fits none of
+    // them and climbs all the way up before failing.
+    Bytes tall;
+    tall.reserve(static_cast<std::size_t>(depth) * 12 + 20);
+    for (int i = 0; i < depth; ++i) {
+        const Bytes header =
+            Cat({Str("FORM"), Be32(static_cast<std::uint32_t>(4 + 12 * (depth - 1 - i) + 10)), Str("DEEP")});
+        tall.insert(tall.end(), header.begin(), header.end());
+    }
+    const Bytes tail = Cat({Chunk("LEAF", Str("ab")), Chunk("OUTS", {})});
+    tall.insert(tall.end(), tail.begin(), tail.end());
+    EXPECT_EQ(MessageOf([&] { TIffReader r(tall); }), "TIffReader: , error at offset 0036EE8A!");
+}
+
+TEST(IffReaderHostile, SizesPastTheEndAreCaughtWhenRead) {
+    const Bytes data = Form("TEST", {Cat({Str("HUGE"), Be32(0xFFFFFFFFu), Str("abc")})});
+    TIffReader r(data);
+    ASSERT_EQ(r.Root().Chunks.size(), 1u);
+    const TChunk& huge = *r.Root().Chunks[0];
+    EXPECT_EQ(huge.Size, 0x100000000LL); // made even without wrapping
+    const std::string past = "TIffReader: Chunk (HUGE) at offset 0000000C runs past the end of the data!";
+    EXPECT_EQ(MessageOf([&] { (void)r.ChunkData(huge); }), past);
+    r.OpenChunk("HUGE");
+    std::uint8_t b[4];
+    EXPECT_EQ(MessageOf([&] { r.Read(b); }), past);
+    EXPECT_EQ(r.Position(), 8);
+    std::uint8_t three[3];
+    r.Read(three);
+    EXPECT_EQ(Bytes(three, three + 3), Str("abc"));
+    EXPECT_EQ(MessageOf([&] { r.ReadString(); }), past); // no zero before the data ends
+    EXPECT_EQ(MessageOf([&] { r.ReadLong(); }), past);
+}
+
+TEST(IffReaderHostile, ZeroAndOddSizesAnywhere) {
+    // Empty root, empty chunks side by side, odd sizes without their pad byte at the very end.
+    EXPECT_EQ(TIffReader(Form("NONE")).Root().Children().size(), 0u);
+    const Bytes empties = Form("TEST", {Chunk("ONE_", {}), Chunk("TWO_", {}), Chunk("LAST", Str("a"))});
+    EXPECT_EQ(TIffReader(empties).Root().Chunks.size(), 3u);
+    Bytes noPad = Form("TEST", {Chunk("ODD_", Str("abc"))});
+    noPad.pop_back();
+    TIffReader r(noPad);
+    r.OpenChunk("ODD_");
+    std::uint8_t three[3];
+    r.Read(three);
+    std::uint8_t pad[1];
+    EXPECT_EQ(MessageOf([&] { r.Read(pad); }),
+              "TIffReader: Chunk (ODD_) at offset 0000000C runs past the end of the data!");
+    // A form whose size field is 0 or 1 holds nothing, not even its own type.
+    EXPECT_EQ(MessageOf([] {
+                  TIffReader(Cat({Str("FORM"), Be32(1), Str("TEST"), Chunk("DATA", {})}));
+              }),
+              "TIffReader: , error at offset 0000000C!");
+}
+
+TEST(IffReaderHostile, HighBitSizesAreUnsigned) {
+    // A root claiming 2 GB and more still holds what follows it.
+    const Bytes data = Cat({Str("FORM"), Be32(0x80000001u), Str("TEST"), Chunk("DATA", Str("ab"))});
+    TIffReader r(data);
+    EXPECT_EQ(r.Root().Size, 0x80000002LL);
+    EXPECT_EQ(r.Root().Chunks.size(), 1u);
+}
+
+TEST(IffReaderHostile, TruncatedHeadersAtEveryLength) {
+    const Bytes whole = Form("OUTR", {Form("INNR", {Chunk("DATA", Str("abcd"))})});
+    for (std::size_t n = 0; n < whole.size(); ++n) {
+        const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(n));
+        std::string expected;
+        if (n < 4)
+            expected = "TIffReader: not a valid .iff file!";
+        else if (n < 12)
+            expected = "EIffReader_ErrorInForm: Error in Form \"" +
+                       std::string("OUTR").substr(0, n < 8 ? 0 : n - 8) + "\" at offset 0";
+        else if (n < 16)
+            expected = "(no EIffReader)";
+        else if (n < 24)
+            expected = "EIffReader_ErrorInForm: Error in Form \"" +
+                       std::string("INNR").substr(0, n < 20 ? 0 : n - 20) + "\" at offset C";
+        else if (n < 28)
+            expected = "(no EIffReader)";
+        else if (n < 32)
+            expected = "EIffReader_ErrorInChunk: Error in Chunk \"DATA\" at offset 18";
+        else
+            expected = "(no EIffReader)";
+        EXPECT_EQ(MessageOf([&] { TIffReader r(cut); }), expected) << "length " << n;
+    }
+}
+
+TEST(IffReaderHostile, DataOfFourGigabytesOrMoreIsRefused) {
+    const std::size_t size = 0x100000000ULL;
+    void* p = mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (p == MAP_FAILED) GTEST_SKIP() << "cannot reserve 4 GB of address space";
+    const std::span<const std::uint8_t> huge(static_cast<const std::uint8_t*>(p), size);
+    EXPECT_EQ(MessageOf([&] { TIffReader r(huge); }), "TIffReader: data larger than 4 GB!");
+    munmap(p, size);
+    EXPECT_EQ(IffFreeHandleCount(), kIffHandleCount);
+}
+
+} // namespace
+} // namespace velkor
