@@ -21,6 +21,8 @@ public:
     // Scans bytes the caller keeps alive as long as the reader. The source name (empty for data that
     // comes from no file) is part of two scan messages. Throws EIffReader and its subclasses.
     explicit TIffReader(std::span<const std::uint8_t> bytes, std::string sourceName = {});
+    // A temporary would be gone before the reader: use FromCopy.
+    TIffReader(std::vector<std::uint8_t>&& bytes, std::string sourceName = {}) = delete;
     // Scans bytes the reader then owns.
     static TIffReader FromCopy(std::vector<std::uint8_t> bytes, std::string sourceName = {});
     // Opens the file into a memory copy the reader owns; its name as given is the source name.

@@ -90,7 +90,7 @@ TEST(IffReaderHostile, SizesPastTheEndAreCaughtWhenRead) {
 
 TEST(IffReaderHostile, ZeroAndOddSizesAnywhere) {
     // Empty root, empty chunks side by side, odd sizes without their pad byte at the very end.
-    EXPECT_EQ(TIffReader(Form("NONE")).Root().Children().size(), 0u);
+    EXPECT_EQ(TIffReader::FromCopy(Form("NONE")).Root().Children().size(), 0u);
     const Bytes empties = Form("TEST", {Chunk("ONE_", {}), Chunk("TWO_", {}), Chunk("LAST", Str("a"))});
     EXPECT_EQ(TIffReader(empties).Root().Chunks.size(), 3u);
     Bytes noPad = Form("TEST", {Chunk("ODD_", Str("abc"))});
@@ -104,7 +104,7 @@ TEST(IffReaderHostile, ZeroAndOddSizesAnywhere) {
               "TIffReader: Chunk (ODD_) at offset 0000000C runs past the end of the data!");
     // A form whose size field is 0 or 1 holds nothing, not even its own type.
     EXPECT_EQ(MessageOf([] {
-                  TIffReader(Cat({Str("FORM"), Be32(1), Str("TEST"), Chunk("DATA", {})}));
+                  TIffReader::FromCopy(Cat({Str("FORM"), Be32(1), Str("TEST"), Chunk("DATA", {})}));
               }),
               "TIffReader: , error at offset 0000000C!");
 }

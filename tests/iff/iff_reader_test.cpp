@@ -119,48 +119,52 @@ TEST(IffReaderScan, TrailingZeroBytesAndShortTailsEndTheScan) {
     const Bytes base = Form("TEST", {Chunk("DATA", Str("abcd"))});
     for (const Bytes& tail :
          {Bytes(16, 0), Bytes{1, 2, 3}, Cat({Bytes{0}, Str("BCD"), Chunk("MORE", Str("zz"))})}) {
-        TIffReader r(Cat({base, tail}));
+        TIffReader r = TIffReader::FromCopy(Cat({base, tail}));
         EXPECT_EQ(r.Root().Chunks.size(), 1u);
         EXPECT_EQ(r.Root().Forms.size(), 0u);
     }
 }
 
 TEST(IffReaderScan, FailuresNameTheSourceAndOffset) {
-    ExpectError<EIffReader>([] { TIffReader r(Bytes{}); }, "TIffReader: not a valid .iff file!");
-    ExpectError<EIffReader>([] { TIffReader r(Str("FOR")); }, "TIffReader: not a valid .iff file!");
+    ExpectError<EIffReader>([] { TIffReader r = TIffReader::FromCopy(Bytes{}); },
+                            "TIffReader: not a valid .iff file!");
+    ExpectError<EIffReader>([] { TIffReader r = TIffReader::FromCopy(Str("FOR")); },
+                            "TIffReader: not a valid .iff file!");
     ExpectError<EIffReader>(
         [] {
-            TIffReader r(Cat({Bytes{0}, Str("ORM"), Be32(4), Str("TEST")}), "x.iff");
+            TIffReader r = TIffReader::FromCopy(Cat({Bytes{0}, Str("ORM"), Be32(4), Str("TEST")}), "x.iff");
         },
         "TIffReader: x.iffnot a valid .iff file!");
     // Nothing outside the first item is indexed: a second top-level form has no form to go in.
     ExpectError<EIffReader>(
         [] {
-            TIffReader r(Cat({Form("ONE_"), Form("TWO_")}), "two.iff");
+            TIffReader r = TIffReader::FromCopy(Cat({Form("ONE_"), Form("TWO_")}), "two.iff");
         },
         "TIffReader: two.iff, error at offset 0000000C!");
-    ExpectError<EIffReader_ErrorInForm>([] { TIffReader r(Str("FORM")); },
+    ExpectError<EIffReader_ErrorInForm>([] { TIffReader r = TIffReader::FromCopy(Str("FORM")); },
                                         "EIffReader_ErrorInForm: Error in Form \"\" at offset 0");
     ExpectError<EIffReader_ErrorInForm>(
         [] {
-            TIffReader r(Cat({Str("FORM"), Be32(100), Str("OUTR"), Str("FORM"), Be32(4), Str("IN")}));
+            TIffReader r = TIffReader::FromCopy(
+                Cat({Str("FORM"), Be32(100), Str("OUTR"), Str("FORM"), Be32(4), Str("IN")}));
         },
         "EIffReader_ErrorInForm: Error in Form \"IN\" at offset C");
     ExpectError<EIffReader_ErrorInChunk>(
         [] {
-            TIffReader r(Cat({Form("OUTR", {Chunk("ABCD", Str("0123456789"))}), Str("TAIL"), Bytes{0, 0}}));
+            TIffReader r = TIffReader::FromCopy(
+                Cat({Form("OUTR", {Chunk("ABCD", Str("0123456789"))}), Str("TAIL"), Bytes{0, 0}}));
         },
         "EIffReader_ErrorInChunk: Error in Chunk \"TAIL\" at offset 1E");
 }
 
 // The first item is the root even when it is a chunk; nothing can follow it.
 TEST(IffReaderScan, AChunkAsFirstItemBecomesTheRoot) {
-    TIffReader r(Chunk("ABCD", Str("1234")));
+    TIffReader r = TIffReader::FromCopy(Chunk("ABCD", Str("1234")));
     EXPECT_EQ(r.Root().ID, "ABCD");
     EXPECT_EQ(r.Root().Size, 4);
     ExpectError<EIffReader>(
         [] {
-            TIffReader r2(Cat({Chunk("ABCD", Str("1234")), Chunk("EFGH", {})}));
+            TIffReader r2 = TIffReader::FromCopy(Cat({Chunk("ABCD", Str("1234")), Chunk("EFGH", {})}));
         },
         "TIffReader: , error at offset 0000000C!");
 }

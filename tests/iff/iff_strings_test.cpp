@@ -89,7 +89,7 @@ TEST(IffStringList, InfoTextsAreWrittenToEvenLength) {
         list.InfoText1 = text1;
         list.Lines = {"z"};
         list.SaveToFile(dir / "t.eng");
-        TIffReader r(ReadBytes(dir / "t.eng"));
+        TIffReader r = TIffReader::FromCopy(ReadBytes(dir / "t.eng"));
         r.OpenForm("LANG");
         const auto data = r.ChunkData(*r.CurrentForm().Chunks.at(0));
         return Bytes(data.begin(), data.end() - 16); // without the numbers and the empty text 2
