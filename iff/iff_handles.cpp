@@ -65,8 +65,7 @@ void IffCloseHandle(int handle) {
     {
         std::lock_guard lock(gTableLock);
         Slot& slot = OpenSlot(handle);
-        dropped = std::move(slot.owned);
-        slot.owned.reset();
+        dropped.swap(slot.owned);
         slot.bytes = {};
         slot.position = 0;
         slot.free.store(true, std::memory_order_release);

@@ -19,7 +19,13 @@ constexpr std::uint64_t kMaxData = 0xFFFFFFFFu;
 class HandleLease {
 public:
     explicit HandleLease(int handle) : handle_(handle) {}
-    ~HandleLease() { IffCloseHandle(handle_); }
+    ~HandleLease() {
+        try {
+            IffCloseHandle(handle_);
+        } catch (const EIffReader&) {
+            // someone else closed it already; the slot is free either way
+        }
+    }
     HandleLease(const HandleLease&) = delete;
     HandleLease& operator=(const HandleLease&) = delete;
     int Handle() const { return handle_; }
