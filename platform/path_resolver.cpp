@@ -1,8 +1,8 @@
 #include "platform/path_resolver.h"
 
 #include "platform/strings.h"
+#include "platform/user_folders.h"
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -16,12 +16,6 @@ bool IsSeparator(char c) { return c == '\\' || c == '/'; }
 
 bool HasDriveLetter(std::string_view p) {
     return p.size() >= 2 && p[1] == ':' && ((p[0] >= 'A' && p[0] <= 'Z') || (p[0] >= 'a' && p[0] <= 'z'));
-}
-
-fs::path WinePrefix() {
-    if (const char* prefix = std::getenv("WINEPREFIX"); prefix && *prefix) return prefix;
-    if (const char* home = std::getenv("HOME"); home && *home) return fs::path(home) / ".wine";
-    return {};
 }
 
 fs::path DriveRoot(char letter) {
