@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/executable_path.h"
+#include "platform/named_folders.h"
 #include "tests/support/run_tool.h"
 
 #include <gtest/gtest.h>
@@ -38,8 +39,11 @@ private:
 
 class IsolatedSettings : public ::testing::Test {
 protected:
-    IsolatedSettings() = default;
-    ~IsolatedSettings() override { SetExecutableFolderForTesting({}); }
+    IsolatedSettings() { ResetNamedFoldersForTesting(); }
+    ~IsolatedSettings() override {
+        SetExecutableFolderForTesting({});
+        ResetNamedFoldersForTesting();
+    }
 
     TempDir dir;                                                                   // holds every file
     ScopedEnv ini{"VELKOR_INI", (dir.path() / "velkor.ini").string()};             // the settings file
