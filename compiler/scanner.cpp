@@ -5,6 +5,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstring>
 
 namespace velkor {
 
@@ -39,9 +40,9 @@ bool IsDelimiterChar(char c) {
 }
 
 std::int32_t KeywordKind(std::string_view word) {
-    std::string lower = LowerCase(word);
+    if (word.size() > 9) return tkIdentifier; // the longest keyword is "objective"
     for (const auto& k : kKeywords)
-        if (k.word == lower) return k.kind;
+        if (k.word.size() == word.size() && SameText(k.word, word)) return k.kind;
     return tkIdentifier;
 }
 
@@ -82,17 +83,19 @@ void TScanner::Rewrite() {
         std::int32_t nextLine = 2;
         AppendMarker(out, 1);
         // A marker goes two characters behind every CR, i.e. behind the CR LF pair.
-        for (size_t i = 0; i < text_.size(); ++i) {
-            out += text_[i];
-            if (i > 0 && text_[i - 1] == '\r') AppendMarker(out, nextLine++);
+        const size_t n = text_.size();
+        size_t copied = 0;
+        for (size_t cr = text_.find('\r'); cr != std::string::npos; cr = text_.find('\r', cr + 1)) {
+            const size_t at = std::min(cr + 2, n); // a CR among the last two characters: at the very end
+            out.append(text_, copied, at - copied);
+            copied = at;
+            AppendMarker(out, nextLine++);
         }
-        // A CR as the last character puts its marker at the very end.
-        if (!text_.empty() && text_.back() == '\r') AppendMarker(out, nextLine++);
+        out.append(text_, copied, n - copied);
         text_ = std::move(out);
     }
 
-    for (size_t i = 0; i + 1 < text_.size(); ++i) {
-        if (text_[i] != '/') continue;
+    for (size_t i = text_.find('/'); i != std::string::npos && i + 1 < text_.size(); i = text_.find('/', i + 1)) {
         if (text_[i + 1] == '/') {
             size_t j = i;
             while (j < text_.size() && text_[j] != '\r') text_[j++] = ' ';
@@ -132,40 +135,54 @@ void TScanner::SkipBlanks() {
 }
 
 std::string TScanner::NextToken() {
-    std::string token;
     SkipBlanks();
     const size_t len = text_.size();
     if (pos_ > len || At(pos_) == '\0') {
         tokenKind_ = tkEndOfText;
-        return token;
+        return {};
     }
+    // Every loop stops before the text's last character (pos_ < len): that character never extends a
+    // token of more than one character.
     const char first = At(pos_);
+    const size_t start = pos_; // 1-based position of the token's first character
+    auto take = [&](size_t from) { return text_.substr(from - 1, pos_ - from); };
     if (first == '"') {
         ++pos_;
-        while (pos_ < len && At(pos_) != '"') token += At(pos_++);
+        const size_t from = pos_;
+        if (pos_ < len) {
+            const void* quote = std::memchr(text_.data() + pos_ - 1, '"', len - pos_);
+            pos_ = quote ? static_cast<size_t>(static_cast<const char*>(quote) - text_.data()) + 1 : len;
+        }
+        std::string token = pos_ > from ? take(from) : std::string();
         ++pos_;
         tokenKind_ = tkString;
-    } else if (IsDigit(first) || first == '$' || first == '%') {
-        token += first;
+        return token;
+    }
+    if (IsDigit(first) || first == '$' || first == '%') {
         ++pos_;
-        while (pos_ < len && (IsDigit(At(pos_)) || At(pos_) == '.' || IsHexLetter(At(pos_)))) token += At(pos_++);
-        if (pos_ < len && (At(pos_) == '+' || At(pos_) == '-') && (token.back() == 'E' || token.back() == 'e')) {
-            token += At(pos_++);
-            while (pos_ < len && IsDigit(At(pos_))) token += At(pos_++);
+        while (pos_ < len && (IsDigit(At(pos_)) || At(pos_) == '.' || IsHexLetter(At(pos_)))) ++pos_;
+        const char last = At(pos_ - 1);
+        if (pos_ < len && (At(pos_) == '+' || At(pos_) == '-') && (last == 'E' || last == 'e')) {
+            ++pos_;
+            while (pos_ < len && IsDigit(At(pos_))) ++pos_;
         }
         tokenKind_ = tkNumber;
-    } else if (IsLetter(first) || first == '_') {
-        token += first;
+        return take(start);
+    }
+    if (IsLetter(first) || first == '_') {
         ++pos_;
-        while (pos_ < len && IsIdentChar(At(pos_))) token += At(pos_++);
+        while (pos_ < len && IsIdentChar(At(pos_))) ++pos_;
+        std::string token = take(start);
         tokenKind_ = KeywordKind(token);
-    } else if (IsOperatorChar(first)) {
-        token += first;
+        return token;
+    }
+    if (IsOperatorChar(first)) {
         ++pos_;
-        while (pos_ < len && IsOperatorChar(At(pos_))) token += At(pos_++);
+        while (pos_ < len && IsOperatorChar(At(pos_))) ++pos_;
         tokenKind_ = tkOperator;
-    } else if (IsDelimiterChar(first)) {
-        token += first;
+        return take(start);
+    }
+    if (IsDelimiterChar(first)) {
         ++pos_;
         switch (first) {
         case ';': tokenKind_ = tkSemicolon; break;
@@ -174,16 +191,15 @@ std::string TScanner::NextToken() {
         case ')': tokenKind_ = tkCloseParen; break;
         default: tokenKind_ = tkDelimiter; break;
         }
-    } else {
-        while (pos_ < len) {
-            char c = At(pos_);
-            if (IsBlank(c) || IsIdentChar(c) || IsOperatorChar(c) || IsDelimiterChar(c)) break;
-            token += c;
-            ++pos_;
-        }
-        tokenKind_ = tkOther;
+        return std::string(1, first);
     }
-    return token;
+    while (pos_ < len) {
+        const char c = At(pos_);
+        if (IsBlank(c) || IsIdentChar(c) || IsOperatorChar(c) || IsDelimiterChar(c)) break;
+        ++pos_;
+    }
+    tokenKind_ = tkOther;
+    return take(start);
 }
 
 std::string TScanner::PeekAhead(int n) {

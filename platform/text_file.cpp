@@ -11,17 +11,14 @@ namespace velkor {
 std::string NormaliseLineBreaks(std::string_view text) {
     std::string out;
     out.reserve(text.size() + text.size() / 32);
-    for (size_t i = 0; i < text.size(); ++i) {
-        char c = text[i];
-        if (c == '\r') {
-            out += "\r\n";
-            if (i + 1 < text.size() && text[i + 1] == '\n') ++i;
-        } else if (c == '\n') {
-            out += "\r\n";
-        } else {
-            out += c;
-        }
+    size_t copied = 0;
+    for (size_t i = text.find_first_of("\r\n"); i != std::string_view::npos; i = text.find_first_of("\r\n", i)) {
+        out.append(text, copied, i - copied);
+        out += "\r\n";
+        i += (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ? 2 : 1;
+        copied = i;
     }
+    out.append(text, copied, text.size() - copied);
     return out;
 }
 

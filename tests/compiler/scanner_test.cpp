@@ -211,3 +211,18 @@ TEST(Scanner, ProcessWideClassChoice) {
 
 } // namespace
 } // namespace velkor
+
+namespace velkor {
+namespace {
+
+TEST(Scanner, MarkersBehindEveryCrIncludingRunsAndTheEnd) {
+    TScanner s;
+    s.LineMarkers = true;
+    s.SetText("a\r\rb\r");
+    EXPECT_EQ(s.Text(), "##00001a\r\r##00002b##00003\r##00004");
+    s.SetText("x\r");
+    EXPECT_EQ(s.Text(), "##00001x\r##00002");
+}
+
+} // namespace
+} // namespace velkor
