@@ -1,7 +1,10 @@
-// The listing writer, and placeholders for the code generator's entry points until it lands.
+// The listing writer and what the parts of the code generator share.
 #include "codegen/codegen.h"
 
+#include "codegen/nesting_guard.h"
 #include "compiler/compiler.h"
+
+#include <algorithm>
 
 namespace velkor {
 
@@ -18,9 +21,21 @@ void TCodeGen::InsertLine(std::size_t index, const std::string& line) {
     code.insert(code.begin() + static_cast<std::ptrdiff_t>(std::min(index, code.size())), line);
 }
 
-void TCodeGen::CompileFunctionDeclaration() { compiler_.Error("function is not available yet"); }
-void TCodeGen::CompileObject() { compiler_.Error("object is not available yet"); }
-void TCodeGen::CompileObjective() { compiler_.Error("objective is not available yet"); }
-void TCodeGen::CompileNameCommand() { compiler_.Error("NAME is not available yet"); }
+void TCodeGen::InsertLines(std::size_t index, const std::vector<std::string>& lines) {
+    auto& code = compiler_.Data().CodeList;
+    code.insert(code.begin() + static_cast<std::ptrdiff_t>(std::min(index, code.size())), lines.begin(),
+                lines.end());
+}
+
+bool TCodeGen::ErrorSince(int errorCount) const {
+    return compiler_.ErrorCount != errorCount;
+}
+
+NestingGuard::NestingGuard(TCodeGen& codegen)
+    : codegen_(codegen), ok_(codegen.nesting_ < TCodeGen::kMaxNesting) {
+    // Counted only after the report: when halting it throws, and no destructor would undo the count.
+    if (!ok_) codegen_.compiler_.Error("Expression too complex");
+    ++codegen_.nesting_;
+}
 
 } // namespace velkor

@@ -21,7 +21,7 @@ public:
     void CompileFunctionDeclaration(); // "function"
     void CompileObject();              // "object"
     void CompileObjective();           // "objective"
-    void CompileNameCommand();         // the NAME command: "name" ":" value (after "#")
+    void CompileNameCommand();         // the NAME command: "name" ":" value (after "#"; the ";" is left)
 
     // --- the listing writer
     // Appends a line with the current indentation, which grows by two blanks after "{" and shrinks by two
@@ -29,8 +29,10 @@ public:
     void EmitLine(const std::string& line);
     // Inserts a line at a CodeList index, without indentation.
     void InsertLine(std::size_t index, const std::string& line);
+    // Inserts several lines at once, in the given order, without indentation.
+    void InsertLines(std::size_t index, const std::vector<std::string>& lines);
 
-    // --- functions and calls
+    // --- functions and calls (a call's name already read)
     void CompileFunctionBody();
     void CompileUserCall(const TSymbol& function);
     void CompileGameCall(const TSymbol& function);
@@ -47,16 +49,51 @@ public:
     void CompileTerm();
     void CompileSignedFactor();
     void CompileFactor();
-    void PushAccumulator();
+    // Saves v8 in the slot __ST<depth> and returns the slot's register.
+    int PushAccumulator();
     void PopAccumulator();
+
+    // Deepest nesting of expressions and statements before "Expression too complex": the parser recurses,
+    // and hostile input must end in an error, not in a stack overflow.
+    static constexpr int kMaxNesting = 500;
 
     std::string CurrentFunction;         // name of the function being compiled, for messages and statics
     int StackDepth = 0;                  // expression-stack depth; reset at each function declaration
     std::vector<std::string> BreakStack; // end labels of the enclosing loops, innermost last
 
 private:
-    TCompiler& compiler_; // the unit being compiled
-    std::string indent_;  // the listing writer's current indentation
+    friend class NestingGuard;
+
+    // statements.cpp
+    void CompileAssignment();
+    void CompileIf();
+    void CompileWhile();
+    void CompileUntil();
+    void CompileFor();
+    void CompileBreak();
+    void CompileIncDec(bool increment);
+    std::string LoopLabel(char letter) const; // "\"<line, at least 3 digits><letter>\""
+
+    // expressions.cpp
+    void CompileBinaryOperator(const std::string& op);
+    void LoadSymbol(const TSymbol& symbol);
+    std::string ConstantOperand(const std::string& value); // a constant's value as the listing takes it
+
+    // functions.cpp
+    void DeclareFunctionSymbol(const std::string& name, std::int32_t kind, int parameters, bool implemented);
+    void SkipEmptyParentheses(); // "()" after a call of a function without parameters
+    std::string ByNameOperand(const std::string& name, bool quoted); // a game call's "@name" operand
+
+    // objects.cpp
+    void CompileProperty(const std::string& keyword);
+
+    bool ErrorSince(int errorCount) const; // an error was reported since the count was taken
+
+    TCompiler& compiler_;           // the unit being compiled
+    std::string indent_;            // the listing writer's current indentation
+    int nesting_ = 0;               // current nesting of expressions and statements
+    int functionSymbols_ = 0;       // table position of the current function's first parameter or local
+    std::int32_t functionLine_ = 0; // line of the current function's name
 };
 
 } // namespace velkor

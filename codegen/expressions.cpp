@@ -1,0 +1,242 @@
+// Expressions: six recursive levels from relations down to factors, each leaving its value in v8. A left
+// operand waits in an expression-stack slot (__ST<depth>) while its right operand is compiled into v8; the
+// right operand then moves to v9 and the left one comes back into v8.
+#include "codegen/codegen.h"
+
+#include "codegen/nesting_guard.h"
+#include "compiler/compiler.h"
+#include "compiler/scanner.h"
+#include "compiler/symbol_table.h"
+#include "platform/numbers.h"
+#include "platform/strings.h"
+
+namespace velkor {
+
+namespace {
+
+// A keyword operator is a plain word; a string token that happens to read "or" is none.
+bool IsWord(const TCompiler& c, const std::string& token, std::string_view word) {
+    return c.TokenKind() != tkString && SameText(token, word);
+}
+
+bool IsRelation(const TCompiler& c, const std::string& token) {
+    if (c.TokenKind() == tkOperator) return token == "=" || token == "<" || token == ">" || token == "<>";
+    return IsWord(c, token, "AINT");
+}
+
+// The operators of the simple-expression level, and the signs. XOR is deliberately not among them.
+bool IsAdditive(const TCompiler& c, const std::string& token) {
+    if (c.TokenKind() == tkOperator) return token == "+" || token == "-";
+    return IsWord(c, token, "OR");
+}
+
+bool IsMultiplicative(const TCompiler& c, const std::string& token) {
+    if (c.TokenKind() == tkOperator) return token == "*" || token == "/";
+    return IsWord(c, token, "AND") || IsWord(c, token, "MOD");
+}
+
+// A binary "%" literal that the number conversion accepts without a report.
+bool IsBinaryLiteral(const std::string& text) {
+    if (text.size() < 2 || text.size() > 32 || text[0] != '%') return false;
+    return text.find_first_not_of("01", 1) == std::string::npos;
+}
+
+} // namespace
+
+void TCodeGen::CompileExpression() {
+    NestingGuard guard(*this);
+    if (!guard.Ok()) return;
+    const bool negate = IsWord(compiler_, compiler_.PeekToken(), "NOT");
+    if (negate) compiler_.NextToken();
+    CompileSimpleExpression();
+    for (std::string op = compiler_.PeekToken(); IsRelation(compiler_, op); op = compiler_.PeekToken()) {
+        compiler_.NextToken();
+        CompileBinaryOperator(UpperCase(op));
+    }
+    if (negate) {
+        EmitLine("opc v8 0 0;");
+        EmitLine("movv v8 v1;");
+    }
+}
+
+void TCodeGen::CompileSimpleExpression() {
+    CompileSignedTerm();
+    for (std::string op = compiler_.PeekToken(); IsAdditive(compiler_, op); op = compiler_.PeekToken()) {
+        compiler_.NextToken();
+        CompileBinaryOperator(UpperCase(op));
+    }
+}
+
+void TCodeGen::CompileSignedTerm() {
+    const std::string sign = compiler_.PeekToken();
+    const bool isSign = IsAdditive(compiler_, sign);
+    if (isSign) compiler_.NextToken();
+    CompileTerm();
+    if (isSign && sign == "-") {
+        EmitLine("movc v9 0;");
+        EmitLine("subv v8 v9 v8;");
+    }
+}
+
+void TCodeGen::CompileTerm() {
+    CompileSignedFactor();
+    for (std::string op = compiler_.PeekToken(); IsMultiplicative(compiler_, op);
+         op = compiler_.PeekToken()) {
+        compiler_.NextToken();
+        CompileBinaryOperator(UpperCase(op));
+    }
+}
+
+void TCodeGen::CompileSignedFactor() {
+    const std::string sign = compiler_.PeekToken();
+    const bool isSign = IsAdditive(compiler_, sign);
+    if (isSign) compiler_.NextToken();
+    CompileFactor();
+    if (isSign && sign == "-") {
+        EmitLine("movc v9 0;");
+        EmitLine("subv v8 v9 v8;");
+    }
+}
+
+// The operator token is already read: save the left operand, compile the right one at the next-higher
+// level, bring both into v8 and v9 and emit the operation.
+void TCodeGen::CompileBinaryOperator(const std::string& op) {
+    PushAccumulator();
+    if (op == "+" || op == "-" || op == "OR" || op == "XOR") {
+        CompileSignedTerm();
+    } else if (op == "*" || op == "/" || op == "AND" || op == "MOD") {
+        // The game has no remainder instruction; the lines below are emitted all the same.
+        if (op == "MOD") compiler_.ErrorNoSkip("mod not implemented!");
+        CompileSignedFactor();
+    } else {
+        CompileSimpleExpression();
+    }
+    EmitLine("movv v9 v8;");
+    PopAccumulator();
+
+    if (op == "+")
+        EmitLine("addv v8 v8 v9;");
+    else if (op == "-")
+        EmitLine("subv v8 v8 v9;");
+    else if (op == "OR")
+        EmitLine("orv v8 v8 v9;");
+    else if (op == "XOR")
+        EmitLine("xorv v8 v8 v9;");
+    else if (op == "*")
+        EmitLine("mulv v8 v8 v9;");
+    else if (op == "/")
+        EmitLine("divv v8 v8 v9;");
+    else if (op == "AND")
+        EmitLine("andv v8 v8 v9;");
+    else if (op == "MOD") {
+        EmitLine("divv v8 v8 v9;");
+        EmitLine("mulc v8 v8 v9;");
+    } else if (op == "=" || op == "<" || op == ">") {
+        const char* relation = op == "=" ? "0" : op == "<" ? "2" : "4";
+        EmitLine(std::string("opv v8 ") + relation + " v9;");
+        EmitLine("movv v8 v1;");
+    } else { // "<>" and AINT
+        EmitLine("opv v8 0 v9;");
+        EmitLine("movv v8 v1;");
+        EmitLine("opc v8 0 0;");
+        EmitLine("movv v8 v1;");
+    }
+}
+
+void TCodeGen::CompileFactor() {
+    const std::string token = compiler_.PeekToken();
+    const std::int32_t kind = compiler_.TokenKind();
+    if (kind == tkOpenParen) {
+        compiler_.NextToken();
+        CompileExpression();
+        compiler_.Expect(")");
+        return;
+    }
+    if (kind == tkNumber) {
+        compiler_.NextToken();
+        if (auto value = compiler_.ConvertNumber(token)) EmitLine("movc v8 " + std::to_string(*value) + ";");
+        return;
+    }
+    // A delimiter that ends the statement stays for the recovery to stop at.
+    const bool ends = kind == tkSemicolon || kind == tkComma || kind == tkCloseParen || kind == tkEnd ||
+                      kind == tkEndOfText;
+    if (!ends) compiler_.NextToken();
+    const int index = ends || kind == tkString ? -1 : compiler_.Symbols().Find(token);
+    if (index < 0) {
+        compiler_.Expected("<symbol>", token);
+        return;
+    }
+    // A copy: compiling a call may add symbols and move the table's records.
+    LoadSymbol(TSymbol(compiler_.Symbols().Get(index)));
+}
+
+void TCodeGen::LoadSymbol(const TSymbol& symbol) {
+    switch (symbol.Kind) {
+    case skLocalVar:
+    case skPassVar:
+    case skStackVar: EmitLine("movv v8 v" + std::to_string(symbol.Register) + ";"); break;
+    case skGlobalVar:
+    case skExternalVar:
+    case skStaticVar: EmitLine("movv v8 " + symbol.Text + ";"); break;
+    case skGlobalConst:
+    case skLocalConst:
+    case skNumber:
+    case skEnum: EmitLine("movc v8 " + ConstantOperand(symbol.Text) + ";"); break;
+    case skObject: EmitLine("movc v8 " + symbol.Text + ";"); break;
+    case skStringTable: {
+        const int errors = compiler_.ErrorCount;
+        if (!compiler_.Expect("[")) return;
+        const std::int32_t number = compiler_.StringNumber(symbol, compiler_.NextToken());
+        if (ErrorSince(errors) || !compiler_.Expect("]")) return;
+        EmitLine("movc v8 " + std::to_string(number) + ";");
+        break;
+    }
+    case skGameFunction:
+        CompileGameCall(symbol);
+        EmitLine("movv v8 v0;");
+        break;
+    case skUserFunction:
+        CompileUserCall(symbol);
+        EmitLine("movv v8 v0;");
+        break;
+    default:
+        compiler_.Error("FATAL - symbol \"" + symbol.Text + "\" has unknown symbol type (" +
+                        std::to_string(symbol.Kind) +
+                        "). Don't know what do do with it. - This should never happen!");
+        break;
+    }
+}
+
+std::string TCodeGen::ConstantOperand(const std::string& value) {
+    if (IsBinaryLiteral(value)) {
+        if (auto number = compiler_.ConvertNumber(value)) return std::to_string(*number);
+        return value;
+    }
+    if (auto number = StrToInt(value)) return std::to_string(*number);
+    return value; // a text, a float or a name: the assembler takes it as written
+}
+
+int TCodeGen::PushAccumulator() {
+    const std::string name = "__ST" + std::to_string(StackDepth);
+    auto& symbols = compiler_.Symbols();
+    const int index = symbols.Find(name);
+    const TSymbol slot = index >= 0 ? symbols.Get(index) : symbols.AddVariable(name, skStackVar, 0);
+    compiler_.Output(2, "push " + name);
+    EmitLine("movv v" + std::to_string(slot.Register) + " v8;");
+    ++StackDepth;
+    return slot.Register;
+}
+
+void TCodeGen::PopAccumulator() {
+    --StackDepth;
+    const std::string name = "__ST" + std::to_string(StackDepth);
+    compiler_.Output(2, "pop " + name);
+    const int index = compiler_.Symbols().Find(name);
+    if (index < 0) {
+        compiler_.Error("stack over/under-flow (" + name + ")");
+        return;
+    }
+    EmitLine("movv v8 v" + std::to_string(compiler_.Symbols().Get(index).Register) + ";");
+}
+
+} // namespace velkor
