@@ -1,0 +1,249 @@
+// Game objects, objectives and the NAME command: the object form line by line, the fixed texts and
+// values, the shared chunk ids, objective numbering and the errors with their exact texts.
+#include "tests/codegen/compile_run.h"
+
+#include <gtest/gtest.h>
+
+namespace velkor::test {
+namespace {
+
+StringList PropForm(const std::string& chunk, const StringList& values) {
+    StringList lines{"    FORM \"PROP\"", "    {", "      CHUNK $" + chunk, "      {"};
+    for (const auto& v : values) lines.push_back("        " + v);
+    lines.push_back("      }");
+    lines.push_back("    }");
+    return lines;
+}
+
+StringList ObjectForm(const std::string& typeText, const std::string& gameName, const StringList& position,
+                      int typeNumber, const std::vector<StringList>& properties) {
+    StringList lines{"FORM \"OBJ_\"",
+                     "{",
+                     "  CHUNK \"TYPE\"",
+                     "  {",
+                     "    cstring \"" + typeText + "\"",
+                     "  }",
+                     "  CHUNK \"COMN\"",
+                     "  {",
+                     "    crc32 \"" + gameName + "\""};
+    for (const auto& p : position) lines.push_back("    float " + p);
+    for (const std::string line : {"  }", "  FORM \"PLST\"", "  {"}) lines.push_back(line);
+    for (const auto& line : PropForm("56A0F92F // OBJ_PROP_TYPE", {"long " + std::to_string(typeNumber)}))
+        lines.push_back(line);
+    for (const auto& p : properties) lines.insert(lines.end(), p.begin(), p.end());
+    lines.push_back("  }");
+    lines.push_back("}");
+    return lines;
+}
+
+TEST(Objects, ShipFormWithProperties) {
+    CompileRun r({"mission M;", "const Dia = 5000;", "object Alpha (Alpha1) AS ship", "  OBJ: \"Hornet\";",
+                  "  x: 100; y: - 5.5; z: 0;", "  main: AlphaMain;", "  NAVDATA: 3, Dia;",
+                  "  COLOR: 1, 0.5, 0.25, 1;", "  Direction: 1, -2, $10;", "  RADIUS: 2.5;", "end;"});
+    EXPECT_EQ(r.failure, "");
+    EXPECT_EQ(r.Objects(),
+              ObjectForm("Hornet", "Alpha1", {"100", "-5.5", "0"}, 20,
+                         {PropForm("164A8982 // OBJ_PROP_PROG_MAIN", {"cstring \"AlphaMain\""}),
+                          PropForm("7CEB526F // OBJ_PROP_NAV_DATA",
+                                   {"long 3 // number", "long 0", "long 5000 // diameter", "long 60"}),
+                          PropForm("7CD3CF30 // OBJ_PROP_BRIEF_COLOR",
+                                   {"long 1", "float 0.5", "float 0.25", "float 1"}),
+                          PropForm("DB9BFB6D // OBJ_PROP_DIRECTION", {"long 1", "long -2", "long 16"}),
+                          PropForm("8D12CACF // OBJ_PROP_RADIUS", {"float 2.5"})}));
+    ASSERT_TRUE(r.Symbol("alpha"));
+    EXPECT_EQ(r.Symbol("alpha")->Kind, skObject);
+    EXPECT_NE(r.Symbol("alpha")->Value, 0);
+    EXPECT_TRUE(r.compiler->Data().CodeList.empty());
+}
+
+TEST(Objects, FixedTypeTextsOverrideTheObjValue) {
+    CompileRun camera({"mission M;", "object Cam (Cam) AS CAMERA OBJ: \"x\"; x: 0; y: 0; z: 0; end;"});
+    EXPECT_EQ(camera.failure, "");
+    EXPECT_EQ(camera.Objects(), ObjectForm("PROGCAM", "Cam", {"0", "0", "0"}, 25, {}));
+    const std::vector<std::tuple<std::string, std::string, int>> types = {{"SHIP", "", 20},
+                                                                          {"CAPSHIP", "", 26},
+                                                                          {"PLAYER", "", 19},
+                                                                          {"NAVPOINT", "NAVPOINT", 21},
+                                                                          {"ABSTART", "ABSTART", 23},
+                                                                          {"ABCPOINT", "ABCPOINT", 5},
+                                                                          {"JUMPPOINT", "JUMPPOINT", 9},
+                                                                          {"HBODY", "HBODY", 24},
+                                                                          {"LIGHT", "LIGHT", 3},
+                                                                          {"ACAPMISS", "", 28},
+                                                                          {"CLUSTER", "", 29},
+                                                                          {"SYSTEM", "SYSTEM", 31},
+                                                                          {"DEBRSFLD", "DEBRSFLD", 14},
+                                                                          {"GHOST", "GHOST", 27},
+                                                                          {"CARGO", "CARGO", 22}};
+    for (const auto& [word, text, number] : types) {
+        CompileRun r({"mission M;", "object O (\"Game O\") AS " + word, "x: 1; y: 2; z: 3; end;"});
+        EXPECT_EQ(r.Objects(), ObjectForm(text, "Game O", {"1", "2", "3"}, number, {})) << word;
+    }
+}
+
+TEST(Objects, SharedChunkIdsAndFixedValues) {
+    CompileRun r({"mission M;", "object A (A) AS ABSTART x: 0; y: 0; z: 0;", "EVENT_H: h; event_4: four;",
+                  "BRIEF_NAME: 7; ABSDATA: 1, 2, 3000; ABCDATA: 4, 5;", "end;"});
+    EXPECT_EQ(r.failure, "");
+    EXPECT_EQ(r.Objects(), ObjectForm("ABSTART", "A", {"0", "0", "0"}, 23,
+                                      {PropForm("3F524DD3 // OBJ_PROP_EVENTH", {"cstring \"h\""}),
+                                       PropForm("3F524DD3 // OBJ_PROP_EVENT4", {"cstring \"four\""}),
+                                       PropForm("7CD3CF30 // OBJ_PROP_BRIEF_NAME", {"long 7"}),
+                                       PropForm("E2D9FD86 // OBJ_PROP_ABSTART_DATA",
+                                                {"long 1 // number", "long 2 // count", "long 556",
+                                                 "long 3000 // diameter", "long 10", "long 22", "long 5"}),
+                                       PropForm("BA4BEF19 // OBJ_PROP_ABCPOINT_DATA",
+                                                {"long 4 // ABS number", "long 5 // ABCP number"})}));
+}
+
+TEST(Objects, EveryPropertyKeyword) {
+    const std::vector<std::pair<std::string, std::string>> single = {
+        {"DEATH: p", "7C851FAA // OBJ_PROP_PROG_DEATH"},
+        {"BRIEF: p", "DED3032D // OBJ_PROP_PROG_BRIEF"},
+        {"EVENT_0: p", "841E2D1E // OBJ_PROP_EVENT0"},
+        {"EVENT_1: p", "F3191D88 // OBJ_PROP_EVENT1"},
+        {"EVENT_2: p", "6A104C32 // OBJ_PROP_EVENT2"},
+        {"EVENT_3: p", "1D177CA4 // OBJ_PROP_EVENT3"},
+        {"EVENT_5: p", "F474D991 // OBJ_PROP_EVENT5"},
+        {"EVENT_6: p", "6D7D882B // OBJ_PROP_EVENT6"},
+        {"EVENT_7: p", "1A7AB8BD // OBJ_PROP_EVENT7"},
+        {"PILOT: 1", "DB4529D3 // OBJ_PROP_PILOT"},
+        {"TARGSTR: 1", "12E9F423 // OBJ_PROP_TARGET_STRING"},
+        {"NAME: 1", "C0182354 // OBJ_PROP_NAME"},
+        {"LIGHTTYPE: 1", "440950ED // OBJ_PROP_LIGHT_TYPE"},
+        {"LENSFLARE: 1", "3915DCFD // OBJ_PROP_LENS_FLARE"},
+        {"BODY: 1", "6C16661E // OBJ_PROP_HBODY_OBJ"},
+        {"ACTIONSPHERE: 1", "214E3DDF // OBJ_PROP_ACTIONSPHERE"},
+        {"UNKNOWN2: 1", "228C6B96 // OBJ_PROP_UNKNOWN2"}};
+    for (const auto& [property, chunk] : single) {
+        CompileRun r({"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: 0; " + property + "; end;"});
+        ASSERT_EQ(r.failure, "") << property;
+        EXPECT_EQ(r.Objects()[r.Objects().size() - 7], "      CHUNK $" + chunk) << property;
+    }
+    const std::vector<std::pair<std::string, std::string>> triple = {
+        {"LIGHTCOLOR", "8D4A2E9F // OBJ_PROP_LIGHT_COLOR"},
+        {"UNKNOWN5", "7498C4FE // OBJ_PROP_UNKNOWN5"},
+        {"UNKNOWN6", "A1867673 // OBJ_PROP_UNKNOWN6"}};
+    for (const auto& [property, chunk] : triple) {
+        CompileRun r(
+            {"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: 0; " + property + ": 1, 2, 3; end;"});
+        ASSERT_EQ(r.failure, "") << property;
+        EXPECT_EQ(r.Objects()[r.Objects().size() - 9], "      CHUNK $" + chunk) << property;
+    }
+}
+
+TEST(Objects, Errors) {
+    CompileRun wing({"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: 0;", "WING: 1;", "end;"});
+    EXPECT_EQ(wing.failure, "WING not supported!");
+    CompileRun property({"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: 0;", "Shield: 1;", "end;"});
+    EXPECT_EQ(property.failure, "expected \"<property>\" but found \"Shield\"");
+    CompileRun type({"mission M;", "object O (O) AS Boat x: 0; y: 0; z: 0; end;"});
+    EXPECT_EQ(type.failure, "expected \"<object type>\" but found \"Boat\"");
+    CompileRun position({"mission M;", "object O (O) AS SHIP x: 0; z: 0; end;"});
+    EXPECT_EQ(position.failure, "expected \"y\" but found \"z\"");
+    CompileRun number({"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: zero; end;"});
+    EXPECT_EQ(number.failure, "\"zero\" is not a valid floating point value");
+    // Without halting the form is still closed and the next object compiles.
+    CompileRun recovered({"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: 0;", "WING: 1; Bad: 2;",
+                          "PILOT: 3;", "end;", "object P (P) AS SHIP x: 0; y: 0; z: 0; end;"},
+                         false, 0);
+    EXPECT_EQ(recovered.Errors(), (StringList{"[M, 3] ERROR: WING not supported!",
+                                              "[M, 3] ERROR: expected \"<property>\" but found \"Bad\""}));
+    StringList expected =
+        ObjectForm("", "O", {"0", "0", "0"}, 20, {PropForm("DB4529D3 // OBJ_PROP_PILOT", {"long 3"})});
+    const StringList second = ObjectForm("", "P", {"0", "0", "0"}, 20, {});
+    expected.insert(expected.end(), second.begin(), second.end());
+    EXPECT_EQ(recovered.Objects(), expected);
+}
+
+TEST(Objects, ForwardDeclarationsAndReferences) {
+    CompileRun r({"mission M;", "object Later;", "object Never;", "function f;", "var a;",
+                  "begin a := Later end;", "object Later (Later) AS NAVPOINT x: 0; y: 0; z: 0; end;"},
+                 false, 3, true);
+    EXPECT_TRUE(r.Has("[M, 2] #adding object forward declaration:Later"));
+    EXPECT_EQ(r.Errors(), (StringList{"[M, 3] ERROR: object Never not implemented"}));
+    EXPECT_NE(std::find(r.Code().begin(), r.Code().end(), "  movc v8 Later;"), r.Code().end());
+    CompileRun twice(
+        {"mission M;", "object A (A) x: 0; y: 0; z: 0; end;", "object A (A) x: 0; y: 0; z: 0; end;"});
+    EXPECT_EQ(twice.failure, "identifier \"A\" redeclared");
+}
+
+TEST(Objectives, NumberedInDeclarationOrder) {
+    CompileRun r({"mission M;", "const Shown = 0;",
+                  "objective First hidden: Shown; type: 1; text: 7; status: 0; counter: $10; end;",
+                  "objective Second", "  hidden: 1;", "  type: 2;", "  text: 8;", "  status: First;",
+                  "  counter: 0;", "end;", "function f;", "var a;", "begin a := Second end;"});
+    EXPECT_EQ(r.failure, "");
+    EXPECT_EQ(r.Objectives(), (StringList{"CHUNK \"MOBJ\"",
+                                          "{",
+                                          "  long 0 // hidden",
+                                          "  long 1 // type",
+                                          "  long 7 // string1",
+                                          "  long 7 // string2",
+                                          "  long 0 // status",
+                                          "  long 16 // counter",
+                                          "  long 0",
+                                          "  long 0",
+                                          "  long 0",
+                                          "}",
+                                          "CHUNK \"MOBJ\"",
+                                          "{",
+                                          "  long 1 // hidden",
+                                          "  long 2 // type",
+                                          "  long 8 // string1",
+                                          "  long 8 // string2",
+                                          "  long 0 // status",
+                                          "  long 0 // counter",
+                                          "  long 0",
+                                          "  long 0",
+                                          "  long 0",
+                                          "}"}));
+    ASSERT_TRUE(r.Symbol("second"));
+    EXPECT_EQ(r.Symbol("second")->Kind, skNumber);
+    EXPECT_EQ(r.Symbol("second")->Text, "1");
+    EXPECT_NE(std::find(r.Code().begin(), r.Code().end(), "  movc v8 1;"), r.Code().end());
+}
+
+TEST(Objectives, FieldsInTheirFixedOrder) {
+    CompileRun order({"mission M;", "objective O hidden: 0; text: 1; type: 2; status: 0; counter: 0; end;"});
+    EXPECT_EQ(order.failure, "expected \"type\" but found \"text\"");
+    CompileRun value({"mission M;", "objective O hidden: no; type: 2; text: 1; status: 0; counter: 0; end;"});
+    EXPECT_EQ(value.failure, "\"no\" is not a valid integer value");
+    CompileRun series({"series S;", "objective O hidden: 0; type: 2; text: 1; status: 0; counter: 0; end;"},
+                      false, 0);
+    EXPECT_EQ(series.Errors().size(), 1u);
+    EXPECT_EQ(series.Objectives().size(), 12u);
+}
+
+// The NAME command after its "#": "name" ":" value, the ";" left for the command reader.
+struct NameRun {
+    std::vector<std::string> messages;
+    TCompiler compiler;
+    explicit NameRun(const std::string& text) {
+        compiler.OnOutput = [this](const std::string& m) { messages.push_back(m); };
+        compiler.HaltOnError = false;
+        compiler.SetSource(text);
+        compiler.CodeGen().CompileNameCommand();
+    }
+};
+
+TEST(NameCommand, SetsTheNameNumber) {
+    NameRun hex("name : $20;");
+    EXPECT_EQ(hex.compiler.NameNumber, 32);
+    EXPECT_TRUE(hex.messages.empty());
+    EXPECT_EQ(hex.compiler.NextToken(), ";");
+    NameRun upper("NAME: 7;");
+    EXPECT_EQ(upper.compiler.NameNumber, 7);
+}
+
+TEST(NameCommand, MinusOneAndTextsAreRefused) {
+    NameRun minus("name: -1;");
+    EXPECT_EQ(minus.compiler.NameNumber, 1);
+    EXPECT_EQ(minus.messages.front(), "[, 1] ERROR: expected \"<integer value>\" but found \"-1\"");
+    NameRun text("name: abc;");
+    EXPECT_EQ(text.compiler.NameNumber, 1);
+    EXPECT_EQ(text.messages.front(), "[, 1] ERROR: expected \"<integer value>\" but found \"abc\"");
+}
+
+} // namespace
+} // namespace velkor::test
