@@ -31,10 +31,12 @@ bool TCodeGen::ErrorSince(int errorCount) const {
     return compiler_.ErrorCount != errorCount;
 }
 
-NestingGuard::NestingGuard(TCodeGen& codegen)
-    : codegen_(codegen), ok_(codegen.nesting_ < TCodeGen::kMaxNesting) {
-    // Counted only after the report: when halting it throws, and no destructor would undo the count.
-    if (!ok_) codegen_.compiler_.Error("Expression too complex");
+NestingGuard::NestingGuard(TCodeGen& codegen) : codegen_(codegen) {
+    // Counted only once within the limit: a constructor that throws has no destructor to undo the count.
+    if (codegen.nesting_ >= TCodeGen::kMaxNesting) {
+        codegen.compiler_.Error("Expression too complex");
+        throw ENestingAbandoned();
+    }
     ++codegen_.nesting_;
 }
 

@@ -65,6 +65,7 @@ private:
     friend class NestingGuard;
 
     // statements.cpp
+    void CompileOutermostStatement();
     void CompileAssignment();
     void CompileIf();
     void CompileWhile();
@@ -92,6 +93,7 @@ private:
     TCompiler& compiler_;           // the unit being compiled
     std::string indent_;            // the listing writer's current indentation
     int nesting_ = 0;               // current nesting of expressions and statements
+    int compounds_ = 0;             // compound statements open; the first is a function body's
     int functionSymbols_ = 0;       // table position of the current function's first parameter or local
     std::int32_t functionLine_ = 0; // line of the current function's name
 };

@@ -45,7 +45,6 @@ bool IsBinaryLiteral(const std::string& text) {
 
 void TCodeGen::CompileExpression() {
     NestingGuard guard(*this);
-    if (!guard.Ok()) return;
     const bool negate = IsWord(compiler_, compiler_.PeekToken(), "NOT");
     if (negate) compiler_.NextToken();
     CompileSimpleExpression();

@@ -36,7 +36,6 @@ std::string TCodeGen::LoopLabel(char letter) const {
 
 void TCodeGen::CompileStatement() {
     NestingGuard guard(*this);
-    if (!guard.Ok()) return;
     const std::string token = compiler_.PeekToken();
     const std::int32_t kind = compiler_.TokenKind();
     if (kind == tkSemicolon) {
@@ -83,7 +82,27 @@ void TCodeGen::CompileStatement() {
     }
 }
 
+// A statement of the function body's own statement list: an abandoned nesting ends here, with the blocks
+// it opened closed, and the list goes on after the ";" that recovery stopped at.
+void TCodeGen::CompileOutermostStatement() {
+    const std::size_t indent = indent_.size();
+    const std::size_t loops = BreakStack.size();
+    const int depth = StackDepth;
+    try {
+        CompileStatement();
+    } catch (const ENestingAbandoned&) {
+        while (indent_.size() > indent) EmitLine("}");
+        BreakStack.resize(loops);
+        StackDepth = depth;
+    }
+}
+
 void TCodeGen::CompileCompound() {
+    const bool outermost = compounds_++ == 0;
+    struct Leave {
+        int& count;
+        ~Leave() { --count; }
+    } leave{compounds_};
     EmitLine("{");
     compiler_.Expect("begin");
     while (!compiler_.AtEnd()) {
@@ -91,7 +110,11 @@ void TCodeGen::CompileCompound() {
         if (compiler_.TokenKind() == tkEnd) break;
         const auto before = compiler_.Scanner().Position();
         if (compiler_.PeekToken() == "#" && compiler_.HandleDirective()) continue;
-        CompileStatement();
+        if (outermost) {
+            CompileOutermostStatement();
+        } else {
+            CompileStatement();
+        }
         compiler_.PeekToken();
         if (compiler_.TokenKind() != tkEnd) compiler_.Expect(";");
         // Recovery never stands still: a token that nothing consumed is dropped.
