@@ -1,10 +1,215 @@
-// Placeholder until the unit-level forms land.
 #include "compiler/unit_forms.h"
+
+#include "compiler/compiler.h"
+#include "compiler/symbol_table.h"
+#include "platform/strings.h"
+
+#include <string_view>
 
 namespace velkor {
 
-void LinkMission(TCompiler&, StringList&) {}
-void LinkSector(TCompiler&, StringList&) {}
-void LinkSeries(TCompiler&, StringList&) {}
+namespace {
+
+constexpr std::string_view kTypeProperty = "CHUNK $56A0F92F // OBJ_PROP_TYPE";
+constexpr std::string_view kBackgroundProperty = "CHUNK $A971779D // OBJ_PROP_SPACE_BACKGROUND";
+constexpr std::string_view kGfProcProperty = "CHUNK $59F32AC2";
+constexpr std::string_view kMainProcProperty = "CHUNK $164A8982";
+constexpr std::string_view kNoFlags = "must_have_at_least_one_flag";
+
+// Writes the textual IFF with two blanks of indentation per open block.
+class TextWriter {
+public:
+    explicit TextWriter(StringList& lines) : lines_(lines) {}
+
+    void Line(std::string_view text) {
+        std::string line(indent_, ' ');
+        line += text;
+        lines_.push_back(std::move(line));
+    }
+    void Open(std::string_view header) {
+        Line(header);
+        Line("{");
+        indent_ += 2;
+    }
+    void Close() {
+        indent_ -= 2;
+        Line("}");
+    }
+    // Lines of another list, each behind a fixed number of blanks whatever the current level.
+    void Verbatim(const StringList& lines, std::size_t blanks) {
+        for (const auto& l : lines) lines_.push_back(std::string(blanks, ' ') + l);
+    }
+
+private:
+    StringList& lines_;      // the linked text being built
+    std::size_t indent_ = 0; // blanks in front of the next line
+};
+
+std::string Quoted(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
+
+void PropertyForm(TextWriter& w, std::string_view chunk, std::string_view value) {
+    w.Open("FORM \"PROP\"");
+    w.Open(chunk);
+    w.Line(value);
+    w.Close();
+    w.Close();
+}
+
+void FileHeader(TextWriter& w, TCompiler& c, std::string_view extension) {
+    w.Open("IFF " + Quoted(c.OutputPath + c.UnitName + std::string(extension)));
+}
+
+void VersionChunk(TextWriter& w) {
+    w.Open("CHUNK \"VERS\"");
+    w.Line("byte[4] 2, 1, 0, 1");
+    for (const char* v : {"long 361", "long 1", "long 1", "long 1", "long 0", "long 0"}) w.Line(v);
+    w.Close();
+}
+
+// The initial value that the global's symbol records; 0 for a name the table no longer holds (statics
+// after their function, the placeholder flag).
+std::int32_t InitialValue(TCompiler& c, const std::string& global) {
+    const int found = c.Symbols().Find(global);
+    if (found < 0) return 0;
+    const TSymbol& s = c.Symbols().Get(found);
+    return s.Kind == skGlobalVar || s.Kind == skStaticVar ? s.Value : 0;
+}
+
+void FlagsChunk(TextWriter& w, TCompiler& c) {
+    auto& data = c.Data();
+    // The game refuses an empty flag chunk.
+    if (data.Globals.empty()) {
+        data.Globals.emplace_back(kNoFlags);
+        data.CrcNames.emplace_back(kNoFlags);
+    }
+    w.Open("CHUNK \"FLGS\"");
+    for (const auto& global : data.Globals) {
+        w.Line("crc32 " + global);
+        w.Line("long $EB1003A3");
+        w.Line("long " + std::to_string(InitialValue(c, global)));
+    }
+    w.Close();
+}
+
+void FunctionChunk(TextWriter& w, TCompiler& c) {
+    w.Open("CHUNK \"FUNC\"");
+    w.Open("WCP_ASM");
+    w.Verbatim(c.Data().CodeList, 8);
+    w.Close();
+    w.Close();
+}
+
+void ObjectsForm(TextWriter& w, TCompiler& c) {
+    w.Open("FORM \"OBJS\"");
+    w.Verbatim(c.Data().Objects, 8);
+    w.Close();
+}
+
+void IdChunk(TextWriter& w, std::string_view id) {
+    w.Open("CHUNK \"ID__\"");
+    w.Line("cstring " + Quoted(id));
+    w.Close();
+}
+
+// Closes the file's block as its last line.
+void EditorForm(TextWriter& w, TCompiler& c) {
+    const auto& names = c.Data().CrcNames;
+    w.Open("FORM \"EDTR\"");
+    w.Open("CHUNK \"CRCS\"");
+    w.Line("long " + std::to_string(names.size()));
+    for (const auto& n : names) w.Line("crc32 " + n);
+    for (const auto& n : names) w.Line("cstring " + n);
+    w.Close();
+    w.Close();
+    w.Close();
+}
+
+void MissionObjectives(TextWriter& w, TCompiler& c) {
+    const auto& objectives = c.Data().Objectives;
+    w.Open("FORM \"MOBJ\"");
+    w.Open("CHUNK \"NUMO\"");
+    w.Line("long " + std::to_string(objectives.size()));
+    w.Close();
+    w.Verbatim(objectives, 6);
+    w.Close();
+}
+
+} // namespace
+
+void LinkMission(TCompiler& c, StringList& lines) {
+    TextWriter w(lines);
+    auto& data = c.Data();
+
+    FileHeader(w, c, ".mis");
+    w.Open("FORM \"MISN\"");
+    VersionChunk(w);
+    w.Open("FORM \"PLST\"");
+    PropertyForm(w, kTypeProperty, "long 16");
+    if (!data.GfProc.empty()) PropertyForm(w, kGfProcProperty, "cstring " + Quoted(data.GfProc));
+    if (!data.MainProc.empty()) PropertyForm(w, kMainProcProperty, "cstring " + Quoted(data.MainProc));
+    PropertyForm(w, kTypeProperty, "long 16");
+    w.Close();
+    FlagsChunk(w, c);
+    FunctionChunk(w, c);
+    w.Open("FORM \"SCTR\"");
+    IdChunk(w, c.SectorFile);
+    ObjectsForm(w, c);
+    w.Close();
+    for (const auto& room : *c.Rooms) {
+        w.Open("FORM \"ROOM\"");
+        IdChunk(w, room);
+        w.Close();
+    }
+    w.Close();
+    EditorForm(w, c);
+
+    FileHeader(w, c, ".iff");
+    w.Open("FORM \"MISN\"");
+    w.Open("CHUNK \"NAME\"");
+    w.Line("long " + std::to_string(c.NameNumber));
+    w.Close();
+    MissionObjectives(w, c);
+    w.Open("FORM \"PLTS\"");
+    w.Close();
+    w.Open("FORM \"KLBD\"");
+    w.Open("CHUNK \"PLST\"");
+    for (const auto& entry : *c.KillBoard) w.Line("long " + entry);
+    w.Close();
+    w.Close();
+    w.Close();
+    w.Close();
+}
+
+void LinkSector(TCompiler& c, StringList& lines) {
+    TextWriter w(lines);
+    FileHeader(w, c, ".sec");
+    w.Open("FORM \"MED_\"");
+    w.Open("CHUNK \"VERS\"");
+    for (const char* v : {"long 92417", "long 256", "long 256", "long 256", "long 0", "long 0"}) w.Line(v);
+    w.Close();
+    w.Open("FORM \"PLST\"");
+    PropertyForm(w, kTypeProperty, "long 30");
+    PropertyForm(w, kBackgroundProperty, "long " + std::to_string(c.Background));
+    w.Close();
+    ObjectsForm(w, c);
+    w.Close();
+    EditorForm(w, c);
+}
+
+void LinkSeries(TCompiler& c, StringList& lines) {
+    TextWriter w(lines);
+    FileHeader(w, c, ".srs");
+    w.Open("FORM \"SERS\"");
+    VersionChunk(w);
+    w.Open("FORM \"PLST\"");
+    PropertyForm(w, kMainProcProperty, "cstring \"MCP\"");
+    w.Close();
+    FlagsChunk(w, c);
+    FunctionChunk(w, c);
+    w.Close();
+    EditorForm(w, c);
+}
 
 } // namespace velkor
