@@ -1,12 +1,67 @@
+// velkorc build: compile a unit and assemble its linked text into the binary files it names.
 #include "cli/cli.h"
+#include "cli/output_files.h"
+#include "cli/unit_compiler.h"
+#include "compiler/compiler.h"
+#include "iff/iff_compiler.h"
+#include "platform/text_file.h"
 
 #include <iostream>
 
 namespace velkor::cli {
 
-int RunBuild(const Options&) {
-    std::cerr << "velkorc: the build command is not available yet\n";
-    return kExitUsage;
+int RunBuild(const Options& options) {
+    UnitCompiler run;
+    try {
+        run = PrepareUnitCompiler(options, false);
+    } catch (const EInOutError& e) {
+        PrintMessage(e.what());
+        return kExitUsage;
+    }
+    TCompiler& c = *run.compiler;
+    // Files of #FILE units are announced like the unit's own.
+    c.OnFileWritten = [](const std::filesystem::path& path, std::size_t size) {
+        std::cout << WrittenFileLine(path, size) << std::endl;
+    };
+    std::string linked;
+    try {
+        c.Compile();
+        c.Finish();
+        linked = c.Link();
+    } catch (const ECompiler&) {
+        return kExitReported;
+    } catch (const Exception& e) {
+        PrintMessage(e.what());
+        return kExitReported;
+    }
+    // A unit with errors is not assembled: its text may name files it would then overwrite half-made.
+    if (c.ErrorCount > 0) return kExitReported;
+
+    bool writeFailed = false;
+    TIffCompiler assembler;
+    assembler.OnMessage = [&](int level, const std::string& line) {
+        if (level <= options.verbosity) PrintMessage(line);
+    };
+    assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& fileName) {
+        try {
+            const std::filesystem::path path = PlaceOutputFile(fileName, options.outDir);
+            WriteFileAtomic(path, bytes);
+            std::cout << WrittenFileLine(path, bytes.size()) << std::endl;
+        } catch (const EInOutError& e) {
+            PrintMessage(e.what());
+            writeFailed = true;
+        }
+    };
+    assembler.SetInputText(linked, run.folder);
+    try {
+        assembler.Compile();
+    } catch (const EIffCompiler&) {
+        return writeFailed ? kExitUsage : kExitReported;
+    } catch (const Exception& e) {
+        PrintMessage(e.what());
+        return kExitReported;
+    }
+    return writeFailed ? kExitUsage : kExitOk;
 }
 
 } // namespace velkor::cli

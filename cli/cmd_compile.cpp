@@ -1,12 +1,45 @@
+// velkorc compile: the linked textual IFF of a unit.
 #include "cli/cli.h"
+#include "cli/unit_compiler.h"
+#include "compiler/compiler.h"
+#include "platform/text_file.h"
 
 #include <iostream>
 
 namespace velkor::cli {
 
-int RunCompile(const Options&) {
-    std::cerr << "velkorc: the compile command is not available yet\n";
-    return kExitUsage;
+int RunCompile(const Options& options) {
+    UnitCompiler run;
+    try {
+        run = PrepareUnitCompiler(options, false);
+    } catch (const EInOutError& e) {
+        PrintMessage(e.what());
+        return kExitUsage;
+    }
+    TCompiler& c = *run.compiler;
+    std::string linked;
+    try {
+        c.Compile();
+        c.Finish();
+        linked = c.Link();
+    } catch (const ECompiler&) {
+        return kExitReported; // reported through the messages already
+    } catch (const Exception& e) {
+        PrintMessage(e.what());
+        return kExitReported;
+    }
+
+    if (options.output.empty()) {
+        std::cout << linked << std::flush;
+    } else {
+        try {
+            WriteFileAtomic(options.output, linked);
+        } catch (const EInOutError& e) {
+            PrintMessage(e.what());
+            return kExitUsage;
+        }
+    }
+    return c.ErrorCount > 0 ? kExitReported : kExitOk;
 }
 
 } // namespace velkor::cli

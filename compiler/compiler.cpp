@@ -10,6 +10,7 @@
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
 
+#include <algorithm>
 #include <mutex>
 
 namespace velkor {
@@ -63,12 +64,13 @@ TCompiler::TCompiler(std::shared_ptr<TSymbolTable> symbols, std::shared_ptr<Stri
       IncludedFiles(includedFiles ? std::move(includedFiles) : std::make_shared<IncludedFileList>()),
       scanner_(CreateScanner()),
       symbols_(symbols ? std::move(symbols) : std::make_shared<TSymbolTable>(this)),
-      data_(std::make_unique<TCompData>(*this)),
-      codegen_(std::make_unique<TCodeGen>(*this)) {}
+      data_(std::make_unique<TCompData>(*this)), codegen_(std::make_unique<TCodeGen>(*this)) {}
 
 TCompiler::~TCompiler() = default;
 
-std::string TCompiler::Version() { return kCompilerVersion; }
+std::string TCompiler::Version() {
+    return kCompilerVersion;
+}
 
 void TCompiler::SetSource(std::string text) {
     scanner_->LineMarkers = LineMarkers;
@@ -105,6 +107,9 @@ void TCompiler::ErrorNoSkip(const std::string& text, std::int32_t line, SourceLo
 void TCompiler::Error(const std::string& text, std::int32_t line, SourceLocation where) {
     Report(text, line, where);
     Output(0, "recovering from error...");
+    // A ";" just read (the token an expectation found) is already the point to go on from: skipping to
+    // the next one would swallow a whole declaration.
+    if (lastReadSemicolon_) return;
     while (!AtEnd()) {
         PeekToken();
         if (TokenKind() == tkSemicolon) break;
@@ -112,7 +117,9 @@ void TCompiler::Error(const std::string& text, std::int32_t line, SourceLocation
     }
 }
 
-void TCompiler::Hint(const std::string& text, std::int32_t line) { Output(0, "HINT: " + text, line); }
+void TCompiler::Hint(const std::string& text, std::int32_t line) {
+    Output(0, "HINT: " + text, line);
+}
 
 void TCompiler::Expected(const std::string& wanted, const std::string& found, SourceLocation where) {
     Error("expected \"" + wanted + "\" but found \"" + std::string(Trim(found)) + "\"", -1, where);
@@ -129,12 +136,15 @@ bool TCompiler::Expect(const std::string& wanted, SourceLocation where) {
 // character as the text's last character); reading it as the end keeps every parsing loop finite.
 
 namespace {
-bool Stuck(const TScanner& s, const std::string& token) { return s.TokenKind() == tkOther && token.empty(); }
+bool Stuck(const TScanner& s, const std::string& token) {
+    return s.TokenKind() == tkOther && token.empty();
+}
 } // namespace
 
 std::string TCompiler::NextToken() {
     std::string token = scanner_->NextToken();
     stuck_ = Stuck(*scanner_, token);
+    lastReadSemicolon_ = scanner_->TokenKind() == tkSemicolon;
     return token;
 }
 
@@ -150,9 +160,13 @@ std::string TCompiler::PeekAhead(int n) {
     return token;
 }
 
-std::int32_t TCompiler::TokenKind() const { return stuck_ ? tkEndOfText : scanner_->TokenKind(); }
+std::int32_t TCompiler::TokenKind() const {
+    return stuck_ ? tkEndOfText : scanner_->TokenKind();
+}
 
-std::int32_t TCompiler::Line() const { return scanner_->Line(); }
+std::int32_t TCompiler::Line() const {
+    return scanner_->Line();
+}
 
 bool TCompiler::AtEnd() {
     PeekToken();
@@ -162,6 +176,13 @@ bool TCompiler::AtEnd() {
 // --- the three steps
 
 void TCompiler::Compile() {
+    // The unit's own file counts as included, so that an include file naming it back is not compiled.
+    if (!FileName.empty()) {
+        std::string own = UpperCase(FileNamePart(FileName));
+        if (std::none_of(IncludedFiles->begin(), IncludedFiles->end(),
+                         [&](const IncludedFile& f) { return f.Name == own; }))
+            IncludedFiles->push_back({std::move(own), nullptr});
+    }
     std::string first = NextToken();
     switch (TokenKind()) {
     case tkUnit: UnitKind = ukUnit; break;
@@ -204,8 +225,10 @@ void TCompiler::Compile() {
 void TCompiler::Finish() {
     for (int i = 0; i < symbols_->Count(); ++i) {
         const TSymbol s = symbols_->Get(i);
-        if (s.Kind == skUserFunction && s.Value == 0) Error("user function " + s.Text + " not implemented", s.Line);
-        else if (s.Kind == skObject && s.Value == 0) Error("object " + s.Text + " not implemented", s.Line);
+        if (s.Kind == skUserFunction && s.Value == 0)
+            Error("user function " + s.Text + " not implemented", s.Line);
+        else if (s.Kind == skObject && s.Value == 0)
+            Error("object " + s.Text + " not implemented", s.Line);
     }
     if (Optimize && (UnitKind == ukMission || UnitKind == ukSeries)) {
         TOptimizer optimizer;

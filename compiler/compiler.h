@@ -15,6 +15,7 @@
 #include <optional>
 #include "platform/source_location.h"
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace velkor {
@@ -30,7 +31,14 @@ public:
     using Exception::Exception;
 };
 
-enum TUnitKind : std::int32_t { ukUnit = 0, ukMission = 1, ukSector = 2, ukSeries = 3, ukIff = 4, ukProject = 5 };
+enum TUnitKind : std::int32_t {
+    ukUnit = 0,
+    ukMission = 1,
+    ukSector = 2,
+    ukSeries = 3,
+    ukIff = 4,
+    ukProject = 5
+};
 
 // A file already included: its upper-cased file-name part and, for a string file, its table.
 struct IncludedFile {
@@ -60,6 +68,8 @@ public:
     // Where a file written by a #FILE compilation goes: the name as the unit's IFF line gives it -> the
     // path to write. Default: the name resolved against the current folder.
     std::function<std::filesystem::path(const std::string&)> PlaceOutputFile;
+    // Told of every file a #FILE compilation wrote: where it went and its size in bytes.
+    std::function<void(const std::filesystem::path&, std::size_t)> OnFileWritten;
 
     // --- operations, in the order a caller uses them
     void SetSource(std::string text);
@@ -72,23 +82,28 @@ public:
     static std::string Version(); // "1.0 R24d"
 
     // --- unit state
-    std::string UnitName;                          // the word after the unit-kind keyword
-    TUnitKind UnitKind = ukUnit;                   // chosen by the unit's first word
-    std::int32_t NameNumber = 1;                   // set by the NAME command
-    std::string SectorFile = "e.sec";              // set by #SECTOR
-    std::int32_t Background = 1;                   // set by #BACKGROUND
-    std::shared_ptr<StringList> Rooms;             // set by #SETROOMS; shared with include children
-    std::shared_ptr<StringList> KillBoard;         // set by #SETKILLBOARD; shared with include children
-    std::shared_ptr<StringList> Defines;           // conditional symbols; shared with include children
+    std::string UnitName;                            // the word after the unit-kind keyword
+    TUnitKind UnitKind = ukUnit;                     // chosen by the unit's first word
+    std::int32_t NameNumber = 1;                     // set by the NAME command
+    std::string SectorFile = "e.sec";                // set by #SECTOR
+    std::int32_t Background = 1;                     // set by #BACKGROUND
+    std::shared_ptr<StringList> Rooms;               // set by #SETROOMS; shared with include children
+    std::shared_ptr<StringList> KillBoard;           // set by #SETKILLBOARD; shared with include children
+    std::shared_ptr<StringList> Defines;             // conditional symbols; shared with include children
     std::shared_ptr<IncludedFileList> IncludedFiles; // files already included; shared with include children
-    StringList SearchPath;                         // folders searched for included files, in order
-    std::string OutputPath;                        // prefixed to output names; ends in "\" once set
-    std::int32_t ErrorLine = -1;                   // line of the last error
-    std::string FileName;                          // the source file
-    std::int32_t FileNumber = -1;                  // its number in the process-wide file-name list
-    std::int32_t ConditionalState = -1;            // -1 outside #IFDEF; else 1 defined, 0 not
-    bool InElse = false;                           // #ELSE seen
-    int ErrorCount = 0;                            // errors reported here and by children
+    StringList SearchPath;                           // folders searched for included files, in order
+    std::string OutputPath;                          // prefixed to output names; ends in "\" once set
+    std::int32_t ErrorLine = -1;                     // line of the last error
+    std::string FileName;                            // the source file
+    std::int32_t FileNumber = -1;                    // its number in the process-wide file-name list
+    std::int32_t ConditionalState = -1;              // -1 outside #IFDEF; else 1 defined, 0 not
+    bool InElse = false;                             // #ELSE seen
+    int ErrorCount = 0;                              // errors reported here and by children
+    int IncludeDepth = 0;                            // include children between this unit and the top
+
+    // How deep include files and #FILE units may nest before the compile refuses to go on.
+    static constexpr int kMaxIncludeDepth = 64;
+    static constexpr int kMaxFileDepth = 16;
 
     TScanner& Scanner() { return *scanner_; }
     TSymbolTable& Symbols() { return *symbols_; }
@@ -146,16 +161,34 @@ public:
 private:
     void Report(const std::string& text, std::int32_t line, const SourceLocation& where);
     void DeclarationLoop();
+
+    // preprocessor.cpp
     void HandleCommand();
+    bool NextIsDirective(std::string_view word1, std::string_view word2);
+    std::string SkipConditional(std::string_view trace, std::string_view word1, std::string_view word2);
+    bool ReadFolderArgument(std::string& folder);
+
+    // includes.cpp
+    StringList ReadFileList();
+    bool FindInSearchPath(std::string& name, bool keepFolders, std::filesystem::path& found) const;
+    bool AlreadyIncluded(const std::string& name);
     void IncludeSourceFiles();
+    void IncludeSourceFile(const std::string& written);
     void IncludeStringFiles();
+    void IncludeStringFile(const std::string& written);
     void CompileFiles();
+    void CompileFile(const std::string& written);
+    void AssembleLinkedText(const std::string& text, const std::filesystem::path& unitFolder);
 
     std::unique_ptr<TScanner> scanner_;     // the selected scanner class, made in the constructor
     std::shared_ptr<TSymbolTable> symbols_; // own or the parent's
     std::unique_ptr<TCompData> data_;       // the unit's six text lists
     std::unique_ptr<TCodeGen> codegen_;     // emits listing lines while the parser runs
     bool stuck_ = false;                    // the last token read or peeked could not move on
+    bool lastReadSemicolon_ = false;        // the last token read (not peeked) was ";"
+    // The units of the #FILE chain that leads here, as found on disk; shared down the chain so that a unit
+    // naming one of its callers is refused instead of compiled forever.
+    std::shared_ptr<std::vector<std::filesystem::path>> fileChain_;
 };
 
 // The process-wide file-name list: a file's number is its index, appended on first use; "" is -1.

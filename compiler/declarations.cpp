@@ -82,8 +82,10 @@ void TCompiler::DeclareVariables(std::int32_t kind) {
             std::int32_t varKind = kind;
             std::string name = NextToken();
             if (TokenKind() == tkStatic) {
-                if (kind == skLocalVar || kind == skStaticVar) varKind = skStaticVar;
-                else ErrorNoSkip("Only local variables can be static!");
+                if (kind == skLocalVar || kind == skStaticVar)
+                    varKind = skStaticVar;
+                else
+                    ErrorNoSkip("Only local variables can be static!");
                 name = NextToken();
             }
             if (TokenKind() != tkIdentifier) {

@@ -1,24 +1,352 @@
 // Included source and string files, #FILE compilations, the search path and the output path.
-// Placeholder until file handling lands.
 #include "compiler/compiler.h"
+#include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
+#include "iff/iff_compiler.h"
+#include "iff/iff_strings.h"
+#include "platform/named_folders.h"
+#include "platform/numbers.h"
+#include "platform/path_resolver.h"
+#include "platform/strings.h"
+#include "platform/text_file.h"
+
+#include <algorithm>
 
 namespace velkor {
 
-void TCompiler::AddToSearchPath(const std::string& folder) { SearchPath.push_back(folder); }
+namespace {
 
-void TCompiler::SetOutputPath(const std::string& folder) { OutputPath = folder; }
+std::string WithTrailingBackslash(std::string folder) {
+    if (folder.empty() || (folder.back() != '\\' && folder.back() != '/')) folder += '\\';
+    return folder;
+}
 
-void TCompiler::IncludeSourceFiles() { Error("include is not available yet"); }
+// A regular file only: a folder or a device of that name is as good as missing.
+std::optional<std::filesystem::path> FindFile(std::string_view name) {
+    auto found = FindExisting(name);
+    std::error_code ec;
+    if (!found || !std::filesystem::is_regular_file(*found, ec)) return std::nullopt;
+    return found;
+}
 
-void TCompiler::IncludeStringFiles() { Error("#STRINGS is not available yet"); }
+// The file-name part without its extension, upper-cased: the name a string table goes by.
+std::string TableName(std::string_view path) {
+    std::string name = UpperCase(FileNamePart(path));
+    const size_t dot = name.rfind('.');
+    if (dot != std::string::npos) name.erase(dot);
+    return ShortString(name);
+}
 
-void TCompiler::CompileFiles() { Error("#FILE is not available yet"); }
+// Lets the shared symbol table report through (and take lines and file numbers from) the compiler whose
+// text is being read, and gives it back to the parent afterwards.
+class OwnerScope {
+public:
+    OwnerScope(TSymbolTable& table, TCompiler& owner) : table_(table), previous_(table.SetOwner(&owner)) {}
+    ~OwnerScope() { table_.SetOwner(previous_); }
+    OwnerScope(const OwnerScope&) = delete;
+    OwnerScope& operator=(const OwnerScope&) = delete;
 
+private:
+    TSymbolTable& table_; // the shared table
+    TCompiler* previous_; // its owner before the child took over
+};
+
+} // namespace
+
+// --- search path and output path
+
+void TCompiler::AddToSearchPath(const std::string& folder) {
+    const std::string expanded = WithTrailingBackslash(ExpandPath(folder));
+    if (!FindExisting(expanded)) Hint(expanded + " doesn't exist");
+    if (std::find(SearchPath.begin(), SearchPath.end(), expanded) == SearchPath.end())
+        SearchPath.push_back(expanded);
+    Output(1, expanded + " added to searchpath");
+}
+
+void TCompiler::SetOutputPath(const std::string& folder) {
+    OutputPath = WithTrailingBackslash(ExpandPath(folder));
+    Output(1, "output path set to " + OutputPath);
+}
+
+bool TCompiler::FindInSearchPath(std::string& name, bool keepFolders, std::filesystem::path& found) const {
+    if (auto direct = FindFile(name)) {
+        found = *direct;
+        return true;
+    }
+    if (!keepFolders) name = FileNamePart(name);
+    for (const auto& folder : SearchPath) {
+        std::string candidate = WithTrailingBackslash(folder) + name;
+        if (auto hit = FindFile(candidate)) {
+            name = std::move(candidate);
+            found = *hit;
+            return true;
+        }
+    }
+    return false;
+}
+
+// --- file lists
+
+// Names separated by "," (identifiers or strings), up to the ";" that ends the list, which is left for
+// the caller: the list is read whole before any file is handled, so an error with one name neither skips
+// the others nor the declaration after the list.
+StringList TCompiler::ReadFileList() {
+    StringList names;
+    for (;;) {
+        const std::string next = PeekToken();
+        if (TokenKind() == tkSemicolon || TokenKind() == tkEndOfText || TokenKind() == tkComma) {
+            Expected("<filename>", next);
+            return names;
+        }
+        names.push_back(NextToken());
+        if (PeekToken() != ",") return names;
+        NextToken();
+    }
+}
+
+bool TCompiler::AlreadyIncluded(const std::string& name) {
+    const std::string key = UpperCase(FileNamePart(name));
+    return std::any_of(IncludedFiles->begin(), IncludedFiles->end(),
+                       [&](const IncludedFile& f) { return f.Name == key; });
+}
+
+// --- source files
+
+void TCompiler::IncludeSourceFiles() {
+    for (const auto& name : ReadFileList()) IncludeSourceFile(name);
+    Expect(";");
+}
+
+void TCompiler::IncludeSourceFile(const std::string& written) {
+    std::string name = written + ".pas";
+    std::filesystem::path found;
+    const bool exists = FindInSearchPath(name, false, found);
+    if (AlreadyIncluded(name)) {
+        Output(1, name + " already included");
+        return;
+    }
+    Output(1, "Including file " + name);
+    if (!exists) {
+        Error("could not include file " + name + " - was not found!");
+        return;
+    }
+    if (IncludeDepth >= kMaxIncludeDepth) {
+        Error("could not include file " + name + " - includes nest deeper than " +
+              std::to_string(kMaxIncludeDepth) + " files");
+        return;
+    }
+    std::string text;
+    try {
+        text = LoadTextFile(found);
+    } catch (const EInOutError& e) {
+        Error(e.what());
+        return;
+    }
+    IncludedFiles->push_back({UpperCase(FileNamePart(name)), nullptr});
+
+    TCompiler child(symbols_, Rooms, Defines, KillBoard, IncludedFiles);
+    child.HaltOnError = HaltOnError;
+    child.Verbosity = Verbosity;
+    child.SearchPath = SearchPath;
+    child.OutputPath = OutputPath;
+    child.OnOutput = OnOutput;
+    child.SymbolsOnly = SymbolsOnly;
+    child.Optimize = Optimize;
+    child.LineMarkers = LineMarkers;
+    child.PlaceOutputFile = PlaceOutputFile;
+    child.OnFileWritten = OnFileWritten;
+    child.IncludeDepth = IncludeDepth + 1;
+    child.fileChain_ = fileChain_;
+    child.SetSource(std::move(text));
+    child.SetFileName(name);
+    {
+        OwnerScope scope(*symbols_, child);
+        try {
+            child.Compile();
+        } catch (...) {
+            ErrorCount += child.ErrorCount;
+            throw;
+        }
+    }
+    ErrorCount += child.ErrorCount;
+    for (int i = 0; i < TCompData::kListCount; ++i) {
+        auto& from = child.Data().List(i);
+        auto& to = data_->List(i);
+        to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
+    }
+}
+
+// --- string files
+
+void TCompiler::IncludeStringFiles() {
+    for (const auto& name : ReadFileList()) IncludeStringFile(name);
+    Expect(";");
+}
+
+void TCompiler::IncludeStringFile(const std::string& written) {
+    std::string name = written + ".eng";
+    std::filesystem::path found;
+    const bool exists = FindInSearchPath(name, false, found);
+    if (AlreadyIncluded(name)) {
+        Output(1, name + " already included");
+        return;
+    }
+    Output(1, "Including string file " + name);
+    if (!exists) {
+        Error("could not include string file " + name + " - was not found!");
+        return;
+    }
+    auto table = std::make_shared<TIffStringList>();
+    try {
+        table->LoadFromFile(found);
+    } catch (const Exception& e) {
+        Error(std::string(e.what()) + " (" + name + ")");
+        return;
+    }
+    IncludedFiles->push_back({UpperCase(FileNamePart(name)), std::move(table)});
+    TSymbol symbol;
+    symbol.Name = TableName(name);
+    symbol.Kind = skStringTable;
+    symbol.FileNumber = FileNumber;
+    symbol.Line = Line();
+    symbol.Text = ShortString(name);
+    symbols_->Add(std::move(symbol));
+}
+
+// The reference's closing "]" is still to be read by the caller: a failed lookup does not skip.
 std::int32_t TCompiler::StringNumber(const TSymbol& table, const std::string& text) {
-    Error(text + " was not found in \"" + table.Name +
-          "\" and adding strings is not supported and this message is pretty long");
-    return -1;
+    const TIffStringList* strings = nullptr;
+    for (const auto& f : *IncludedFiles)
+        if (f.Strings && TableName(f.Name) == table.Name) strings = f.Strings.get();
+    if (!strings) {
+        ErrorNoSkip("FATAL - strings (" + table.Name +
+                    ") in symbol table but not in used units. - This should never happen!");
+        return -1;
+    }
+    const bool prefix = !text.empty() && text.back() == '*';
+    const std::string wanted = prefix ? text.substr(0, text.size() - 1) : text;
+    const int number = prefix ? strings->IndexOfText(wanted) : strings->IndexOf(wanted);
+    if (number < 0) {
+        ErrorNoSkip(text + " was not found in \"" + table.Name +
+                    "\" and adding strings is not supported and this message is pretty long");
+        return -1;
+    }
+    Output(1, std::string(prefix ? "loading substring \"" : "loading string \"") + wanted + "\" from " +
+                  table.Name + ": string #" + std::to_string(number));
+    return number;
+}
+
+// --- #FILE
+
+void TCompiler::CompileFiles() {
+    const StringList names = ReadFileList();
+    if (!SymbolsOnly)
+        for (const auto& name : names) CompileFile(name);
+    Expect(";");
+}
+
+void TCompiler::CompileFile(const std::string& written) {
+    std::string name = written;
+    std::filesystem::path found;
+    const bool exists = FindInSearchPath(name, true, found);
+    Output(1, "compiling file " + name);
+    if (!exists) {
+        Error("could not compile file " + name + " - was not found!");
+        return;
+    }
+    if (!fileChain_) {
+        fileChain_ = std::make_shared<std::vector<std::filesystem::path>>();
+        if (auto own = FindFile(FileName)) fileChain_->push_back(std::filesystem::weakly_canonical(*own));
+    }
+    const std::filesystem::path canonical = std::filesystem::weakly_canonical(found);
+    if (std::find(fileChain_->begin(), fileChain_->end(), canonical) != fileChain_->end()) {
+        Error("could not compile file " + name + " - it is already being compiled (#FILE cycle)");
+        return;
+    }
+    if (fileChain_->size() > static_cast<size_t>(kMaxFileDepth)) {
+        Error("could not compile file " + name + " - #FILE units nest deeper than " +
+              std::to_string(kMaxFileDepth));
+        return;
+    }
+    std::string text;
+    try {
+        text = LoadTextFile(found);
+    } catch (const EInOutError& e) {
+        Error(e.what());
+        return;
+    }
+
+    std::string linked;
+    {
+        TCompiler unit;
+        unit.HaltOnError = HaltOnError;
+        unit.Verbosity = Verbosity;
+        unit.SearchPath = SearchPath;
+        *unit.Defines = *Defines;
+        unit.OnOutput = OnOutput;
+        unit.AddToSearchPath(std::filesystem::absolute(found).parent_path().string());
+        unit.Optimize = Optimize;
+        if (!OutputPath.empty()) unit.SetOutputPath(OutputPath);
+        unit.LineMarkers = LineMarkers;
+        unit.PlaceOutputFile = PlaceOutputFile;
+        unit.OnFileWritten = OnFileWritten;
+        unit.fileChain_ = fileChain_;
+        unit.SetSource(std::move(text));
+        unit.SetFileName(name);
+        fileChain_->push_back(canonical);
+        struct PopChain {
+            std::vector<std::filesystem::path>& chain;
+            ~PopChain() { chain.pop_back(); }
+        } pop{*fileChain_};
+        try {
+            unit.Compile();
+            unit.Finish();
+            linked = unit.Link();
+        } catch (...) {
+            ErrorCount += unit.ErrorCount;
+            throw;
+        }
+        ErrorCount += unit.ErrorCount;
+    }
+    AssembleLinkedText(linked, found.parent_path());
+}
+
+void TCompiler::AssembleLinkedText(const std::string& text, const std::filesystem::path& unitFolder) {
+    const std::filesystem::path temp = std::filesystem::temp_directory_path() / "_velkor.txt";
+    try {
+        WriteFileAtomic(temp, text);
+    } catch (const EInOutError& e) {
+        Error(e.what());
+        return;
+    }
+    std::vector<std::string> writeFailures;
+    TIffCompiler assembler;
+    assembler.OnMessage = [this](int level, const std::string& line) { Output(level, line); };
+    assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& fileName) {
+        try {
+            const std::filesystem::path path =
+                PlaceOutputFile ? PlaceOutputFile(fileName) : ResolvePath(fileName);
+            WriteFileAtomic(path, bytes);
+            Output(0, "** " + fileName + " ** (" + FormatThousands(static_cast<std::int64_t>(bytes.size())) +
+                          " bytes)");
+            if (OnFileWritten) OnFileWritten(path, bytes.size());
+        } catch (const EInOutError& e) {
+            writeFailures.push_back(e.what());
+        }
+    };
+    // The text is kept in the temporary file for the user to look at; the assembler takes it from memory,
+    // so that compilers running side by side cannot read each other's file, and finds FILE values beside
+    // the unit.
+    assembler.SetInputText(text, unitFolder);
+    try {
+        assembler.Compile();
+    } catch (const EIffCompiler& e) {
+        // The assembler has reported the error through Output already.
+        ++ErrorCount;
+        ErrorLine = Line();
+        if (HaltOnError) throw ECompiler(e.what());
+    }
+    for (const auto& failure : writeFailures) ErrorNoSkip(failure);
 }
 
 } // namespace velkor

@@ -17,7 +17,9 @@ bool IsLocalKind(std::int32_t kind) {
 }
 } // namespace
 
-std::string ShortString(std::string_view text) { return std::string(text.substr(0, kShortStringMax)); }
+std::string ShortString(std::string_view text) {
+    return std::string(text.substr(0, kShortStringMax));
+}
 
 TSymbolTable::TSymbolTable(TCompiler* owner) : owner_(owner) {}
 
@@ -37,7 +39,8 @@ void TSymbolTable::Add(TSymbol symbol, std::string_view writtenName) {
     symbol.Name = ShortString(symbol.Name);
     symbol.Text = ShortString(symbol.Text);
     if (Find(symbol.Name) >= 0)
-        Fail("identifier \"" + std::string(writtenName.empty() ? symbol.Name : writtenName) + "\" redeclared");
+        Fail("identifier \"" + std::string(writtenName.empty() ? symbol.Name : writtenName) +
+             "\" redeclared");
     const int position = Count();
     if (IsLocalKind(symbol.Kind) && firstLocal_ < 0) firstLocal_ = position;
     index_[symbol.Name].push_back(position);
@@ -50,9 +53,13 @@ int TSymbolTable::Find(std::string_view name) const {
     return it == index_.end() || it->second.empty() ? -1 : it->second.front();
 }
 
-const TSymbol& TSymbolTable::Get(int index) const { return symbols_.at(static_cast<size_t>(index)); }
+const TSymbol& TSymbolTable::Get(int index) const {
+    return symbols_.at(static_cast<size_t>(index));
+}
 
-TSymbol& TSymbolTable::At(int index) { return symbols_.at(static_cast<size_t>(index)); }
+TSymbol& TSymbolTable::At(int index) {
+    return symbols_.at(static_cast<size_t>(index));
+}
 
 int TSymbolTable::CountOfKind(std::int32_t kind) const {
     auto it = kindCounts_.find(kind);
@@ -134,7 +141,8 @@ TSymbol TSymbolTable::AddVariable(const std::string& name, std::int32_t kind, st
     case skStaticVar: {
         const std::string function = owner_ ? owner_->CodeGen().CurrentFunction : std::string();
         s.Text = "__" + function + "_" + name;
-        Message(2, "adding static variable: Symbol:" + name + ", Name: " + s.Name + ", CRC: " + crcOf(s.Text));
+        Message(2,
+                "adding static variable: Symbol:" + name + ", Name: " + s.Name + ", CRC: " + crcOf(s.Text));
         if (owner_) {
             owner_->Data().Globals.push_back(s.Text);
             owner_->Data().CrcNames.push_back(s.Text);
@@ -161,7 +169,8 @@ TSymbol TSymbolTable::AddPassVariable(const std::string& name) {
         s.Line = owner_->Line();
     }
     // The message counts local variables, not parameters; the stored register is right.
-    Message(3, "adding pass variable: " + name + " [reg: " + std::to_string(16 + CountOfKind(skLocalVar)) + "]");
+    Message(3,
+            "adding pass variable: " + name + " [reg: " + std::to_string(16 + CountOfKind(skLocalVar)) + "]");
     Add(s, name);
     return s;
 }
@@ -175,9 +184,12 @@ void TSymbolTable::AddConstant(const std::string& name, const std::string& value
         s.FileNumber = owner_->FileNumber;
         s.Line = owner_->Line();
     }
-    if (kind == skGlobalConst) Message(3, "adding global const " + s.Name + " with value " + value);
-    else if (kind == skLocalConst) Message(2, "adding local const " + s.Name + " with value " + value);
-    else if (kind == skEnum) Message(3, "adding global enum " + s.Name + " with value " + value);
+    if (kind == skGlobalConst)
+        Message(3, "adding global const " + s.Name + " with value " + value);
+    else if (kind == skLocalConst)
+        Message(2, "adding local const " + s.Name + " with value " + value);
+    else if (kind == skEnum)
+        Message(3, "adding global enum " + s.Name + " with value " + value);
     Add(s, name);
 }
 
@@ -187,14 +199,17 @@ void TSymbolTable::Store(const TSymbol& symbol, int r) {
     case skLocalVar:
     case skPassVar:
     case skStackVar:
-        owner_->CodeGen().EmitLine("movv v" + std::to_string(symbol.Register) + " v" + std::to_string(r) + ";");
+        owner_->CodeGen().EmitLine("movv v" + std::to_string(symbol.Register) + " v" + std::to_string(r) +
+                                   ";");
         break;
     case skGlobalVar:
     case skExternalVar:
-    case skStaticVar: owner_->CodeGen().EmitLine("movv " + symbol.Text + " v" + std::to_string(r) + ";"); break;
+    case skStaticVar:
+        owner_->CodeGen().EmitLine("movv " + symbol.Text + " v" + std::to_string(r) + ";");
+        break;
     default:
-        Fail("FATAL - symbol \"" + symbol.Text + "\" has unknown symbol type (" + std::to_string(symbol.Kind) +
-             "). Don't know how to store it. - This should never happen!");
+        Fail("FATAL - symbol \"" + symbol.Text + "\" has unknown symbol type (" +
+             std::to_string(symbol.Kind) + "). Don't know how to store it. - This should never happen!");
     }
 }
 

@@ -14,35 +14,35 @@ class TCompiler;
 
 // Symbol kinds.
 enum : std::int32_t {
-    skGlobalVar = 0,     // "var" at unit level: a game global (flag), addressed by its name
-    skLocalVar = 1,      // "var" in a function: register 24 + locals before it
-    skPassVar = 2,       // parameter: register 16 + parameters before it
-    skGlobalConst = 3,   // "const" at unit level: a value text
-    skLocalConst = 4,    // "const" in a function
-    skGameFunction = 5,  // "external" function of the game (WCP)
-    skUserFunction = 6,  // "function" with a body, or declared forward
-    skObject = 7,        // "object"
-    skNumber = 8,        // numeric constant loaded as a number (objectives)
-    skExternalVar = 9,   // "external" variable: a global of the series
-    skStringTable = 10,  // a string file included by #STRINGS
-    skStackVar = 100,    // expression-stack slot __ST<n>
-    skStaticVar = 166,   // "static" in a function: global "__<function>_<name>"
-    skEnum = 201,        // "ENUM" value
+    skGlobalVar = 0,    // "var" at unit level: a game global (flag), addressed by its name
+    skLocalVar = 1,     // "var" in a function: register 24 + locals before it
+    skPassVar = 2,      // parameter: register 16 + parameters before it
+    skGlobalConst = 3,  // "const" at unit level: a value text
+    skLocalConst = 4,   // "const" in a function
+    skGameFunction = 5, // "external" function of the game (WCP)
+    skUserFunction = 6, // "function" with a body, or declared forward
+    skObject = 7,       // "object"
+    skNumber = 8,       // numeric constant loaded as a number (objectives)
+    skExternalVar = 9,  // "external" variable: a global of the series
+    skStringTable = 10, // a string file included by #STRINGS
+    skStackVar = 100,   // expression-stack slot __ST<n>
+    skStaticVar = 166,  // "static" in a function: global "__<function>_<name>"
+    skEnum = 201,       // "ENUM" value
 };
 
 // The 160-byte record of the original, as plain fields. Names and texts are cut to 64 characters, as the
 // original's short strings cut them.
 struct TSymbol {
-    std::string Name;          // upper-cased name: the lookup key
-    std::int32_t Kind = 0;     // one of sk*
+    std::string Name;             // upper-cased name: the lookup key
+    std::int32_t Kind = 0;        // one of sk*
     std::int32_t FileNumber = -1; // declaring file in the process-wide file-name list
-    std::int32_t Line = 0;     // declaration line
-    std::string Text;          // name as written, static storage name, constant value text or string-file path
+    std::int32_t Line = 0;        // declaration line
+    std::string Text; // name as written, static storage name, constant value text or string-file path
     std::int32_t Register = 0; // register of a register variable; parameter count of a function
     std::int32_t Value = 0;    // functions and objects: non-zero once implemented; variables: initial value
 };
 
-inline constexpr std::size_t kShortStringMax = 64;     // longest name or text a record keeps
+inline constexpr std::size_t kShortStringMax = 64;          // longest name or text a record keeps
 inline constexpr std::int32_t kNoInitialValue = 0x0F00AAFF; // a local variable declared without a value
 
 // Cuts a text to what a record keeps.
@@ -54,6 +54,14 @@ public:
     // A copy for the editor's symbol browser: the same records in order, no owner.
     TSymbolTable(const TSymbolTable& other);
     TSymbolTable& operator=(const TSymbolTable&) = delete;
+
+    // The compiler whose text is being read reports the table's messages and errors and lends its file
+    // number, line and lists; include children take it over while they compile. Returns the previous one.
+    TCompiler* SetOwner(TCompiler* owner) {
+        TCompiler* previous = owner_;
+        owner_ = owner;
+        return previous;
+    }
 
     // Appends; a name already present is the error `identifier "<name>" redeclared` (the name as
     // written when given) and is added anyway (lookups then find the first record).
@@ -85,7 +93,7 @@ private:
     TCompiler* owner_;                                        // none for a copy
     std::vector<TSymbol> symbols_;                            // in declaration order
     std::unordered_map<std::string, std::vector<int>> index_; // upper-cased name -> positions, ascending
-    std::unordered_map<std::int32_t, int> kindCounts_;       // records per kind
+    std::unordered_map<std::int32_t, int> kindCounts_;        // records per kind
     int firstLocal_ = -1; // position of the first function-local record, -1 when none: RemoveLocals only
                           // touches the table from there, so a unit's compile stays linear
 };

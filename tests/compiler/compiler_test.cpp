@@ -1,33 +1,11 @@
-#include "compiler/compiler.h"
-#include "compiler/symbol_table.h"
+#include "tests/compiler/compile_run.h"
 
 #include <gtest/gtest.h>
 
 namespace velkor {
 namespace {
 
-struct CompileRun {
-    std::vector<std::string> messages;
-    std::unique_ptr<TCompiler> compiler = std::make_unique<TCompiler>();
-    bool threw = false;
-
-    explicit CompileRun(const std::string& source, bool halt = true, std::uint8_t verbosity = 3) {
-        compiler->HaltOnError = halt;
-        compiler->Verbosity = verbosity;
-        compiler->OnOutput = [this](const std::string& m) { messages.push_back(m); };
-        compiler->SetSource(source);
-        try {
-            compiler->Compile();
-        } catch (const ECompiler&) {
-            threw = true;
-        }
-    }
-    bool Has(const std::string& m) const { return std::find(messages.begin(), messages.end(), m) != messages.end(); }
-    const TSymbol* Symbol(const std::string& name) const {
-        int i = compiler->Symbols().Find(name);
-        return i < 0 ? nullptr : &compiler->Symbols().Get(i);
-    }
-};
+using test::CompileRun;
 
 TEST(CompilerSpine, UnitHeaderAndVariables) {
     CompileRun r("mission Demo;\r\nvar kills = 3, Flag2;\r\nconst Max = $10, Neg = - 5;\r\n");
@@ -83,8 +61,8 @@ TEST(CompilerSpine, NumberConversion) {
 }
 
 TEST(CompilerSpine, RecoveryTerminatesOnTextsThatEndBadly) {
-    for (const char* text : {"unit", "unit U", "unit U; var", "unit U; var a =", "unit U; const c", "unit U; ?",
-                             "unit U; var a b c", "unit U; enum"}) {
+    for (const char* text : {"unit", "unit U", "unit U; var", "unit U; var a =", "unit U; const c",
+                             "unit U; ?", "unit U; var a b c", "unit U; enum"}) {
         CompileRun r(text, false);
         EXPECT_FALSE(r.threw) << text;
     }

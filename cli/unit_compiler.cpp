@@ -1,0 +1,39 @@
+#include "cli/unit_compiler.h"
+
+#include "cli/output_files.h"
+#include "compiler/compiler.h"
+#include "compiler/scanner.h"
+#include "platform/exception.h"
+#include "platform/path_resolver.h"
+#include "platform/text_file.h"
+
+namespace velkor::cli {
+
+UnitCompiler PrepareUnitCompiler(const Options& options, bool symbolsOnly) {
+    SetScannerClass(options.fastScanner ? ScannerClass::Fast : ScannerClass::Standard);
+    const std::string& unit = options.files.front();
+    auto found = FindExisting(unit);
+    std::error_code ec;
+    if (!found || std::filesystem::is_directory(*found, ec))
+        throw EInOutError("Cannot open file \"" + unit + "\"");
+
+    UnitCompiler run;
+    run.folder = std::filesystem::absolute(*found).parent_path();
+    run.compiler = std::make_unique<TCompiler>();
+    TCompiler& c = *run.compiler;
+    c.Verbosity = static_cast<std::uint8_t>(options.verbosity);
+    c.HaltOnError = !options.noHalt;
+    c.Optimize = options.optimize;
+    c.SymbolsOnly = symbolsOnly;
+    c.OnOutput = PrintMessage;
+    const std::string outDir = options.outDir;
+    c.PlaceOutputFile = [outDir](const std::string& name) { return PlaceOutputFile(name, outDir); };
+    c.SetSource(LoadTextFile(*found));
+    c.AddToSearchPath(run.folder.string());
+    for (const auto& folder : options.searchPaths) c.AddToSearchPath(folder);
+    c.AddToSearchPath("$compiler$\\lib");
+    c.SetFileName(unit);
+    return run;
+}
+
+} // namespace velkor::cli

@@ -1,0 +1,26 @@
+// The compiler set up as velkorc's compile, build and symbols commands use it.
+#pragma once
+
+#include "cli/cli.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace velkor {
+class TCompiler;
+}
+
+namespace velkor::cli {
+
+struct UnitCompiler {
+    std::unique_ptr<TCompiler> compiler; // ready for Compile
+    std::filesystem::path folder;        // the unit's own folder, as found on disk
+};
+
+// Loads the unit and prepares a compiler for it: options applied, messages to stderr, the search path
+// (the unit's own folder, each -I, then "$compiler$\lib") and #FILE outputs placed as `asm` places files.
+// Throws EInOutError when the unit cannot be read.
+UnitCompiler PrepareUnitCompiler(const Options& options, bool symbolsOnly);
+
+} // namespace velkor::cli
