@@ -1,0 +1,11 @@
+series S;
+include lib, "sub\other";
+#INCLUDE again;
+#STRINGS texts;
+#BACKGROUND: texts["a*"];
+#FILE "m1.pas", m2;
+#ADDTOSEARCHPATH("$compiler$\lib");
+#SETOUTPUTPATH("out");
+#ADDPATHCONSTANT("mine", "nowhere");
+#HINT("h");
+#ERROR("e");

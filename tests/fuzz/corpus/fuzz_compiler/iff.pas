@@ -1,0 +1,2 @@
+iff "raw.bin"
+{ form "DATA" { chunk "ABCD" { long 1 } } }

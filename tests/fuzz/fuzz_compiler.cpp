@@ -1,0 +1,74 @@
+// The compiler front end from hostile text: every input, with either scanner, halting or recovering, must
+// compile, finish and link or end in one of the system's exceptions, without a crash or a hang. Include
+// files, string files and #FILE units are looked up from an empty folder of its own, and whatever a #FILE
+// unit assembles is written there, so the run touches nothing else.
+#include "compiler/compiler.h"
+#include "compiler/scanner.h"
+#include "platform/named_folders.h"
+#include "platform/path_resolver.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+namespace {
+
+// An empty folder made on first use, the current folder and the temporary folder from then on; removed at
+// exit.
+struct SandboxFolder {
+    std::filesystem::path path; // the folder, empty when it could not be made
+
+    SandboxFolder() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "velkor-fuzz-XXXXXX").string();
+        if (!mkdtemp(pattern.data())) return;
+        path = pattern;
+        std::filesystem::current_path(path);
+        setenv("TMPDIR", path.c_str(), 1);
+    }
+    ~SandboxFolder() {
+        std::error_code ec;
+        if (!path.empty()) std::filesystem::remove_all(path, ec);
+    }
+};
+
+const std::filesystem::path& Sandbox() {
+    static const SandboxFolder folder;
+    return folder.path;
+}
+
+void CompileOnce(const std::string& text, bool halt) {
+    using namespace velkor;
+    TCompiler compiler;
+    compiler.HaltOnError = halt;
+    compiler.Verbosity = 3;
+    std::size_t messages = 0;
+    compiler.OnOutput = [&](const std::string& line) { messages += line.size(); };
+    compiler.PlaceOutputFile = [](const std::string& name) {
+        return Sandbox() / ("out_" + FileNamePart(name));
+    };
+    compiler.SetSource(text);
+    try {
+        compiler.Compile();
+        compiler.Finish();
+        compiler.Link();
+    } catch (const Exception&) {
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace velkor;
+    Sandbox();
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    for (ScannerClass cls : {ScannerClass::Standard, ScannerClass::Fast}) {
+        SetScannerClass(cls);
+        CompileOnce(text, true);
+        CompileOnce(text, false);
+    }
+    // #ADDPATHCONSTANT adds to the process-wide table; start every input from the same one.
+    ResetNamedFoldersForTesting();
+    return 0;
+}
