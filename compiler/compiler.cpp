@@ -107,9 +107,6 @@ void TCompiler::ErrorNoSkip(const std::string& text, std::int32_t line, SourceLo
 void TCompiler::Error(const std::string& text, std::int32_t line, SourceLocation where) {
     Report(text, line, where);
     Output(0, "recovering from error...");
-    // A ";" just read (the token an expectation found) is already the point to go on from: skipping to
-    // the next one would swallow a whole declaration.
-    if (lastReadSemicolon_) return;
     while (!AtEnd()) {
         PeekToken();
         if (TokenKind() == tkSemicolon) break;
@@ -125,10 +122,18 @@ void TCompiler::Expected(const std::string& wanted, const std::string& found, So
     Error("expected \"" + wanted + "\" but found \"" + std::string(Trim(found)) + "\"", -1, where);
 }
 
+void TCompiler::ExpectedRead(const std::string& wanted, const std::string& found, SourceLocation where) {
+    if (TokenKind() != tkSemicolon) return Expected(wanted, found, where);
+    // The ";" that recovery would look for has just been read: recovery has arrived, and skipping to the
+    // next one would swallow a whole declaration.
+    Report("expected \"" + wanted + "\" but found \";\"", -1, where);
+    Output(0, "recovering from error...");
+}
+
 bool TCompiler::Expect(const std::string& wanted, SourceLocation where) {
     std::string token = NextToken();
     if (SameText(token, wanted)) return true;
-    Expected(wanted, token, where);
+    ExpectedRead(wanted, token, where);
     return false;
 }
 
@@ -144,7 +149,6 @@ bool Stuck(const TScanner& s, const std::string& token) {
 std::string TCompiler::NextToken() {
     std::string token = scanner_->NextToken();
     stuck_ = Stuck(*scanner_, token);
-    lastReadSemicolon_ = scanner_->TokenKind() == tkSemicolon;
     return token;
 }
 

@@ -8,12 +8,12 @@
 #include "compiler/comp_data.h"
 #include "platform/exception.h"
 
+#include "platform/source_location.h"
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
-#include "platform/source_location.h"
 #include <string>
 #include <string_view>
 #include <vector>
@@ -127,6 +127,10 @@ public:
     // The error `expected "<wanted>" but found "<found, trimmed>"`.
     void Expected(const std::string& wanted, const std::string& found,
                   SourceLocation where = SourceLocation::current());
+    // As Expected, for the token just read (nothing peeked since): when that token is ";" recovery has
+    // already arrived and nothing is skipped.
+    void ExpectedRead(const std::string& wanted, const std::string& found,
+                      SourceLocation where = SourceLocation::current());
     // Reads a token; when it differs from `wanted` (compared without case) reports Expected. Returns
     // whether it matched.
     bool Expect(const std::string& wanted, SourceLocation where = SourceLocation::current());
@@ -161,6 +165,7 @@ public:
 private:
     void Report(const std::string& text, std::int32_t line, const SourceLocation& where);
     void DeclarationLoop();
+    void DeclareOne(); // one declaration, directive or command, by its first token
 
     // preprocessor.cpp
     void HandleCommand();
@@ -185,7 +190,6 @@ private:
     std::unique_ptr<TCompData> data_;       // the unit's six text lists
     std::unique_ptr<TCodeGen> codegen_;     // emits listing lines while the parser runs
     bool stuck_ = false;                    // the last token read or peeked could not move on
-    bool lastReadSemicolon_ = false;        // the last token read (not peeked) was ";"
     // The units of the #FILE chain that leads here, as found on disk; shared down the chain so that a unit
     // naming one of its callers is refused instead of compiled forever.
     std::shared_ptr<std::vector<std::filesystem::path>> fileChain_;

@@ -9,60 +9,67 @@ namespace velkor {
 
 void TCompiler::DeclarationLoop() {
     while (!AtEnd()) {
-        const std::string token = PeekToken();
-        switch (TokenKind()) {
-        case tkSemicolon: NextToken(); break;
-        case tkVar:
+        const std::int32_t start = scanner_->Position();
+        DeclareOne();
+        // A handler that gave up without reading anything would be handed the same token forever.
+        if (scanner_->Position() == start && !AtEnd()) NextToken();
+    }
+}
+
+void TCompiler::DeclareOne() {
+    const std::string token = PeekToken();
+    switch (TokenKind()) {
+    case tkSemicolon: NextToken(); break;
+    case tkVar:
+        NextToken();
+        if (UnitKind == ukSector || UnitKind == ukProject)
+            ErrorNoSkip("global vars not allowed in PROJECT and SECTOR");
+        DeclareVariables(skGlobalVar);
+        break;
+    case tkExternal:
+        NextToken();
+        if (UnitKind == ukSector || UnitKind == ukProject)
+            ErrorNoSkip("external vars not allowed in PROJECT and SECTOR");
+        DeclareVariables(skExternalVar);
+        break;
+    case tkStatic:
+        NextToken();
+        ErrorNoSkip("Only local variables can be static!");
+        DeclareVariables(skGlobalVar);
+        break;
+    case tkConst:
+        NextToken();
+        DeclareConstants(skGlobalConst);
+        break;
+    case tkFunction:
+        if (UnitKind == ukSector) ErrorNoSkip("function not allowed in SECTOR");
+        codegen_->CompileFunctionDeclaration();
+        break;
+    case tkObject: codegen_->CompileObject(); break;
+    case tkObjective:
+        if (UnitKind == ukSector || UnitKind == ukSeries || UnitKind == ukProject)
+            ErrorNoSkip("objectives not allowed in PROJET, SECTOR and SERIES");
+        codegen_->CompileObjective();
+        break;
+    case tkProperty:
+        NextToken();
+        Error("Property not supported!");
+        break;
+    case tkInclude:
+        NextToken();
+        IncludeSourceFiles();
+        break;
+    default:
+        if (token == "#") {
+            if (!HandleDirective()) HandleCommand();
+        } else if (TokenKind() == tkIdentifier && SameText(token, "ENUM")) {
             NextToken();
-            if (UnitKind == ukSector || UnitKind == ukProject)
-                ErrorNoSkip("global vars not allowed in PROJECT and SECTOR");
-            DeclareVariables(skGlobalVar);
-            break;
-        case tkExternal:
+            DeclareEnums();
+        } else {
             NextToken();
-            if (UnitKind == ukSector || UnitKind == ukProject)
-                ErrorNoSkip("external vars not allowed in PROJECT and SECTOR");
-            DeclareVariables(skExternalVar);
-            break;
-        case tkStatic:
-            NextToken();
-            ErrorNoSkip("Only local variables can be static!");
-            DeclareVariables(skGlobalVar);
-            break;
-        case tkConst:
-            NextToken();
-            DeclareConstants(skGlobalConst);
-            break;
-        case tkFunction:
-            if (UnitKind == ukSector) ErrorNoSkip("function not allowed in SECTOR");
-            codegen_->CompileFunctionDeclaration();
-            break;
-        case tkObject: codegen_->CompileObject(); break;
-        case tkObjective:
-            if (UnitKind == ukSector || UnitKind == ukSeries || UnitKind == ukProject)
-                ErrorNoSkip("objectives not allowed in PROJET, SECTOR and SERIES");
-            codegen_->CompileObjective();
-            break;
-        case tkProperty:
-            NextToken();
-            Error("Property not supported!");
-            break;
-        case tkInclude:
-            NextToken();
-            IncludeSourceFiles();
-            break;
-        default:
-            if (token == "#") {
-                if (!HandleDirective()) HandleCommand();
-            } else if (TokenKind() == tkIdentifier && SameText(token, "ENUM")) {
-                NextToken();
-                DeclareEnums();
-            } else {
-                NextToken();
-                Expected("<Declaration>", token);
-            }
-            break;
+            Expected("<Declaration>", token);
         }
+        break;
     }
 }
 
@@ -89,7 +96,7 @@ void TCompiler::DeclareVariables(std::int32_t kind) {
                 name = NextToken();
             }
             if (TokenKind() != tkIdentifier) {
-                Expected("<Identifier>", name);
+                ExpectedRead("<Identifier>", name);
                 return;
             }
             std::int32_t value = varKind == skLocalVar ? kNoInitialValue : 0;
@@ -117,7 +124,7 @@ void TCompiler::DeclareConstants(std::int32_t kind) {
         do {
             std::string name = NextToken();
             if (TokenKind() != tkIdentifier) {
-                Expected("<Identifier>", name);
+                ExpectedRead("<Identifier>", name);
                 return;
             }
             if (!Expect("=")) return;
@@ -147,7 +154,7 @@ void TCompiler::DeclareEnums() {
     do {
         std::string name = NextToken();
         if (TokenKind() != tkIdentifier) {
-            Expected("<Identifier>", name);
+            ExpectedRead("<Identifier>", name);
             return;
         }
         PeekToken();

@@ -148,7 +148,7 @@ void TCompiler::HandleCommand() {
             if (TokenKind() != tkComma) break;
         }
         if (separator != ")") {
-            Expected(")", separator);
+            ExpectedRead(")", separator);
             return;
         }
         Expect(";");

@@ -1,3 +1,5 @@
+#include "iff/checksum.h"
+#include "platform/numbers.h"
 #include "tests/compiler/compile_run.h"
 
 #include <gtest/gtest.h>
@@ -66,6 +68,53 @@ TEST(CompilerSpine, RecoveryTerminatesOnTextsThatEndBadly) {
         CompileRun r(text, false);
         EXPECT_FALSE(r.threw) << text;
     }
+}
+
+TEST(Declarations, CompiledAnywayRules) {
+    CompileRun r(
+        "series S;\r\nexternal e = 1, f;\r\nstatic s;\r\nenum A, B = 5, C;\r\nproperty p;\r\nvar after;\r\n",
+        false);
+    EXPECT_TRUE(r.Has("[S, 2] ERROR: external variables cannot be initialized")) << r.All();
+    EXPECT_TRUE(r.Has("[S, 3] ERROR: Only local variables can be static!"));
+    EXPECT_TRUE(r.Has("[S, 5] ERROR: Property not supported!"));
+    ASSERT_TRUE(r.Symbol("e") && r.Symbol("f") && r.Symbol("s"));
+    EXPECT_EQ(r.Symbol("e")->Kind, skExternalVar);
+    EXPECT_EQ(r.Symbol("s")->Kind, skGlobalVar);
+    EXPECT_EQ(r.Symbol("A")->Text, "0");
+    EXPECT_EQ(r.Symbol("B")->Text, "5");
+    EXPECT_EQ(r.Symbol("C")->Text, "6");
+    EXPECT_EQ(r.Symbol("C")->Kind, skEnum);
+    EXPECT_TRUE(r.Symbol("after"));
+    EXPECT_TRUE(r.Has("[S, 2] adding external variable: e, CRC: " + IntToHex(NameHash("e"), 8)));
+    EXPECT_TRUE(r.Has("[S, 2]    don't forget to declare it in series!"));
+    EXPECT_EQ(r.compiler->ErrorCount, 3);
+}
+
+TEST(Declarations, RecoveryAfterAFoundSemicolonKeepsTheNextDeclaration) {
+    CompileRun r("unit U;\r\n#SETKILLBOARD(1;\r\nvar a;\r\nconst c = 1 d;\r\nvar b;\r\n", false);
+    EXPECT_TRUE(r.Has("[U, 2] ERROR: expected \")\" but found \";\"")) << r.All();
+    EXPECT_TRUE(r.Symbol("a"));
+    EXPECT_TRUE(r.Has("[U, 4] ERROR: expected \";\" but found \"d\""));
+    EXPECT_TRUE(r.Symbol("b"));
+}
+
+TEST(Finish, UnimplementedFunctionsAndObjectsAtTheirDeclarationLine) {
+    CompileRun r("mission M;\r\n", false);
+    TSymbol f;
+    f.Name = "FLY";
+    f.Text = "Fly";
+    f.Kind = skUserFunction;
+    f.Line = 7;
+    r.compiler->Symbols().Add(f);
+    TSymbol o = f;
+    o.Name = "SHIP";
+    o.Text = "Ship";
+    o.Kind = skObject;
+    o.Line = 9;
+    r.compiler->Symbols().Add(o);
+    r.compiler->Finish();
+    EXPECT_TRUE(r.Has("[M, 7] ERROR: user function Fly not implemented")) << r.All();
+    EXPECT_TRUE(r.Has("[M, 9] ERROR: object Ship not implemented"));
 }
 
 } // namespace

@@ -1,0 +1,6 @@
+sector S;
+object s;
+ûûopertyADDT pseries m1;
+#AD0;
+vastatic s;
+ûûopertru
