@@ -25,6 +25,9 @@ std::string ReplaceAllNoCase(std::string_view text, std::string_view from, std::
 // Splits at every line break (CR LF, LF or CR); a final break does not start an empty line.
 std::vector<std::string> SplitLines(std::string_view text);
 
+// True when the bytes are well-formed UTF-8 (no overlong forms, surrogates or values past U+10FFFF).
+bool IsValidUtf8(std::string_view s);
+
 // Joins lines, each followed by CR LF.
 std::string JoinLinesCrLf(const std::vector<std::string>& lines);
 
