@@ -1,0 +1,103 @@
+// Text access, files, caret, word at cursor, error line and the font of the editor.
+#include "editor_test_app.h"
+
+#include "editor/highlighter.h"
+#include "platform/text_file.h"
+#include "support/run_tool.h"
+
+#include <QFontInfo>
+#include <QTest>
+
+namespace velkor::test {
+namespace {
+
+class EditorText : public EditorTest {};
+
+TEST_F(EditorText, LinesTextAndModifiedFlag) {
+    Load(QStringLiteral("a\r\nb\nc\rd"));
+    EXPECT_EQ(edit->Lines(), (QStringList{"a", "b", "c", "d"}));
+    EXPECT_EQ(edit->LineText(1), QStringLiteral("b"));
+    EXPECT_FALSE(edit->Modified());
+    edit->ExecuteCommand(ecChar, QString::fromUtf8("\xC3\xA9\xF0\x9F\x9A\x80"));
+    EXPECT_TRUE(edit->Modified());
+    EXPECT_EQ(edit->LineText(0), QString::fromUtf8("\xC3\xA9\xF0\x9F\x9A\x80"
+                                                   "a"));
+    edit->SetModified(false);
+    EXPECT_FALSE(edit->Modified());
+    EXPECT_EQ(edit->Lines().size(), 4);
+    Load(QString());
+    EXPECT_EQ(edit->Lines(), QStringList{QString()});
+}
+
+TEST_F(EditorText, CaretColumnCountsTabsAsShown) {
+    Load(QStringLiteral("\tab"), 0, 2);
+    EXPECT_EQ(edit->CaretLine(), 0);
+    EXPECT_EQ(edit->CaretColumn(), 9);
+    edit->SetCaret(0, 8);
+    EXPECT_EQ(Caret(), std::make_pair(0, 1));
+}
+
+TEST_F(EditorText, WordAtCursorTakesIdentifierCharacters) {
+    Load(QStringLiteral("x := Ship_1.speed + 2;"), 0, 7);
+    EXPECT_EQ(edit->WordAtCursor(), QStringLiteral("Ship_1"));
+    edit->setCursorPosition(0, 11); // just behind the word
+    EXPECT_EQ(edit->WordAtCursor(), QStringLiteral("Ship_1"));
+    edit->setCursorPosition(0, 12);
+    EXPECT_EQ(edit->WordAtCursor(), QStringLiteral("speed"));
+    edit->setCursorPosition(0, 18);
+    EXPECT_EQ(edit->WordAtCursor(), QString());
+}
+
+TEST_F(EditorText, ErrorLineIsOneFullLineMark) {
+    Load(NumberedLines(20));
+    EXPECT_EQ(edit->ErrorLine(), -1);
+    edit->SetErrorLine(7);
+    EXPECT_EQ(edit->ErrorLine(), 7);
+    edit->SetErrorLine(3);
+    EXPECT_EQ(edit->ErrorLine(), 3);
+    EXPECT_EQ(edit->markersAtLine(7), 0u);
+    edit->ClearErrorLine();
+    EXPECT_EQ(edit->ErrorLine(), -1);
+    edit->SetErrorLine(500); // past the end: nothing, no crash
+    EXPECT_EQ(edit->ErrorLine(), -1);
+}
+
+TEST_F(EditorText, FilesKeepTheirEncodingAndLineBreaks) {
+    TempDir dir;
+    const auto utf8 = dir.path() / "u.pas";
+    const auto latin = dir.path() / "l.pas";
+    WriteFileAtomic(utf8, std::string("unit u;\n// caf\xC3\xA9\n"));
+    WriteFileAtomic(latin, std::string("unit l;\r\n\"Gr\xFC\xDF\"\r\n"));
+
+    edit->LoadFromFile(utf8);
+    EXPECT_EQ(edit->LineText(1), QString::fromUtf8("// caf\xC3\xA9"));
+    EXPECT_EQ(edit->FileEncoding(), TSyntaxEdit::TFileEncoding::Utf8);
+    EXPECT_EQ(edit->eolMode(), QsciScintilla::EolUnix);
+    EXPECT_FALSE(edit->Modified());
+    edit->setCursorPosition(2, 0);
+    QTest::keyClick(edit.get(), Qt::Key_Return);
+    edit->SaveToFile(utf8);
+    EXPECT_EQ(ReadFile(utf8), "unit u;\n// caf\xC3\xA9\n\n");
+
+    edit->LoadFromFile(latin);
+    EXPECT_EQ(edit->FileEncoding(), TSyntaxEdit::TFileEncoding::Latin1);
+    EXPECT_EQ(edit->LineText(1), QStringLiteral("\"Gr\u00FC\u00DF\""));
+    EXPECT_EQ(edit->EncodedText(), "unit l;\r\n\"Gr\xFC\xDF\"\r\n");
+    edit->SaveToFile(latin);
+    EXPECT_EQ(ReadFile(latin), "unit l;\r\n\"Gr\xFC\xDF\"\r\n");
+    // A character Latin-1 cannot hold turns the file into UTF-8 rather than losing it.
+    edit->ExecuteCommand(ecChar, QStringLiteral("\u20AC"));
+    edit->SaveToFile(latin);
+    EXPECT_EQ(ReadFile(latin), "\xE2\x82\xAC"
+                               "unit l;\r\n\"Gr\xC3\xBC\xC3\x9F\"\r\n");
+    EXPECT_THROW(edit->LoadFromFile(dir.path() / "missing.pas"), EInOutError);
+}
+
+TEST_F(EditorText, FixedPitchFont) {
+    const QFont font = edit->Highlighter()->defaultFont(hsDefault);
+    EXPECT_TRUE(QFontInfo(font).fixedPitch()) << font.family().toStdString();
+    EXPECT_TRUE(edit->Highlighter()->defaultFont(hsKeyword).bold());
+}
+
+} // namespace
+} // namespace velkor::test
