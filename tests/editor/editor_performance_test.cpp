@@ -60,6 +60,7 @@ TEST_F(EditorPerformance, KeystrokeToRepaintIn50000Lines) {
 
     edit->setCursorPosition(25000, 0);
     const Timing typing = TimeKeys(*edit, 50, Qt::Key_X);
+    EXPECT_EQ(edit->LineText(25000).left(50), QString(50, QLatin1Char('x')));
     const Timing down = TimeKeys(*edit, 50, Qt::Key_Down);
     const Timing pageDown = TimeKeys(*edit, 20, Qt::Key_PageDown);
     // Opening a comment near the top restyles what is shown below it, not the whole text.
@@ -75,7 +76,14 @@ TEST_F(EditorPerformance, KeystrokeToRepaintIn50000Lines) {
     std::printf("[ perf ] open \"/*\" at line 10: %.2f ms + %.2f ms\n", comment.worst, star.worst);
     std::printf("[ perf ] Ctrl+End after that: %.2f ms\n", end.worst);
     RecordProperty("type_median_ms", std::to_string(typing.median));
-    EXPECT_EQ(edit->LineText(25000).left(50), QString(50, QLatin1Char('x')));
+
+    // The same keys in a 100-line unit: what painting alone costs on this machine.
+    Load(BigUnit(100));
+    edit->setCursorPosition(50, 0);
+    const Timing smallTyping = TimeKeys(*edit, 50, Qt::Key_X);
+    const Timing smallDown = TimeKeys(*edit, 20, Qt::Key_Down);
+    std::printf("[ perf ] 100-line unit: type median %.2f ms, Down median %.2f ms\n", smallTyping.median,
+                smallDown.median);
 }
 
 } // namespace
