@@ -1,0 +1,334 @@
+#include "ide/edit_page.h"
+
+#include "compiler/compiler.h"
+#include "compiler/symbol_table.h"
+#include "ide/help_view.h"
+#include "ide/ide_dialogs.h"
+#include "ide/ide_ini.h"
+#include "ide/iff_build.h"
+#include "ide/iff_view.h"
+#include "ide/output_view.h"
+#include "ide/page_host.h"
+#include "platform/exception.h"
+#include "platform/executable_path.h"
+#include "platform/numbers.h"
+#include "platform/path_resolver.h"
+#include "platform/strings.h"
+#include "platform/text_file.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QMenu>
+#include <QVBoxLayout>
+
+#include <filesystem>
+
+namespace velkor {
+
+const char* const kSourceFileFilter = "Pascal File (*.pas)|*.pas|Text File (*.txt)|*.txt";
+
+namespace {
+
+// The hourglass for the length of a scope.
+class WaitCursor {
+public:
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+bool IsExistingFile(const std::string& name) {
+    std::error_code ec;
+    return !name.empty() && std::filesystem::is_regular_file(name, ec);
+}
+
+std::string FolderOf(const std::string& file) {
+    return std::filesystem::path(file).parent_path().string();
+}
+
+struct ContextItemText {
+    const char* Name;     // object name of the action
+    const char* Caption;  // as the user sees it
+    const char* ShortCut; // empty: none
+};
+
+constexpr ContextItemText kContextItems[] = {
+    {"ContextFindDeclaration", "&Find Declaration", "Ctrl+D"},
+    {"ContextSymbolBrowser", "Symbol Browser", ""},
+    {"ContextObjList", "Object List", ""},
+    {"ContextProcList", "Function List", ""},
+    {"ContextParameterList", "Parameter List", ""},
+    {"ConstantList1", "Constant List", ""},
+    {"CompleteWordAtCursor1", "CompleteWordAtCursor", ""},
+    {"ContextClosePage", "&Close Page", "Ctrl+F4"},
+    {"ContextOpenFileAtCursor", "Open &File at Cursor", ""},
+    {"ContextTopicSearch", "Topic &Search", "F1"},
+    {nullptr, nullptr, nullptr},
+    {"ContextUndo", "&Undo", ""},
+    {"ContextCut", "Cu&t", ""},
+    {"ContextCopy", "&Copy", ""},
+    {"ContextPaste", "&Paste", ""},
+    {"ContextDelete", "&Delete", ""},
+    {"ContextSelectAll", "Se&lect All", ""},
+};
+
+} // namespace
+
+TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
+    : QWidget(parent), host_(host), memo_(new TPageEditor(this)), popup_(new QMenu(this)) {
+    setObjectName(QStringLiteral("frmEdit"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(memo_);
+    memo_->setObjectName(QStringLiteral("Memo"));
+    SetFileName("Untitled" + std::to_string(host_.TakeUntitledNumber()) + ".pas");
+    const TIniFile ini = IdeIni();
+    autosave_ = ini.ReadBool("editor", "autosave", false);
+    paramHints_ = !ini.ReadBool("editor", "disable_paramhint", false);
+    noIntelligence_ = ini.ReadBool("editor", "disable_intelligence", false);
+    BuildContextMenu();
+    memo_->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(memo_, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+        RefreshContextMenu();
+        popup_->popup(memo_->mapToGlobal(at));
+    });
+}
+
+TfrmEdit::~TfrmEdit() = default;
+
+void TfrmEdit::BuildContextMenu() {
+    popup_->setObjectName(QStringLiteral("PopupMenu1"));
+    for (const ContextItemText& item : kContextItems) {
+        if (!item.Name) {
+            popup_->addSeparator();
+            continue;
+        }
+        QAction* action = popup_->addAction(QString::fromLatin1(item.Caption));
+        action->setObjectName(QString::fromLatin1(item.Name));
+        if (*item.ShortCut) {
+            action->setShortcut(QKeySequence(QString::fromLatin1(item.ShortCut)));
+            // The page's own keys work while its editor has the focus; F1 is also the main menu's.
+            if (std::string_view(item.ShortCut) != "F1") {
+                action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+                addAction(action);
+            }
+        }
+    }
+    const auto on = [this](const char* name, auto slot) {
+        connect(ContextItem(QString::fromLatin1(name)), &QAction::triggered, this, slot);
+    };
+    on("ContextSymbolBrowser", &TfrmEdit::SymbolBrowser);
+    on("ContextObjList", &TfrmEdit::ObjectList);
+    on("ContextProcList", &TfrmEdit::FunctionList);
+    on("ConstantList1", &TfrmEdit::ConstantList);
+    on("ContextClosePage", [this] { host_.ClosePage(*this); });
+    on("ContextTopicSearch", &TfrmEdit::TopicSearch);
+    on("ContextUndo", &TfrmEdit::Undo);
+    on("ContextCut", &TfrmEdit::Cut);
+    on("ContextCopy", &TfrmEdit::Copy);
+    on("ContextPaste", &TfrmEdit::Paste);
+    on("ContextDelete", &TfrmEdit::DeleteSelection);
+    on("ContextSelectAll", &TfrmEdit::SelectAll);
+    ContextItem(QStringLiteral("CompleteWordAtCursor1"))->setEnabled(!noIntelligence_);
+}
+
+QAction* TfrmEdit::ContextItem(const QString& name) const {
+    return popup_->findChild<QAction*>(name, Qt::FindDirectChildrenOnly);
+}
+
+void TfrmEdit::RefreshContextMenu() {
+    ContextItem(QStringLiteral("ContextTopicSearch"))
+        ->setText(QStringLiteral("Topic &Search (") + WordAtCursor() + u')');
+    const bool selected = memo_->hasSelectedText();
+    ContextItem(QStringLiteral("ContextUndo"))->setEnabled(memo_->isUndoAvailable());
+    ContextItem(QStringLiteral("ContextCut"))->setEnabled(selected && !memo_->isReadOnly());
+    ContextItem(QStringLiteral("ContextCopy"))->setEnabled(selected);
+    ContextItem(QStringLiteral("ContextPaste"))->setEnabled(memo_->canPaste());
+    ContextItem(QStringLiteral("ContextDelete"))->setEnabled(selected && !memo_->isReadOnly());
+    ContextItem(QStringLiteral("ContextSelectAll"))->setEnabled(!memo_->Text().isEmpty());
+}
+
+std::string TfrmEdit::FileNameKey() const {
+    return LowerCase(fileName_);
+}
+
+QString TfrmEdit::Caption() const {
+    return ToQ(FileNamePart(fileName_));
+}
+
+void TfrmEdit::SetFileName(const std::string& name) {
+    fileName_ = name;
+    setWindowTitle(Caption());
+    emit CaptionChanged();
+}
+
+std::string TfrmEdit::AskOpenFileName(QWidget* parent) {
+    TFileDialogRequest request;
+    request.Filter = QString::fromLatin1(kSourceFileFilter);
+    request.DefaultExt = QStringLiteral(".pas");
+    request.InitialDir = ToQ(IdeIni().ReadString("editor", "DirLoad", ""));
+    const QString chosen = DialogHooks().OpenFile(parent, request);
+    if (chosen.isEmpty()) return {};
+    const std::string file = FromQ(chosen);
+    IdeIni().WriteString("editor", "DirLoad", FolderOf(file));
+    return file;
+}
+
+bool TfrmEdit::Load(const std::string& name, bool addToRecent) {
+    std::string file = name;
+    const bool fromDialog = Trim(name).empty();
+    if (fromDialog) file = AskOpenFileName(this);
+    if (!IsExistingFile(file)) return false;
+    const std::string absolute = std::filesystem::absolute(file).lexically_normal().string();
+    try {
+        std::optional<WaitCursor> wait;
+        if (fromDialog) wait.emplace();
+        memo_->LoadFromFile(absolute);
+    } catch (const Exception&) {
+        return false;
+    }
+    SetFileName(absolute);
+    memo_->SetModified(false);
+    if (addToRecent) host_.AddRecent(absolute);
+    return true;
+}
+
+void TfrmEdit::WriteTo(const std::string& name) {
+    memo_->SaveToFile(name);
+}
+
+bool TfrmEdit::Save() {
+    if (!IsExistingFile(fileName_)) return SaveAs();
+    try {
+        WriteTo(fileName_);
+    } catch (const Exception& e) {
+        DialogHooks().ShowMessage(this, ToQ(e.what()));
+        return false;
+    }
+    return true;
+}
+
+bool TfrmEdit::SaveAs() {
+    TFileDialogRequest request;
+    request.Filter = QString::fromLatin1(kSourceFileFilter);
+    request.DefaultExt = QStringLiteral(".pas");
+    request.InitialDir = ToQ(IdeIni().ReadString("editor", "DirLoad", ""));
+    request.ProposedName = Caption();
+    const QString chosen = DialogHooks().SaveFile(this, request);
+    if (chosen.isEmpty()) return false;
+    const std::string file = std::filesystem::absolute(FromQ(chosen)).lexically_normal().string();
+    try {
+        WriteTo(file);
+    } catch (const Exception& e) {
+        DialogHooks().ShowMessage(this, ToQ(e.what()));
+        return false;
+    }
+    SetFileName(file);
+    IdeIni().WriteString("editor", "DirLoad", FolderOf(file));
+    return true;
+}
+
+bool TfrmEdit::SaveQuery() {
+    if (!Modified()) return true;
+    switch (DialogHooks().AskYesNoCancel(this, ToQ("Save changes to " + fileName_ + "?"))) {
+    case TMsgAnswer::Yes: return Save();
+    case TMsgAnswer::No: return true;
+    case TMsgAnswer::Cancel: break;
+    }
+    return false;
+}
+
+void TfrmEdit::ReportException(const std::exception& error) {
+    host_.Output(error.what());
+}
+
+bool TfrmEdit::Compile() {
+    WaitCursor wait;
+    bool success = true;
+    if (autosave_) Save();
+    host_.OutputView().BringToFront();
+    host_.OutputView().Clear();
+    memo_->ClearErrorLine();
+
+    TCompiler compiler;
+    compiler.OnOutput = [this](const std::string& line) { host_.Output(line); };
+    compiler.PlaceOutputFile = [](const std::string& name) { return PlaceBuiltFile(name); };
+    try {
+        compiler.SetSource(NormaliseLineBreaks(FromQ(memo_->Text())));
+        const TIniFile ini = IdeIni();
+        compiler.Optimize = ini.ReadBool("compiler", "optimization", false);
+        compiler.HaltOnError = ini.ReadBool("compiler", "haltonerror", true);
+        const std::int32_t verbosity = ini.ReadInteger("compiler", "verbosity", 1);
+        if (verbosity < 0 || verbosity > 255) throw ERangeError();
+        compiler.Verbosity = static_cast<std::uint8_t>(verbosity);
+        const std::string folder = FolderOf(fileName_);
+        if (!folder.empty()) compiler.AddToSearchPath(folder);
+        compiler.AddToSearchPath("$compiler$\\lib");
+        compiler.SetFileName(fileName_);
+        compiler.Compile();
+        compiler.Finish();
+        host_.IffView().SetText(ToQ(compiler.Link()));
+    } catch (const std::exception& e) {
+        success = false;
+        const int line = compiler.ErrorLine; // from 1; the editor counts from 0
+        if (line >= 1) {
+            memo_->setFirstVisibleLine(std::max(0, line - 1 - 5));
+            memo_->SetCaret(line - 1, 0);
+            memo_->SetErrorLine(line - 1);
+        }
+        if (!dynamic_cast<const ECompiler*>(&e)) ReportException(e);
+    }
+    if (success) {
+        symbols_ = std::make_shared<TSymbolTable>(compiler.Symbols());
+        searchPathText_.clear();
+        for (const std::string& path : compiler.SearchPath) searchPathText_ += path + "\r\n";
+    }
+    return success;
+}
+
+void TfrmEdit::BuildIff() {
+    BuildIffFromView(host_);
+}
+
+void TfrmEdit::Undo() {
+    memo_->undo();
+}
+void TfrmEdit::Cut() {
+    memo_->cut();
+}
+void TfrmEdit::Copy() {
+    memo_->copy();
+}
+void TfrmEdit::Paste() {
+    memo_->paste();
+}
+void TfrmEdit::DeleteSelection() {
+    memo_->removeSelectedText();
+}
+void TfrmEdit::SelectAll() {
+    memo_->selectAll();
+}
+
+void TfrmEdit::GotoLine() {
+    const auto line =
+        DialogHooks().AskInteger(this, QStringLiteral("Go to Line Number"),
+                                 QStringLiteral("Enter new line number:"), memo_->CaretLine() + 1);
+    if (line) memo_->SetCaret(*line - 1, 0);
+}
+
+void TfrmEdit::TopicSearch() {
+    const QString word = WordAtCursor();
+    if (!word.isEmpty()) host_.HelpView().ShowTopic(FromQ(word));
+}
+
+// The find dialog and the symbol lists are the page's next additions.
+void TfrmEdit::Find() {}
+void TfrmEdit::Replace() {}
+void TfrmEdit::SearchAgain() {}
+void TfrmEdit::SymbolBrowser() {}
+void TfrmEdit::FunctionList() {}
+void TfrmEdit::ObjectList() {}
+void TfrmEdit::ConstantList() {}
+
+} // namespace velkor

@@ -1,0 +1,109 @@
+#include "ide/ide_dialogs.h"
+
+#include <QDesktopServices>
+#include <QDialog>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QUrl>
+
+namespace velkor {
+
+namespace {
+
+TMsgAnswer RealAskYesNoCancel(QWidget* parent, const QString& text) {
+    const auto button =
+        QMessageBox::question(parent, QStringLiteral("Confirm"), text,
+                              QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
+    if (button == QMessageBox::Yes) return TMsgAnswer::Yes;
+    if (button == QMessageBox::No) return TMsgAnswer::No;
+    return TMsgAnswer::Cancel;
+}
+
+void PrepareFileDialog(QFileDialog& dialog, const TFileDialogRequest& request) {
+    if (!request.Caption.isEmpty()) dialog.setWindowTitle(request.Caption);
+    dialog.setNameFilters(ToQtFilter(request.Filter).split(QStringLiteral(";;")));
+    QString ext = request.DefaultExt;
+    if (ext.startsWith(u'.')) ext.remove(0, 1);
+    dialog.setDefaultSuffix(ext);
+    if (!request.InitialDir.isEmpty()) dialog.setDirectory(request.InitialDir);
+    if (!request.ProposedName.isEmpty()) dialog.selectFile(request.ProposedName);
+}
+
+QStringList RunOpenDialog(QWidget* parent, const TFileDialogRequest& request, bool several) {
+    QFileDialog dialog(parent);
+    PrepareFileDialog(dialog, request);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(several ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
+    dialog.setOption(QFileDialog::ReadOnly, false);
+    if (dialog.exec() != QDialog::Accepted) return {};
+    return dialog.selectedFiles();
+}
+
+QString RealSaveFile(QWidget* parent, const TFileDialogRequest& request) {
+    QFileDialog dialog(parent);
+    PrepareFileDialog(dialog, request);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    // Overwriting an existing file is what Save As is for here; it does not ask.
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, true);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
+    return dialog.selectedFiles().front();
+}
+
+TDialogHooks RealHooks() {
+    TDialogHooks hooks;
+    hooks.AskYesNoCancel = RealAskYesNoCancel;
+    hooks.ShowMessage = [](QWidget* parent, const QString& text) {
+        QMessageBox::information(parent, QStringLiteral("Velkor"), text);
+    };
+    hooks.OpenFile = [](QWidget* parent, const TFileDialogRequest& request) {
+        const QStringList files = RunOpenDialog(parent, request, false);
+        return files.isEmpty() ? QString() : files.front();
+    };
+    hooks.OpenFiles = [](QWidget* parent, const TFileDialogRequest& request) {
+        return RunOpenDialog(parent, request, true);
+    };
+    hooks.SaveFile = RealSaveFile;
+    hooks.PickFolder = [](QWidget* parent, const QString& start) {
+        return QFileDialog::getExistingDirectory(parent, QString(), start);
+    };
+    hooks.AskInteger = [](QWidget* parent, const QString& caption, const QString& label,
+                          int value) -> std::optional<int> {
+        bool ok = false;
+        const int result = QInputDialog::getInt(parent, caption, label, value, 1, 2147483647, 1, &ok);
+        if (!ok) return std::nullopt;
+        return result;
+    };
+    hooks.ExecModal = [](QDialog& dialog) { return dialog.exec(); };
+    hooks.OpenUrl = [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); };
+    return hooks;
+}
+
+} // namespace
+
+TDialogHooks& DialogHooks() {
+    static TDialogHooks hooks = RealHooks();
+    return hooks;
+}
+
+void ResetDialogHooks() {
+    DialogHooks() = RealHooks();
+}
+
+QString ToQtFilter(const QString& filter) {
+    const QStringList parts = filter.split(u'|');
+    QStringList result;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QString description = parts[i];
+        // The toolkit reads the patterns from the last parentheses; drop the description's own list.
+        const qsizetype open = description.lastIndexOf(u'(');
+        if (open > 0 && description.endsWith(u')')) description = description.left(open).trimmed();
+        QString patterns = parts[i + 1];
+        patterns.replace(u';', u' ');
+        result << description + QStringLiteral(" (") + patterns.simplified() + u')';
+    }
+    return result.join(QStringLiteral(";;"));
+}
+
+} // namespace velkor

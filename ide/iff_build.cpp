@@ -1,0 +1,44 @@
+#include "ide/iff_build.h"
+
+#include "ide/ide_ini.h"
+#include "ide/iff_view.h"
+#include "ide/page_host.h"
+#include "iff/iff_compiler.h"
+#include "platform/executable_path.h"
+#include "platform/numbers.h"
+#include "platform/path_resolver.h"
+#include "platform/text_file.h"
+
+#include <QApplication>
+
+namespace velkor {
+
+std::filesystem::path PlaceBuiltFile(const std::string& name) {
+    if (!HasFolder(name)) return std::filesystem::path(ExecutableFolder()) / name;
+    return ResolvePath(name);
+}
+
+void BuildIffFromView(TPageHost& host) {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    try {
+        const std::filesystem::path text = std::filesystem::temp_directory_path() / "_velkor.txt";
+        WriteFileAtomic(text, FromQ(host.IffView().Text()));
+        TIffCompiler assembler;
+        assembler.SetInputFile(text.string());
+        assembler.OnMessage = [&host](int, const std::string& line) { host.Output(line); };
+        assembler.OnBinaryOutput = [&host](const std::vector<std::uint8_t>& bytes, const std::string& name) {
+            const std::filesystem::path target = PlaceBuiltFile(name);
+            WriteFileAtomic(target, bytes);
+            host.Output("******* " + target.string() + " (" +
+                        FormatFloat("#,##0", static_cast<double>(bytes.size())) + " bytes) *******");
+        };
+        assembler.Compile();
+    } catch (const EIffCompiler&) {
+        // Reported through the message callback already.
+    } catch (const std::exception& e) {
+        host.Output(e.what());
+    }
+    QApplication::restoreOverrideCursor();
+}
+
+} // namespace velkor

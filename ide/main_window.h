@@ -1,0 +1,133 @@
+// TfrmMain: the IDE's one top-level window. It holds the editor pages in tabs, the three tool views in
+// its two dock areas, the menu, the status bar, the recent-files list and a polling timer, and forwards
+// almost every command to the active page.
+#pragma once
+
+#include "ide/page_host.h"
+
+#include <QList>
+#include <QMainWindow>
+#include <QPointer>
+
+#include <cstdint>
+#include <string>
+
+class QAction;
+class QLabel;
+class QMenu;
+class QTabWidget;
+class QTimer;
+
+namespace velkor {
+
+class TDockableView;
+class TRegMru;
+
+class TfrmMain : public QMainWindow, public TPageHost {
+    Q_OBJECT
+
+public:
+    // Creates the window in the documented order; `files` are opened (binary IFF decoded), or one new page
+    // is made when there are none.
+    explicit TfrmMain(const QStringList& files, QWidget* parent = nullptr);
+    ~TfrmMain() override;
+
+    // The window extensions and the output callback reach; null when there is none.
+    static TfrmMain* Instance();
+
+    // --- pages
+    TfrmEdit* NewPage();
+    // The open procedure (see TPageHost). An empty name asks with the open dialog.
+    TfrmEdit* OpenFile(const std::string& name, bool addToRecent) override;
+    // Decodes a binary IFF file into a modified page named file + ".pas": inline it returns the page; in a
+    // decode thread it returns null at once and the page appears when the thread is done.
+    TfrmEdit* DecodeFile(const std::string& name);
+    // The page in the selected editor tab, or null.
+    TfrmEdit* ActivePage() const;
+    // The page of a file, the name compared without case; null when not open.
+    TfrmEdit* FindPage(const std::string& name) const;
+    // Every page, in the order they were created.
+    QList<TfrmEdit*> Pages() const;
+    void ActivatePage(TfrmEdit& page);
+    bool ClosePage(TfrmEdit& page) override;
+    void SaveAll();
+    void CloseAll();
+    QTabWidget* PageControlEditor() const { return editorTabs_; }
+
+    // --- services of the pages
+    void Output(const std::string& line) override;
+    TfrmOutput& OutputView() override;
+    TfrmIffView& IffView() override;
+    TfrmHelp& HelpView() override;
+    void AddRecent(const std::string& path) override;
+    int TakeUntitledNumber() override { return untitled_++; }
+    TRegMru& RegMru1() const { return *mru_; }
+
+    // --- menus; the Update functions run when their menu opens
+    QAction* MenuItem(const QString& name) const;
+    void UpdateFileMenu();
+    void UpdateEditMenu();
+    void UpdateViewMenu();
+    void UpdateHelpMenu();
+
+    // --- commands
+    void ShowSettings();
+    void DecodeDialog();
+    void LoadExtensionDialog();
+    void LoadExtensionFile(const std::string& path);
+
+    // --- status
+    // One poll of the 150 ms timer: caret position in the status bar and in the IFF view's caption.
+    void TimerTick();
+    QString StatusPanelText(int panel) const;
+    std::int32_t MaxDecodeSize() const { return maxDecodeSize_; }
+    const std::string& SoPath() const { return soPath_; }
+    bool CloseQueryRunning() const { return closeQueryRunning_; }
+
+    // --- dock areas: "PageControl2" (left) and "PageControl1" (bottom)
+    // Docks a view into the named area (tabbed with the views already there); an empty site floats it.
+    void DockView(TDockableView& view, const std::string& site);
+    // The area holding the view, or empty when it floats.
+    std::string SiteOf(const TDockableView& view) const;
+    // Width of the left area or height of the bottom area: 0 when no visible view is docked there.
+    int DockAreaSize(const std::string& site) const;
+    void SaveViewPlacements();
+
+    // Asks every page's save question; false as soon as one answers Cancel.
+    bool CloseQuery();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void CreateMenus();
+    QAction* AddItem(QMenu* menu, const char* name, const char* caption, const char* shortcut);
+    void ConnectMenus();
+    void CreateDockAreas();
+    void RestoreViewPlacements();
+    void OnViewDocked(TDockableView& view, Qt::DockWidgetArea area);
+    void FirstShow();
+    void AddPage(TfrmEdit& page);
+    void RemovePage(TfrmEdit& page);
+    void OpenDecodedText(const std::string& textFile, const QString& error);
+    QList<TDockableView*> Views() const;
+
+    TfrmHelp* help_;                    // the help view, owned as a child
+    TfrmIffView* iff_;                  // the IFF view, owned as a child
+    TfrmOutput* output_;                // the output list, owned as a child
+    QTabWidget* editorTabs_;            // PageControlEditor: one tab per page
+    QLabel* panel0_;                    // status panel 0: free text
+    QLabel* panel1_;                    // status panel 1: caret line and column
+    QTimer* timer1_;                    // Timer1, 150 ms
+    TRegMru* mru_;                      // RegMru1: recently used files
+    QList<QPointer<TfrmEdit>> pages_;   // every page, in creation order
+    std::int32_t maxDecodeSize_ = 1024; // decode limit, read once at creation
+    std::string soPath_;                // the game folder, read at first show
+    int untitled_ = 0;                  // number of the next untitled page
+    bool firstShown_ = false;           // the first show has run
+    bool closeQueryRunning_ = false;    // the close query is asking
+};
+
+} // namespace velkor

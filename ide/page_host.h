@@ -1,0 +1,31 @@
+// What an editor page needs of the window that holds it.
+#pragma once
+
+#include <string>
+
+namespace velkor {
+
+class TfrmEdit;
+class TfrmHelp;
+class TfrmIffView;
+class TfrmOutput;
+
+class TPageHost {
+public:
+    virtual ~TPageHost() = default;
+
+    // Appends one line to the output list (the output callback of the compiler and the assembler).
+    virtual void Output(const std::string& line) = 0;
+    virtual TfrmOutput& OutputView() = 0;
+    virtual TfrmIffView& IffView() = 0;
+    virtual TfrmHelp& HelpView() = 0;
+    // The open procedure: opens (or activates) a file as a page; null when nothing was opened.
+    virtual TfrmEdit* OpenFile(const std::string& name, bool addToRecent) = 0;
+    virtual void AddRecent(const std::string& path) = 0;
+    // The number of the next untitled page; each call takes one.
+    virtual int TakeUntitledNumber() = 0;
+    // Closes the page when its save question allows it; true when it was closed.
+    virtual bool ClosePage(TfrmEdit& page) = 0;
+};
+
+} // namespace velkor

@@ -1,0 +1,76 @@
+#include "tests/ide/ide_test_support.h"
+
+#include "compiler/scanner.h"
+#include "platform/named_folders.h"
+
+#include <QApplication>
+#include <QDialog>
+
+#include <cstdlib>
+
+namespace velkor::test {
+
+void EnsureApplication() {
+    if (QApplication::instance()) return;
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    static int argc = 1;
+    static char name[] = "ide_tests";
+    static char* argv[] = {name, nullptr};
+    static QApplication app(argc, argv);
+}
+
+void IdeTest::SetUp() {
+    dir_ = std::make_unique<TempDir>();
+    setenv("VELKOR_INI", IniPath().c_str(), 1);
+    setenv("VELKOR_REGISTRY", RegistryPath().c_str(), 1);
+    setenv("WINEPREFIX", (dir_->path() / "wine").c_str(), 1);
+    ResetNamedFoldersForTesting();
+    EnsureApplication();
+    TDialogHooks& hooks = DialogHooks();
+    hooks.ShowMessage = [this](QWidget*, const QString& text) { messages_ << text; };
+    hooks.AskYesNoCancel = [this](QWidget*, const QString& text) {
+        questions_ << text;
+        if (answers_.empty()) return TMsgAnswer::Cancel;
+        const TMsgAnswer answer = answers_.front();
+        answers_.pop_front();
+        return answer;
+    };
+    hooks.OpenFile = [this](QWidget*, const TFileDialogRequest&) {
+        return openAnswers_.isEmpty() ? QString() : openAnswers_.takeFirst();
+    };
+    hooks.OpenFiles = [this](QWidget*, const TFileDialogRequest&) {
+        QStringList files = openAnswers_;
+        openAnswers_.clear();
+        return files;
+    };
+    hooks.SaveFile = [this](QWidget*, const TFileDialogRequest&) {
+        return saveAnswers_.isEmpty() ? QString() : saveAnswers_.takeFirst();
+    };
+    hooks.PickFolder = [](QWidget*, const QString&) { return QString(); };
+    hooks.AskInteger = [](QWidget*, const QString&, const QString&, int) -> std::optional<int> {
+        return std::nullopt;
+    };
+    hooks.ExecModal = [this](QDialog& dialog) {
+        ++modalDialogs_;
+        modalDialogNames_ << dialog.objectName();
+        return static_cast<int>(QDialog::Rejected);
+    };
+    hooks.OpenUrl = [this](const QString& url) { urls_ << url; };
+}
+
+void IdeTest::TearDown() {
+    ProcessEvents();
+    ResetDialogHooks();
+    SetScannerClass(ScannerClass::Standard);
+    unsetenv("VELKOR_INI");
+    unsetenv("VELKOR_REGISTRY");
+    dir_.reset();
+}
+
+void IdeTest::ProcessEvents() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+} // namespace velkor::test

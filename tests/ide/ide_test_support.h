@@ -1,0 +1,47 @@
+// Shared set-up of the IDE tests: one QApplication (offscreen unless a display is named), settings and
+// registry in temporary files, and every modal question answered by a stub that records it.
+#pragma once
+
+#include "ide/ide_dialogs.h"
+#include "tests/support/run_tool.h"
+
+#include <QStringList>
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace velkor::test {
+
+// Creates the application on first use.
+void EnsureApplication();
+
+class IdeTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // The settings file and registry store of this test.
+    std::filesystem::path IniPath() const { return dir_->path() / "velkor.ini"; }
+    std::filesystem::path RegistryPath() const { return dir_->path() / "registry.ini"; }
+    std::filesystem::path Dir() const { return dir_->path(); }
+    std::string Path(const std::string& name) const { return (dir_->path() / name).string(); }
+
+    // Lets events (deferred deletes, queued calls) run.
+    static void ProcessEvents();
+
+    std::unique_ptr<TempDir> dir_;   // everything the test writes
+    QStringList messages_;           // texts of ShowMessage
+    QStringList questions_;          // texts of AskYesNoCancel
+    std::deque<TMsgAnswer> answers_; // answers to give, in order; Cancel when none is left
+    QStringList openAnswers_;        // files the open dialog returns, one per call
+    QStringList saveAnswers_;        // files the save dialog returns, one per call
+    QStringList urls_;               // addresses handed to the desktop browser
+    int modalDialogs_ = 0;           // dialogs run modally
+    QStringList modalDialogNames_;   // their object names
+};
+
+} // namespace velkor::test

@@ -1,0 +1,309 @@
+// The main window: start-up, the open procedure, decoding on open, pages, the timer and closing.
+#include "compiler/scanner.h"
+#include "ide/edit_page.h"
+#include "ide/iff_decode.h"
+#include "ide/iff_view.h"
+#include "ide/main_window.h"
+#include "ide/output_view.h"
+#include "ide/reg_mru.h"
+#include "platform/ini_file.h"
+#include "tests/ide/ide_test_support.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QListWidget>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QTabWidget>
+#include <QThread>
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+namespace velkor::test {
+namespace {
+
+class MainWindowTest : public IdeTest {
+protected:
+    void SetUp() override {
+        IdeTest::SetUp();
+        // A configured game folder, so that the first show does not ask for one.
+        TIniFile(IniPath()).WriteString("main", "sopath", Dir().string());
+    }
+
+    QStringList Captions(const TfrmMain& window) const {
+        QStringList captions;
+        for (int i = 0; i < window.PageControlEditor()->count(); ++i)
+            captions << window.PageControlEditor()->tabText(i);
+        return captions;
+    }
+
+    std::string MakeFile(const std::string& name, const std::string& bytes) {
+        WriteFile(Dir() / name, bytes);
+        return Path(name);
+    }
+};
+
+TEST_F(MainWindowTest, StartsWithExactlyOneUntitledPageAndTheCaption) {
+    TfrmMain window({});
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("Velkor Console 3.0d (Compiler: 1.0 R24d)"));
+    ASSERT_EQ(window.Pages().size(), 1);
+    EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("Untitled0.pas"));
+    EXPECT_EQ(window.ActivePage()->FileName(), "Untitled0.pas");
+    EXPECT_FALSE(window.ActivePage()->Modified());
+    EXPECT_EQ(window.NewPage()->Caption(), QStringLiteral("Untitled1.pas"));
+    EXPECT_EQ(window.MaxDecodeSize(), 1024);
+}
+
+TEST_F(MainWindowTest, OpensEveryArgumentInOrderAndAddsThemToTheRecentList) {
+    const std::string a = MakeFile("Alpha.pas", "unit alpha;\r\n");
+    const std::string b = MakeFile("beta.pas", "unit beta;\n");
+    TfrmMain window({QString::fromStdString(a), QString::fromStdString(b)});
+    EXPECT_EQ(Captions(window), (QStringList{"Alpha.pas", "beta.pas"}));
+    EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("beta.pas"));
+    ASSERT_EQ(window.RegMru1().Items().size(), 2u);
+    EXPECT_EQ(window.RegMru1().Items()[0].Path, b);
+    EXPECT_EQ(window.RegMru1().Items()[1].Path, a);
+}
+
+TEST_F(MainWindowTest, AMissingArgumentOpensNothingSilently) {
+    TfrmMain window({QString::fromStdString(Path("missing.pas"))});
+    EXPECT_TRUE(window.Pages().isEmpty());
+    EXPECT_TRUE(messages_.isEmpty());
+    EXPECT_EQ(window.ActivePage(), nullptr);
+}
+
+TEST_F(MainWindowTest, OpenRules) {
+    const std::string file = MakeFile("Mission.pas", "mission m;\r\n");
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(file, true);
+    ASSERT_NE(page, nullptr);
+    ProcessEvents();
+    // The untouched empty page was replaced.
+    EXPECT_EQ(Captions(window), QStringList{"Mission.pas"});
+    EXPECT_EQ(page->Text(), QStringLiteral("mission m;\n"));
+    EXPECT_FALSE(page->Modified());
+
+    // An open file is activated, whatever the letter case of the name.
+    window.NewPage()->Memo()->SetText(QStringLiteral("x"));
+    EXPECT_EQ(window.OpenFile(Path("MISSION.PAS"), true), page);
+    EXPECT_EQ(window.ActivePage(), page);
+    EXPECT_EQ(window.Pages().size(), 2);
+
+    // A page with text is kept when another file opens.
+    const std::string other = MakeFile("other.pas", "");
+    window.OpenFile(other, false);
+    EXPECT_EQ(window.Pages().size(), 3);
+    // ...and an empty opened file is itself replaced by the next. Every page made takes a number.
+    window.OpenFile(file, false);
+    ProcessEvents();
+    EXPECT_EQ(Captions(window), (QStringList{"Mission.pas", "Untitled2.pas"}));
+}
+
+TEST_F(MainWindowTest, OpenWithoutANameAsksAndRemembersTheFolder) {
+    const std::string file = MakeFile("asked.pas", "unit asked;");
+    TfrmMain window({});
+    openAnswers_ << QString::fromStdString(file);
+    ASSERT_NE(window.OpenFile("", true), nullptr);
+    EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("asked.pas"));
+    EXPECT_EQ(TIniFile(IniPath()).ReadString("editor", "DirLoad", ""), Dir().string());
+    // A cancelled dialog opens nothing.
+    EXPECT_EQ(window.OpenFile("", true), nullptr);
+    EXPECT_EQ(window.Pages().size(), 1);
+}
+
+TEST_F(MainWindowTest, ShortFilesAreTextAndFormFilesAreDecodedInline) {
+    std::vector<std::string> decoded;
+    SetDecodeFunctionForTesting([&](const std::string& in, const std::string& out, std::int32_t limit) {
+        decoded.push_back(in + "|" + std::to_string(limit));
+        WriteFile(out, "IFF \"x\"\r\n{\r\n}\r\n");
+    });
+    TIniFile(IniPath()).WriteInteger("iffd", "maxdecodesize", 77);
+    const std::string shortFile = MakeFile("short.iff", "FOR");
+    const std::string iff = MakeFile("Ship.iff", std::string("FORM\0\0\0\4TEST", 12));
+    TfrmMain window({QString::fromStdString(shortFile), QString::fromStdString(iff)});
+    ASSERT_EQ(decoded.size(), 1u);
+    EXPECT_EQ(decoded[0], iff + "|77");
+    EXPECT_EQ(Captions(window), (QStringList{"short.iff", "Ship.iff.pas"}));
+    TfrmEdit* page = window.ActivePage();
+    EXPECT_TRUE(page->Modified());
+    EXPECT_EQ(page->Text(), QStringLiteral("IFF \"x\"\n{\n}\n"));
+    // The text file is gone, so Save asks for a name.
+    EXPECT_FALSE(std::filesystem::exists(iff + ".pas"));
+    // The decoded text is not a recent file; the IFF file itself is not either.
+    ASSERT_EQ(window.RegMru1().Items().size(), 1u);
+    EXPECT_EQ(window.RegMru1().Items()[0].Path, shortFile);
+    SetDecodeFunctionForTesting({});
+}
+
+TEST_F(MainWindowTest, ADecoderFailureIsShownAndOpensNothing) {
+    SetDecodeFunctionForTesting([](const std::string&, const std::string& out, std::int32_t) {
+        WriteFile(out, "partial");
+        throw Exception("TIffReader: Read beyond end of chunk!");
+    });
+    const std::string iff = MakeFile("bad.mis", "FORMxxxx");
+    TfrmMain window({});
+    EXPECT_EQ(window.OpenFile(iff, true), nullptr);
+    EXPECT_EQ(messages_, QStringList{"TIffReader: Read beyond end of chunk!"});
+    EXPECT_FALSE(std::filesystem::exists(iff + ".pas"));
+    EXPECT_EQ(Captions(window), QStringList{"Untitled0.pas"});
+    SetDecodeFunctionForTesting({});
+}
+
+TEST_F(MainWindowTest, DecodeInAThreadOpensThePageWhenDone) {
+    std::thread::id decoderThread;
+    SetDecodeFunctionForTesting([&](const std::string&, const std::string& out, std::int32_t) {
+        decoderThread = std::this_thread::get_id();
+        WriteFile(out, "decoded");
+    });
+    TIniFile(IniPath()).WriteBool("iffd", "UseSeparateThread", true);
+    const std::string iff = MakeFile("a.sec", "FORM....");
+    TfrmMain window({});
+    EXPECT_EQ(window.DecodeFile(iff), nullptr);
+    QElapsedTimer clock;
+    clock.start();
+    while (window.ActivePage()->Caption() != QStringLiteral("a.sec.pas") && clock.elapsed() < 5000) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    ASSERT_EQ(window.ActivePage()->Caption(), QStringLiteral("a.sec.pas"));
+    EXPECT_NE(decoderThread, std::this_thread::get_id());
+    EXPECT_TRUE(window.ActivePage()->Modified());
+    EXPECT_EQ(window.ActivePage()->Text(), QStringLiteral("decoded"));
+    EXPECT_FALSE(std::filesystem::exists(iff + ".pas"));
+    SetDecodeFunctionForTesting({});
+}
+
+TEST_F(MainWindowTest, DecodeDialogDecodesEveryFileAndRemembersTheFirstFolder) {
+    SetDecodeFunctionForTesting([](const std::string& in, const std::string& out, std::int32_t) {
+        WriteFile(out, std::filesystem::path(in).filename().string());
+    });
+    std::filesystem::create_directories(Dir() / "sub");
+    const std::string a = MakeFile("sub/one.iff", "FORM");
+    const std::string b = MakeFile("two.iff", "FORM");
+    TfrmMain window({});
+    openAnswers_ << QString::fromStdString(a) << QString::fromStdString(b);
+    window.DecodeDialog();
+    ProcessEvents();
+    EXPECT_EQ(Captions(window), (QStringList{"one.iff.pas", "two.iff.pas"}));
+    EXPECT_EQ(TIniFile(IniPath()).ReadString("main", "DirDecodeIff", ""), (Dir() / "sub").string());
+    SetDecodeFunctionForTesting({});
+}
+
+TEST_F(MainWindowTest, TimerShowsTheCaretInTheStatusBarAndTheIffCaption) {
+    TfrmMain window({});
+    window.ActivePage()->Memo()->SetText(QStringLiteral("abc\ndef"));
+    window.ActivePage()->Memo()->SetCaret(1, 2);
+    window.IffView().SetText(QStringLiteral("IFF\n\tFORM"));
+    QTextCursor cursor = window.IffView().MemoIff()->textCursor();
+    cursor.setPosition(6); // line 2, after the tab and "F"
+    window.IffView().MemoIff()->setTextCursor(cursor);
+    window.TimerTick();
+    EXPECT_EQ(window.StatusPanelText(1), QStringLiteral("2:3"));
+    EXPECT_EQ(window.IffView().windowTitle(), QStringLiteral("Iff [2:3]"));
+}
+
+TEST_F(MainWindowTest, SaveAllAndCloseAll) {
+    const std::string a = MakeFile("a.pas", "a");
+    const std::string b = MakeFile("b.pas", "b");
+    TfrmMain window({QString::fromStdString(a), QString::fromStdString(b)});
+    for (TfrmEdit* page : window.Pages()) page->Memo()->SetText(page->Text() + QStringLiteral("!"));
+    window.SaveAll();
+    EXPECT_EQ(ReadFile(a), "a!");
+    EXPECT_EQ(ReadFile(b), "b!");
+    window.Pages()[0]->Memo()->SetText(QStringLiteral("changed"));
+    answers_ = {TMsgAnswer::Cancel};
+    window.CloseAll();
+    ProcessEvents();
+    // Closed from the last page to the first; the modified first page refused.
+    EXPECT_EQ(questions_, QStringList{QString::fromStdString("Save changes to " + a + "?")});
+    EXPECT_EQ(Captions(window), QStringList{"a.pas"});
+}
+
+TEST_F(MainWindowTest, CloseQueryAsksEveryModifiedPageAndCancelKeepsTheWindow) {
+    const std::string a = MakeFile("a.pas", "a");
+    TfrmMain window({QString::fromStdString(a)});
+    window.NewPage()->Memo()->SetText(QStringLiteral("new text"));
+    window.Pages()[0]->Memo()->SetText(QStringLiteral("edited"));
+    window.show();
+    answers_ = {TMsgAnswer::No, TMsgAnswer::Cancel};
+    EXPECT_FALSE(window.close());
+    EXPECT_EQ(questions_, (QStringList{QString::fromStdString("Save changes to " + a + "?"),
+                                       QStringLiteral("Save changes to Untitled1.pas?")}));
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_FALSE(TIniFile(IniPath()).ValueExists("main", "pheigth"));
+
+    // Yes saves; a page without a file asks for a name, and a cancelled name refuses too.
+    questions_.clear();
+    answers_ = {TMsgAnswer::Yes, TMsgAnswer::Yes};
+    EXPECT_FALSE(window.close());
+    EXPECT_EQ(ReadFile(a), "edited");
+    EXPECT_EQ(questions_.size(), 2);
+
+    answers_ = {TMsgAnswer::No};
+    EXPECT_TRUE(window.close());
+    EXPECT_FALSE(window.CloseQueryRunning());
+    const TIniFile ini(IniPath());
+    EXPECT_TRUE(ini.ValueExists("main", "pheigth"));
+    EXPECT_TRUE(ini.ValueExists("frmMain", "WindowState"));
+    EXPECT_EQ(ini.ReadString("frmOutput", "site", "?"), "PageControl1");
+}
+
+TEST_F(MainWindowTest, FirstShowAsksForTheGameFolderOnlyWhenItIsEmpty) {
+    {
+        TfrmMain window({});
+        window.show();
+        EXPECT_EQ(modalDialogs_, 0);
+        EXPECT_EQ(window.SoPath(), Dir().string());
+        window.ActivePage()->SetModified(false);
+    }
+    TIniFile(IniPath()).WriteString("main", "sopath", "");
+    TfrmMain window({});
+    window.show();
+    EXPECT_EQ(modalDialogNames_, QStringList{"frmSettings"});
+    window.show();
+    EXPECT_EQ(modalDialogs_, 1);
+}
+
+TEST_F(MainWindowTest, FirstShowSelectsTheScannerAndLoadsExtensions) {
+    TIniFile ini(IniPath());
+    ini.WriteBool("compiler", "fast_scanner", true);
+    ini.WriteString("autoloadext", Path("nothere.so"), "1");
+    ini.WriteString("autoloadext", Path("nor_this.so"), "1");
+    TfrmMain window({});
+    window.show();
+    EXPECT_EQ(GetScannerClass(), ScannerClass::Fast);
+    EXPECT_EQ(
+        messages_,
+        (QStringList{
+            QString::fromStdString("Could not load library \"" + Path("nothere.so") + "\": not found!"),
+            QString::fromStdString("Could not load library \"" + Path("nor_this.so") + "\": not found!")}));
+}
+
+TEST_F(MainWindowTest, OutputCallbackAppendsAndSelectsTheLine) {
+    TfrmMain window({});
+    window.Output("first");
+    window.Output("second");
+    EXPECT_EQ(window.OutputView().Lines(), (QStringList{"first", "second"}));
+    EXPECT_EQ(window.OutputView().ListBox1()->currentRow(), 1);
+    EXPECT_EQ(TfrmMain::Instance(), &window);
+}
+
+TEST_F(MainWindowTest, RecentFilesComeFromTheRegistryAndReopen) {
+    const std::string file = MakeFile("old.pas", "unit old;");
+    {
+        TfrmMain window({QString::fromStdString(file)});
+        window.ActivePage()->SetModified(false);
+    }
+    TfrmMain window({});
+    ASSERT_EQ(window.RegMru1().Items().size(), 1u);
+    QMenu* reopen = window.MenuItem(QStringLiteral("MenuFileReopen"))->menu();
+    ASSERT_EQ(reopen->actions().size(), 1);
+    reopen->actions()[0]->trigger();
+    ProcessEvents();
+    EXPECT_EQ(Captions(window), QStringList{"old.pas"});
+}
+
+} // namespace
+} // namespace velkor::test

@@ -1,0 +1,156 @@
+// The tool views and their placement: docking, the saved layout, help pages and the output list.
+#include "ide/edit_page.h"
+#include "ide/help_view.h"
+#include "ide/iff_view.h"
+#include "ide/main_window.h"
+#include "ide/output_view.h"
+#include "ide/window_placement.h"
+#include "platform/ini_file.h"
+#include "tests/ide/ide_test_support.h"
+
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QTextBrowser>
+
+namespace velkor::test {
+namespace {
+
+class ViewsTest : public IdeTest {
+protected:
+    void SetUp() override {
+        IdeTest::SetUp();
+        TIniFile(IniPath()).WriteString("main", "sopath", "/so");
+    }
+};
+
+TEST_F(ViewsTest, ViewsStartDockedAtTheBottomWithTheirCaptions) {
+    TfrmMain window({});
+    window.show();
+    EXPECT_EQ(window.OutputView().windowTitle(), QStringLiteral("Output"));
+    EXPECT_EQ(window.HelpView().windowTitle(), QStringLiteral("Help"));
+    EXPECT_EQ(window.SiteOf(window.OutputView()), "PageControl1");
+    EXPECT_EQ(window.SiteOf(window.IffView()), "PageControl1");
+    EXPECT_GE(window.DockAreaSize("PageControl1"), 20);
+    EXPECT_EQ(window.DockAreaSize("PageControl2"), 0);
+}
+
+TEST_F(ViewsTest, DockPlacementRoundTrip) {
+    {
+        TfrmMain window({});
+        window.show();
+        window.DockView(window.HelpView(), "PageControl2");
+        window.DockView(window.IffView(), "");
+        window.IffView().setGeometry(50, 60, 300, 200);
+        window.OutputView().hide();
+        EXPECT_GE(window.DockAreaSize("PageControl2"), 20);
+        window.ActivePage()->SetModified(false);
+        EXPECT_TRUE(window.close());
+    }
+    const TIniFile ini(IniPath());
+    EXPECT_EQ(ini.ReadString("frmHelp", "site", "?"), "PageControl2");
+    EXPECT_EQ(ini.ReadString("frmIffView", "site", "?"), "");
+    EXPECT_EQ(ini.ReadString("frmIffView", "width", ""), "300");
+    EXPECT_EQ(ini.ReadString("frmIffView", "height", ""), "200");
+    EXPECT_EQ(ini.ReadString("frmIffView", "windowstate", ""), "0");
+    EXPECT_EQ(ini.ReadString("frmOutput", "visible", ""), "0");
+    EXPECT_EQ(ini.ReadString("frmOutput", "site", "?"), "PageControl1");
+    EXPECT_EQ(ini.ReadString("main", "pheigth", "?"), "0");
+
+    TfrmMain window({});
+    window.show();
+    EXPECT_EQ(window.SiteOf(window.HelpView()), "PageControl2");
+    EXPECT_TRUE(window.IffView().isFloating());
+    EXPECT_EQ(window.IffView().width(), 300);
+    EXPECT_EQ(window.IffView().height(), 200);
+    EXPECT_TRUE(window.OutputView().isHidden());
+    EXPECT_FALSE(window.HelpView().isHidden());
+}
+
+TEST_F(ViewsTest, AViewSavedFloatingAndInvisibleStartsSo) {
+    TDockPlacement placement;
+    placement.Site = "";
+    placement.Visible = false;
+    placement.Width = 200;
+    placement.Height = 100;
+    WriteDockPlacement("frmOutput", placement);
+    TfrmMain window({});
+    window.show();
+    EXPECT_TRUE(window.OutputView().isFloating());
+    EXPECT_TRUE(window.OutputView().isHidden());
+    window.OutputView().BringToFront();
+    EXPECT_FALSE(window.OutputView().isHidden());
+}
+
+TEST_F(ViewsTest, MainWindowPlacementRoundTrip) {
+    {
+        TfrmMain window({});
+        window.show();
+        window.resize(640, 480);
+        window.ActivePage()->SetModified(false);
+        window.close();
+    }
+    const TIniFile ini(IniPath());
+    EXPECT_EQ(ini.ReadInteger("frmMain", "WindowState", -1), 0);
+    EXPECT_EQ(ini.ReadInteger("frmMain", "Width", -1), 640);
+    EXPECT_EQ(ini.ReadInteger("frmMain", "Height", -1), 480);
+    TIniFile(IniPath()).WriteInteger("frmMain", "Width", 700);
+    TfrmMain window({});
+    window.show();
+    EXPECT_EQ(window.width(), 700);
+    EXPECT_EQ(window.height(), 480);
+
+    TIniFile(IniPath()).WriteInteger("frmMain", "WindowState", 2);
+    TfrmMain maximised({});
+    maximised.show();
+    EXPECT_TRUE(maximised.windowState() & Qt::WindowMaximized);
+}
+
+TEST_F(ViewsTest, HelpPagesComeFromTheRoot) {
+    std::filesystem::create_directories(Dir() / "help" / "help");
+    WriteFile(Dir() / "help" / "index.html", "<html><body><h1>Language</h1></body></html>");
+    WriteFile(Dir() / "help" / "help" / "begin.html", "<html><body>begin</body></html>");
+    TIniFile(IniPath()).WriteString("help", "root", (Dir() / "help").string());
+    TfrmMain window({});
+    EXPECT_EQ(window.HelpView().HelpRoot(), (Dir() / "help").string() + "/");
+    window.HelpView().hide();
+    window.MenuItem(QStringLiteral("MenuHelpLanguage"))->trigger();
+    EXPECT_FALSE(window.HelpView().isHidden());
+    EXPECT_EQ(window.HelpView().CurrentPage(), Path("help/index.html"));
+    EXPECT_TRUE(window.HelpView().Browser()->toPlainText().contains(QStringLiteral("Language")));
+    // Topics are looked up without regard to case.
+    window.HelpView().ShowTopic("BEGIN");
+    EXPECT_EQ(window.HelpView().CurrentPage(), Path("help/help/begin.html"));
+    window.HelpView().ShowTopic("nosuchword");
+    EXPECT_TRUE(window.HelpView().Browser()->toPlainText().contains(QStringLiteral("help/nosuchword.html")));
+    EXPECT_TRUE(urls_.isEmpty());
+}
+
+TEST_F(ViewsTest, AWebHelpRootOpensTheBrowser) {
+    TIniFile(IniPath()).WriteString("help", "root", "https://example.org/velkor/");
+    TfrmMain window({});
+    window.MenuItem(QStringLiteral("MenuHelpProperties"))->trigger();
+    window.HelpView().ShowTopic("while");
+    EXPECT_EQ(urls_, (QStringList{"https://example.org/velkor/props.html",
+                                  "https://example.org/velkor/help/while.html"}));
+}
+
+TEST_F(ViewsTest, TheShippedHelpPagesExist) {
+    const std::string root = DefaultHelpRoot();
+    for (const char* page : {"index.html", "objects.html", "props.html", "func.html"})
+        EXPECT_TRUE(std::filesystem::exists(root + page)) << root + page;
+}
+
+TEST_F(ViewsTest, OutputListAndIffViewBasics) {
+    TfrmMain window({});
+    TfrmOutput& output = window.OutputView();
+    for (int i = 0; i < 200; ++i) output.AppendLine(QStringLiteral("line %1").arg(i));
+    EXPECT_EQ(output.ListBox1()->currentRow(), 199);
+    output.Clear();
+    EXPECT_TRUE(output.Lines().isEmpty());
+    // A tab stop of two dialog units: half an average character.
+    QPlainTextEdit* memo = window.IffView().MemoIff();
+    EXPECT_NEAR(memo->tabStopDistance(), QFontMetricsF(memo->font()).averageCharWidth() / 2.0, 0.01);
+}
+
+} // namespace
+} // namespace velkor::test
