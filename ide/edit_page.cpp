@@ -75,6 +75,17 @@ constexpr ContextItemText kContextItems[] = {
 
 } // namespace
 
+TCompileSettings ReadCompileSettings() {
+    const TIniFile ini = IdeIni();
+    TCompileSettings settings;
+    settings.Optimize = ini.ReadBool("compiler", "optimization", false);
+    settings.HaltOnError = ini.ReadBool("compiler", "haltonerror", true);
+    const std::int32_t verbosity = ini.ReadInteger("compiler", "verbosity", 1);
+    if (verbosity < 0 || verbosity > 255) throw ERangeError();
+    settings.Verbosity = static_cast<std::uint8_t>(verbosity);
+    return settings;
+}
+
 TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
     : QWidget(parent), host_(host), memo_(new TPageEditor(this)), popup_(new QMenu(this)) {
     setObjectName(QStringLiteral("frmEdit"));
@@ -256,12 +267,10 @@ bool TfrmEdit::Compile() {
     compiler.PlaceOutputFile = [](const std::string& name) { return PlaceBuiltFile(name); };
     try {
         compiler.SetSource(NormaliseLineBreaks(FromQ(memo_->Text())));
-        const TIniFile ini = IdeIni();
-        compiler.Optimize = ini.ReadBool("compiler", "optimization", false);
-        compiler.HaltOnError = ini.ReadBool("compiler", "haltonerror", true);
-        const std::int32_t verbosity = ini.ReadInteger("compiler", "verbosity", 1);
-        if (verbosity < 0 || verbosity > 255) throw ERangeError();
-        compiler.Verbosity = static_cast<std::uint8_t>(verbosity);
+        const TCompileSettings settings = ReadCompileSettings();
+        compiler.Optimize = settings.Optimize;
+        compiler.HaltOnError = settings.HaltOnError;
+        compiler.Verbosity = settings.Verbosity;
         const std::string folder = FolderOf(fileName_);
         if (!folder.empty()) compiler.AddToSearchPath(folder);
         compiler.AddToSearchPath("$compiler$\\lib");

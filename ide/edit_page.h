@@ -6,7 +6,7 @@
 
 #include <QWidget>
 
-#include <map>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -105,6 +105,15 @@ private:
     std::shared_ptr<TSymbolTable> symbols_; // symbols of the last successful compile
     std::string searchPathText_;            // its search paths, one per line
 };
+
+// The compiler options of section "compiler" as a compile reads them (defaults: verbosity 1, no optimiser,
+// halt on errors). A verbosity outside 0..255 throws ERangeError.
+struct TCompileSettings {
+    std::uint8_t Verbosity = 1; // message level
+    bool Optimize = false;      // run the optimiser
+    bool HaltOnError = true;    // stop at the first error
+};
+TCompileSettings ReadCompileSettings();
 
 // "Pascal File (*.pas)|*.pas|Text File (*.txt)|*.txt"
 extern const char* const kSourceFileFilter;
