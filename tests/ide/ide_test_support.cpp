@@ -11,12 +11,8 @@
 namespace velkor::test {
 
 void EnsureApplication() {
-    if (QApplication::instance()) return;
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "ide_tests";
-    static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
+    // main() below made it; the application must outlive every test and go before static destructors.
+    ASSERT_NE(QApplication::instance(), nullptr);
 }
 
 void IdeTest::SetUp() {
@@ -74,3 +70,12 @@ void IdeTest::ProcessEvents() {
 }
 
 } // namespace velkor::test
+
+// This main replaces GoogleTest's: the application lives on main's stack, so it is gone before the
+// toolkit's own globals are torn down at exit.
+int main(int argc, char** argv) {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -16,7 +16,7 @@
 
 namespace velkor::test {
 
-// Creates the application on first use.
+// The application exists (made by the test program's main).
 void EnsureApplication();
 
 class IdeTest : public ::testing::Test {
