@@ -99,6 +99,7 @@ TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
     paramHints_ = !ini.ReadBool("editor", "disable_paramhint", false);
     noIntelligence_ = ini.ReadBool("editor", "disable_intelligence", false);
     BuildContextMenu();
+    connect(memo_, &TPageEditor::GotoRequested, this, [this](bool) { GotoLine(); });
     memo_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(memo_, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
         RefreshContextMenu();
@@ -155,9 +156,20 @@ void TfrmEdit::RefreshContextMenu() {
     ContextItem(QStringLiteral("ContextUndo"))->setEnabled(memo_->isUndoAvailable());
     ContextItem(QStringLiteral("ContextCut"))->setEnabled(selected && !memo_->isReadOnly());
     ContextItem(QStringLiteral("ContextCopy"))->setEnabled(selected);
-    ContextItem(QStringLiteral("ContextPaste"))->setEnabled(memo_->canPaste());
+    ContextItem(QStringLiteral("ContextPaste"))
+        ->setEnabled(memo_->SendScintilla(QsciScintillaBase::SCI_CANPASTE) != 0);
     ContextItem(QStringLiteral("ContextDelete"))->setEnabled(selected && !memo_->isReadOnly());
     ContextItem(QStringLiteral("ContextSelectAll"))->setEnabled(!memo_->Text().isEmpty());
+}
+
+void TfrmEdit::SetModified(bool modified) {
+    if (!modified || memo_->Modified()) {
+        memo_->SetModified(modified);
+        return;
+    }
+    const long end = memo_->SendScintilla(QsciScintillaBase::SCI_GETLENGTH);
+    memo_->SendScintilla(QsciScintillaBase::SCI_APPENDTEXT, 1UL, " ");
+    memo_->SendScintilla(QsciScintillaBase::SCI_DELETERANGE, static_cast<unsigned long>(end), 1L);
 }
 
 std::string TfrmEdit::FileNameKey() const {

@@ -36,7 +36,8 @@ public:
     TPageEditor* Memo() const { return memo_; }
     QString Text() const { return memo_->Text(); }
     bool Modified() const { return memo_->Modified(); }
-    void SetModified(bool modified) { memo_->SetModified(modified); }
+    // The editor cannot simply be told it is modified; marking it so makes an edit that changes nothing.
+    void SetModified(bool modified);
     QString WordAtCursor() const { return memo_->WordAtCursor(); }
 
     // An empty name asks with the open dialog. False when the dialog was cancelled or the file is

@@ -83,7 +83,7 @@ TEST_F(MainWindowTest, OpenRules) {
     ProcessEvents();
     // The untouched empty page was replaced.
     EXPECT_EQ(Captions(window), QStringList{"Mission.pas"});
-    EXPECT_EQ(page->Text(), QStringLiteral("mission m;\n"));
+    EXPECT_EQ(page->Text(), QStringLiteral("mission m;\r\n")); // the file's own line breaks
     EXPECT_FALSE(page->Modified());
 
     // An open file is activated, whatever the letter case of the name.
@@ -129,7 +129,7 @@ TEST_F(MainWindowTest, ShortFilesAreTextAndFormFilesAreDecodedInline) {
     EXPECT_EQ(Captions(window), (QStringList{"short.iff", "Ship.iff.pas"}));
     TfrmEdit* page = window.ActivePage();
     EXPECT_TRUE(page->Modified());
-    EXPECT_EQ(page->Text(), QStringLiteral("IFF \"x\"\n{\n}\n"));
+    EXPECT_EQ(page->Text(), QStringLiteral("IFF \"x\"\r\n{\r\n}\r\n"));
     // The text file is gone, so Save asks for a name.
     EXPECT_FALSE(std::filesystem::exists(iff + ".pas"));
     // The decoded text is not a recent file; the IFF file itself is not either.

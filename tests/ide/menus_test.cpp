@@ -142,7 +142,7 @@ TEST_F(MenusTest, EditMenuFollowsThePageContextItems) {
     EXPECT_EQ(enabled("MenuEditPaste"),
               window.ActivePage()->ContextItem(QStringLiteral("ContextPaste"))->isEnabled());
 
-    window.ActivePage()->Memo()->insertPlainText(QStringLiteral("hello world"));
+    window.ActivePage()->Memo()->insert(QStringLiteral("hello world"));
     window.ActivePage()->Memo()->selectAll();
     window.UpdateEditMenu();
     EXPECT_TRUE(enabled("MenuEditUndo"));
