@@ -1,12 +1,67 @@
+// velkorc decode: binary IFF files into textual IFF, several files at once on all cores.
 #include "cli/cli.h"
+#include "iff/iff_decoder.h"
+#include "platform/path_resolver.h"
 
-#include <iostream>
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
 
 namespace velkor::cli {
 
-int RunDecode(const Options&) {
-    std::cerr << "velkorc: the decode command is not available yet\n";
-    return kExitUsage;
+namespace {
+
+// Every decode takes one of the reader's 32 slots while it scans; stay well below that.
+constexpr unsigned kMaxWorkers = 16;
+
+std::filesystem::path OutputFor(const Options& options, const std::string& input) {
+    if (!options.output.empty()) return ResolvePath(options.output);
+    const std::optional<std::filesystem::path> found = FindExisting(input);
+    std::filesystem::path out = found ? *found : ToNativePath(input);
+    out += ".pas";
+    return out;
+}
+
+// The failure message of one file, empty when it was decoded.
+std::string DecodeOne(const Options& options, const std::string& input) {
+    try {
+        DecodeOptions decodeOptions;
+        decodeOptions.exactFloats = options.exactFloats;
+        Decode(input, OutputFor(options, input), options.maxDecodeSize, decodeOptions);
+        return {};
+    } catch (const std::exception& e) {
+        return e.what();
+    }
+}
+
+} // namespace
+
+int RunDecode(const Options& options) {
+    const std::size_t count = options.files.size();
+    std::vector<std::string> failures(count);
+    std::atomic<std::size_t> next{0};
+    auto work = [&] {
+        for (std::size_t i = next++; i < count; i = next++)
+            failures[i] = DecodeOne(options, options.files[i]);
+    };
+    const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
+    const auto workers = static_cast<unsigned>(std::min<std::size_t>({count, cores, kMaxWorkers}));
+    {
+        std::vector<std::jthread> pool;
+        for (unsigned w = 1; w < workers; ++w) pool.emplace_back(work);
+        work();
+    }
+    int status = kExitOk;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (failures[i].empty()) continue;
+        PrintMessage("velkorc: " + options.files[i] + ": " + failures[i]);
+        status = kExitUsage;
+    }
+    return status;
 }
 
 } // namespace velkor::cli

@@ -1,0 +1,238 @@
+#include "iff/iff_decoder.h"
+
+#include "iff/iff_compiler.h"
+#include "iff/iff_reader.h"
+#include "iff/record_decoder.h"
+#include "iff/value_lines.h"
+#include "platform/numbers.h"
+#include "platform/path_resolver.h"
+#include "platform/text_file.h"
+
+namespace velkor {
+
+namespace {
+
+// Indentation stops growing here, so that deeply nested input cannot make the text grow with the square
+// of its depth.
+constexpr std::size_t kMaxIndentLevels = 32;
+
+std::uint32_t BigEndian(std::span<const std::uint8_t> b, std::size_t at) {
+    return (std::uint32_t{b[at]} << 24) | (std::uint32_t{b[at + 1]} << 16) | (std::uint32_t{b[at + 2]} << 8) |
+           std::uint32_t{b[at + 3]};
+}
+
+std::string_view Chars(std::span<const std::uint8_t> b, std::size_t at, std::size_t count) {
+    return {reinterpret_cast<const char*>(b.data()) + at, count};
+}
+
+// A form type that cannot be quoted, made quotable for the one form that has no parent to hold it raw.
+std::string QuotableId(std::string_view id) {
+    std::string out(id);
+    for (char& c : out) {
+        const auto u = static_cast<unsigned char>(c);
+        if (u < 0x20 || u > 0x7E || c == '"' || c == '/') c = '_';
+    }
+    return out;
+}
+
+// The reader indexed every chunk it found; one that runs past the data is reported with its message.
+void CheckChunksInside(const TIffReader& reader) {
+    std::vector<const TForm*> pending{&reader.Root()};
+    while (!pending.empty()) {
+        const TForm* form = pending.back();
+        pending.pop_back();
+        for (const auto& chunk : form->Chunks) reader.ChunkData(*chunk);
+        for (const auto& child : form->Forms) pending.push_back(child.get());
+    }
+}
+
+class Walk {
+public:
+    Walk(std::span<const std::uint8_t> bytes, std::string_view fileName, std::int64_t limit,
+         const DecodeOptions& options)
+        : bytes_(bytes), name_(SafeFileName(FileNamePart(fileName))), limit_(limit), options_(options),
+          blanks_(2 * (kMaxIndentLevels + 1), ' ') {}
+
+    DecodedIff Run() {
+        // The reader has read a whole FORM header, or a chunk header when the data starts with a chunk.
+        if (Chars(bytes_, 0, 4) != "FORM")
+            throw EIffDecoder("TIffDecoder: " + name_ + " does not start with a FORM!");
+        const std::string_view type = Chars(bytes_, 8, 4);
+        const std::int64_t end = 8 + std::int64_t{BigEndian(bytes_, 4)};
+        if (end > static_cast<std::int64_t>(bytes_.size()))
+            throw EIffReader("TIffReader: Form (" + std::string(type) + ") at offset 00000000" +
+                             " runs past the end of the data!");
+        // The text can only give the form the size of its items, and no bytes behind it.
+        const std::int64_t rootEnd = std::max<std::int64_t>(end, 12);
+        if (end < 12 || rootEnd < static_cast<std::int64_t>(bytes_.size())) result_.lossless = false;
+        if (!IsWritableId(type)) result_.lossless = false;
+
+        Line(0, "IFF \"" + name_ + "\"");
+        Line(0, "{");
+        OpenForm(IsWritableId(type) ? std::string(type) : QuotableId(type), rootEnd);
+        pos_ = 12;
+        Items();
+        Line(0, "}");
+        return std::move(result_);
+    }
+
+private:
+    struct Frame {
+        std::int64_t end; // offset just behind the form's last byte
+        std::string type; // the form type
+        bool insideShip;  // this form or one above is a SHIP, CAPS or CMIS
+    };
+
+    std::string_view Indent(std::size_t level) const {
+        return std::string_view(blanks_).substr(0, 2 * std::min(level, kMaxIndentLevels));
+    }
+    void Line(std::size_t level, std::string_view text) {
+        result_.text += Indent(level);
+        result_.text += text;
+        result_.text += "\r\n";
+    }
+
+    void OpenForm(std::string type, std::int64_t end) {
+        const std::size_t level = frames_.size() + 1;
+        Line(level, "FORM \"" + type + "\"");
+        Line(level, "{");
+        const bool ship = IsShipForm(type) || (!frames_.empty() && frames_.back().insideShip);
+        frames_.push_back({end, std::move(type), ship});
+    }
+
+    // Every item in file order, each inside the form whose true size holds it.
+    void Items() {
+        while (!frames_.empty()) {
+            const Frame& form = frames_.back();
+            if (pos_ >= form.end) {
+                Line(frames_.size(), "}");
+                frames_.pop_back();
+                continue;
+            }
+            const std::int64_t left = form.end - pos_;
+            if (left < 8) {
+                Raw(pos_, form.end);
+                continue;
+            }
+            const auto at = static_cast<std::size_t>(pos_);
+            const std::string_view id = Chars(bytes_, at, 4);
+            const std::int64_t size = BigEndian(bytes_, at + 4);
+            if (id == "FORM") {
+                if (size < 4 || size > left - 8) {
+                    Raw(pos_, form.end); // a size its parent cannot hold: the rest of the parent as it is
+                } else if (frames_.size() >= static_cast<std::size_t>(TIffCompiler::kMaxNesting) ||
+                           !IsWritableId(Chars(bytes_, at + 8, 4))) {
+                    Raw(pos_, pos_ + 8 + size);
+                } else {
+                    OpenForm(std::string(Chars(bytes_, at + 8, 4)), pos_ + 8 + size);
+                    pos_ += 12;
+                }
+                continue;
+            }
+            const std::int64_t padded = size + (size & 1);
+            if (padded > left - 8) {
+                Raw(pos_, form.end);
+            } else if ((size & 1) && bytes_[at + 8 + static_cast<std::size_t>(size)] != 0) {
+                Raw(pos_, pos_ + 8 + padded); // the writer's pad byte is always zero
+            } else if (!IsWritableId(id) && IdValue(id) == kUnwritableInteger) {
+                Raw(pos_, pos_ + 8 + padded);
+            } else {
+                Chunk(id, size);
+                pos_ += 8 + padded;
+            }
+        }
+    }
+
+    void Chunk(std::string_view id, std::int64_t size) {
+        const std::size_t level = frames_.size() + 1;
+        if (IsWritableId(id))
+            Line(level, "CHUNK \"" + std::string(id) + "\"");
+        else
+            Line(level, "CHUNK $" + IntToHex(IdValue(id), 8));
+        Line(level, "{");
+        const auto data = bytes_.subspan(static_cast<std::size_t>(pos_) + 8, static_cast<std::size_t>(size));
+        const std::string_view indent = Indent(level + 1);
+        if (size > limit_) {
+            SideFileLines(level + 1, id, pos_, data);
+        } else if (const RecordLayout* layout = FindSpecialDecoder(Place(id))) {
+            if (!WriteRecords(result_.text, indent, data, *layout, options_.exactFloats))
+                result_.lossless = false;
+        } else {
+            WriteByteRows(result_.text, indent, data);
+        }
+        Line(level, "}");
+    }
+
+    ChunkPlace Place(std::string_view id) const {
+        ChunkPlace place;
+        place.id = id;
+        place.parent = frames_.back().type;
+        if (frames_.size() > 1) place.grandparent = frames_[frames_.size() - 2].type;
+        place.insideShip = frames_.back().insideShip;
+        return place;
+    }
+
+    // Bytes the text cannot hold as items, included into the form as they are.
+    void Raw(std::int64_t from, std::int64_t to) {
+        const auto data = bytes_.subspan(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from));
+        SideFileLines(frames_.size() + 1,
+                      Chars(bytes_, static_cast<std::size_t>(from), std::min<std::size_t>(4, data.size())),
+                      from, data);
+        pos_ = to;
+    }
+
+    void SideFileLines(std::size_t level, std::string_view id, std::int64_t offset,
+                       std::span<const std::uint8_t> data) {
+        std::string name =
+            name_ + "_" + SafeId(id) + "_" + IntToHex(static_cast<std::uint32_t>(offset), 1) + ".bin";
+        Line(level, "// offset: " + IntToHex(static_cast<std::uint32_t>(offset), 1));
+        Line(level, "// size: " + IntToHex(static_cast<std::uint32_t>(data.size()), 1));
+        Line(level, "file \"" + name + "\"");
+        result_.sideFiles.push_back({std::move(name), std::vector<std::uint8_t>(data.begin(), data.end())});
+    }
+
+    // Letters, digits, "_" and "-" of an id; anything else becomes "_".
+    static std::string SafeId(std::string_view id) {
+        std::string out(id);
+        for (char& c : out) {
+            const bool keep = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
+                              c == '_' || c == '-';
+            if (!keep) c = '_';
+        }
+        return out;
+    }
+
+    std::span<const std::uint8_t> bytes_; // the whole input
+    std::string name_;                    // the input's file name, made safe to quote and to name files
+    std::int64_t limit_;                  // chunks above this size go to side files
+    DecodeOptions options_;               // how values are written
+    std::string blanks_;                  // indentation is cut from this
+    std::vector<Frame> frames_;           // the open forms, outermost first
+    std::int64_t pos_ = 0;                // the next item's offset
+    DecodedIff result_;                   // what is written
+};
+
+} // namespace
+
+DecodedIff DecodeIff(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
+                     const DecodeOptions& options) {
+    CheckChunksInside(reader);
+    return Walk(reader.Bytes(), fileName, limit, options).Run();
+}
+
+DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileName, std::int64_t limit,
+                     const DecodeOptions& options) {
+    const TIffReader reader(bytes, std::string(fileName));
+    return DecodeIff(reader, fileName, limit, options);
+}
+
+void Decode(const std::filesystem::path& input, const std::filesystem::path& output, std::int64_t limit,
+            const DecodeOptions& options) {
+    const TIffReader reader = TIffReader::FromFile(input);
+    const DecodedIff decoded = DecodeIff(reader, input.string(), limit, options);
+    const std::filesystem::path folder = output.parent_path();
+    for (const SideFile& side : decoded.sideFiles) WriteFileAtomic(folder / side.name, side.data);
+    WriteFileAtomic(output, decoded.text);
+}
+
+} // namespace velkor

@@ -1,0 +1,49 @@
+// The decoder: binary IFF back into textual IFF that the assembler turns into the same bytes again. Forms
+// become FORM blocks, chunks CHUNK blocks of byte rows or, where a special decoder knows them, of labelled
+// values; a chunk larger than the decode limit goes to a side file that a `file` value reads back.
+#pragma once
+
+#include "iff/special_decoders.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velkor {
+
+class TIffReader;
+
+struct DecodeOptions {
+    bool exactFloats = false; // floats in the shortest text that reads back exactly, not in "0.0#"
+};
+
+// A file the decoded text reads with `file "<name>"`, to be written beside the text.
+struct SideFile {
+    std::string name;               // the file name, without a folder
+    std::vector<std::uint8_t> data; // its bytes
+};
+
+struct DecodedIff {
+    std::string text;                // the textual IFF, CR LF line ends
+    std::vector<SideFile> sideFiles; // the files the text includes, in text order
+    bool lossless = true;            // assembling the text gives back exactly the input bytes
+};
+
+// Decodes bytes held in memory; `fileName` names the IFF block and the side files (only its last path
+// component is used) and is the source name of the reader's messages. Chunks whose size is above `limit`
+// go to side files. Throws EIffReader (and its subclasses) for data that is not valid IFF.
+DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileName, std::int64_t limit,
+                     const DecodeOptions& options = {});
+// The same over a reader that has scanned its data.
+DecodedIff DecodeIff(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
+                     const DecodeOptions& options = {});
+
+// Decodes the file `input` into the text file `output`, the side files beside it. Throws EIffReader for
+// input that is not valid IFF and EInOutError when a file cannot be read or written.
+void Decode(const std::filesystem::path& input, const std::filesystem::path& output, std::int64_t limit,
+            const DecodeOptions& options = {});
+
+} // namespace velkor
