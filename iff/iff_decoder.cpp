@@ -214,8 +214,8 @@ private:
 
 } // namespace
 
-DecodedIff DecodeIff(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
-                     const DecodeOptions& options) {
+DecodedIff DecodeReader(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
+                        const DecodeOptions& options) {
     CheckChunksInside(reader);
     return Walk(reader.Bytes(), fileName, limit, options).Run();
 }
@@ -223,13 +223,13 @@ DecodedIff DecodeIff(const TIffReader& reader, std::string_view fileName, std::i
 DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileName, std::int64_t limit,
                      const DecodeOptions& options) {
     const TIffReader reader(bytes, std::string(fileName));
-    return DecodeIff(reader, fileName, limit, options);
+    return DecodeReader(reader, fileName, limit, options);
 }
 
 void Decode(const std::filesystem::path& input, const std::filesystem::path& output, std::int64_t limit,
             const DecodeOptions& options) {
     const TIffReader reader = TIffReader::FromFile(input);
-    const DecodedIff decoded = DecodeIff(reader, input.string(), limit, options);
+    const DecodedIff decoded = DecodeReader(reader, input.string(), limit, options);
     const std::filesystem::path folder = output.parent_path();
     for (const SideFile& side : decoded.sideFiles) WriteFileAtomic(folder / side.name, side.data);
     WriteFileAtomic(output, decoded.text);

@@ -3,6 +3,7 @@
 // values; a chunk larger than the decode limit goes to a side file that a `file` value reads back.
 #pragma once
 
+#include "iff/iff_reader_errors.h"
 #include "iff/special_decoders.h"
 
 #include <cstdint>
@@ -38,8 +39,8 @@ struct DecodedIff {
 DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileName, std::int64_t limit,
                      const DecodeOptions& options = {});
 // The same over a reader that has scanned its data.
-DecodedIff DecodeIff(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
-                     const DecodeOptions& options = {});
+DecodedIff DecodeReader(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
+                        const DecodeOptions& options = {});
 
 // Decodes the file `input` into the text file `output`, the side files beside it. Throws EIffReader for
 // input that is not valid IFF and EInOutError when a file cannot be read or written.
