@@ -48,15 +48,17 @@ void CheckChunksInside(const TIffReader& reader) {
 
 class Walk {
 public:
-    Walk(std::span<const std::uint8_t> bytes, std::string_view fileName, std::int64_t limit,
+    Walk(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
          const DecodeOptions& options)
-        : bytes_(bytes), name_(SafeFileName(FileNamePart(fileName))), limit_(limit), options_(options),
+        : bytes_(reader.Bytes()), sourceName_(reader.SourceName()),
+          name_(SafeFileName(FileNamePart(fileName))), limit_(limit), options_(options),
           blanks_(2 * (kMaxIndentLevels + 1), ' ') {}
 
     DecodedIff Run() {
-        // The reader has read a whole FORM header, or a chunk header when the data starts with a chunk.
+        // The reader has read a whole FORM header, or a chunk header when the data starts with a chunk,
+        // which the reader takes but the text cannot hold.
         if (Chars(bytes_, 0, 4) != "FORM")
-            throw EIffDecoder("TIffDecoder: " + name_ + " does not start with a FORM!");
+            throw EIffReader("TIffReader: " + sourceName_ + "not a valid .iff file!");
         const std::string_view type = Chars(bytes_, 8, 4);
         const std::int64_t end = 8 + std::int64_t{BigEndian(bytes_, 4)};
         if (end > static_cast<std::int64_t>(bytes_.size()))
@@ -203,6 +205,7 @@ private:
     }
 
     std::span<const std::uint8_t> bytes_; // the whole input
+    std::string sourceName_;              // the input's name in the reader's messages
     std::string name_;                    // the input's file name, made safe to quote and to name files
     std::int64_t limit_;                  // chunks above this size go to side files
     DecodeOptions options_;               // how values are written
@@ -217,7 +220,7 @@ private:
 DecodedIff DecodeReader(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
                         const DecodeOptions& options) {
     CheckChunksInside(reader);
-    return Walk(reader.Bytes(), fileName, limit, options).Run();
+    return Walk(reader, fileName, limit, options).Run();
 }
 
 DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileName, std::int64_t limit,

@@ -1,0 +1,149 @@
+#include "tests/support/run_tool.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace velkor::test {
+namespace {
+
+std::string Be(std::uint32_t v) {
+    std::string s;
+    for (int i = 3; i >= 0; --i) s += static_cast<char>(v >> (8 * i));
+    return s;
+}
+
+std::string Chunk(const std::string& id, const std::string& data) {
+    return id + Be(static_cast<std::uint32_t>(data.size())) + data +
+           (data.size() % 2 ? std::string(1, '\0') : "");
+}
+
+std::string Form(const std::string& type, const std::string& body) {
+    return "FORM" + Be(static_cast<std::uint32_t>(body.size() + 4)) + type + body;
+}
+
+std::string Bytes(std::size_t n, int seed) {
+    std::string s(n, '\0');
+    for (std::size_t i = 0; i < n; ++i)
+        s[i] = static_cast<char>((i * 7 + static_cast<std::size_t>(seed)) & 0xFF);
+    return s;
+}
+
+const std::string kSmall = Form("TEST", Chunk("DATA", "\x01\x02\x03") + Chunk("BULL", "\xFF"));
+
+TEST(VelkorcDecode, WritesTheTextBesideTheFileAndPrintsNothing) {
+    TempDir dir;
+    WriteFile(dir / "small.iff", kSmall);
+    const ToolResult r = RunVelkorc({"decode", "small.iff"}, dir.path());
+    EXPECT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(ReadFile(dir / "small.iff.pas"), "IFF \"small.iff\"\r\n"
+                                               "{\r\n"
+                                               "  FORM \"TEST\"\r\n"
+                                               "  {\r\n"
+                                               "    CHUNK \"DATA\"\r\n"
+                                               "    {\r\n"
+                                               "      BYTE [3] $01 $02 $03\r\n"
+                                               "    }\r\n"
+                                               "    CHUNK \"BULL\"\r\n"
+                                               "    {\r\n"
+                                               "      BYTE [1] $FF\r\n"
+                                               "    }\r\n"
+                                               "  }\r\n"
+                                               "}\r\n");
+    std::filesystem::rename(dir / "small.iff", dir / "original.iff");
+    const ToolResult back = RunVelkorc({"asm", "small.iff.pas"}, dir.path());
+    EXPECT_EQ(back.exitCode, 0) << back.err;
+    EXPECT_EQ(ReadFile(dir / "small.iff"), kSmall);
+}
+
+TEST(VelkorcDecode, OutputFileSideFilesAndTheLimit) {
+    TempDir dir;
+    const std::string file = Form("TEST", Chunk("BIGG", Bytes(41, 3)) + Chunk("EDGE", Bytes(40, 5)));
+    WriteFile(dir / "in.iff", file);
+    std::filesystem::create_directories(dir / "out");
+    const ToolResult r =
+        RunVelkorc({"decode", "--max-decode-size", "40", "-o", "out/text.pas", "in.iff"}, dir.path());
+    EXPECT_EQ(r.exitCode, 0) << r.err;
+    const std::string text = ReadFile(dir / "out" / "text.pas");
+    EXPECT_NE(text.find("      // offset: C\r\n      // size: 29\r\n      file \"in.iff_BIGG_C.bin\"\r\n"),
+              std::string::npos)
+        << text;
+    EXPECT_EQ(ReadFile(dir / "out" / "in.iff_BIGG_C.bin"), Bytes(41, 3));
+    EXPECT_NE(text.find("CHUNK \"EDGE\"\r\n    {\r\n      BYTE [16]"), std::string::npos);
+
+    const ToolResult back = RunVelkorc({"asm", "--out-dir", "again", "out/text.pas"}, dir.path());
+    EXPECT_EQ(back.exitCode, 0) << back.err;
+    EXPECT_EQ(ReadFile(dir / "again" / "in.iff"), file);
+}
+
+TEST(VelkorcDecode, ExactFloatsKeepEveryBit) {
+    TempDir dir;
+    const std::string tenth("\xCD\xCC\xCC\x3D", 4); // 0.1f
+    const std::string third("\xAB\xAA\xAA\x3E", 4); // 1/3f
+    const std::string file = Form("MESH", Chunk("RADI", tenth + third));
+    WriteFile(dir / "m.iff", file);
+    ASSERT_EQ(RunVelkorc({"decode", "m.iff"}, dir.path()).exitCode, 0);
+    EXPECT_NE(ReadFile(dir / "m.iff.pas").find("float 0.33\r\n"), std::string::npos);
+    ASSERT_EQ(RunVelkorc({"decode", "--exact-floats", "m.iff"}, dir.path()).exitCode, 0);
+    const std::string text = ReadFile(dir / "m.iff.pas");
+    EXPECT_NE(text.find("float 0.1\r\n"), std::string::npos);
+    EXPECT_NE(text.find("float 0.33333334\r\n"), std::string::npos);
+    std::filesystem::remove(dir / "m.iff");
+    ASSERT_EQ(RunVelkorc({"asm", "m.iff.pas"}, dir.path()).exitCode, 0);
+    EXPECT_EQ(ReadFile(dir / "m.iff"), file);
+}
+
+TEST(VelkorcDecode, FailuresAreReportedPerFileAndTheOthersStillDecode) {
+    TempDir dir;
+    WriteFile(dir / "good.iff", kSmall);
+    WriteFile(dir / "text.txt", "hello world, no IFF here");
+    WriteFile(dir / "tiny.iff", "FO");
+    WriteFile(dir / "cut.iff", kSmall.substr(0, 16));
+    const ToolResult r =
+        RunVelkorc({"decode", "missing.iff", "text.txt", "good.iff", "tiny.iff", "cut.iff"}, dir.path());
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(r.err, "velkorc: missing.iff: Cannot open file \"missing.iff\"\n"
+                     "velkorc: text.txt: TIffReader: text.txtnot a valid .iff file!\n"
+                     "velkorc: tiny.iff: TIffReader: tiny.iffnot a valid .iff file!\n"
+                     "velkorc: cut.iff: EIffReader_ErrorInChunk: Error in Chunk \"DATA\" at offset C\n");
+    EXPECT_TRUE(std::filesystem::exists(dir / "good.iff.pas"));
+    EXPECT_FALSE(std::filesystem::exists(dir / "text.txt.pas"));
+    EXPECT_FALSE(std::filesystem::exists(dir / "cut.iff.pas"));
+}
+
+TEST(VelkorcDecode, ManyFilesAtOnceGiveWhatOneAtATimeGives) {
+    TempDir together, alone;
+    std::vector<std::string> names;
+    for (int i = 0; i < 24; ++i) {
+        std::string body;
+        for (int c = 0; c <= i % 5; ++c)
+            body += Chunk("C" + std::to_string(c) + "__",
+                          Bytes(static_cast<std::size_t>(i * 13 + c * 50), i + c));
+        body += Form("SUBF", Chunk("RADI", Bytes(static_cast<std::size_t>(4 * i + 4), i)));
+        const std::string name = "f" + std::to_string(i) + ".iff";
+        WriteFile(together / name, Form("TEST", body));
+        WriteFile(alone / name, Form("TEST", body));
+        names.push_back(name);
+    }
+    std::vector<std::string> args = {"decode", "--max-decode-size", "100"};
+    args.insert(args.end(), names.begin(), names.end());
+    ASSERT_EQ(RunVelkorc(args, together.path()).exitCode, 0);
+    for (const std::string& name : names)
+        ASSERT_EQ(RunVelkorc({"decode", "--max-decode-size", "100", name}, alone.path()).exitCode, 0);
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(alone.path())) {
+        const std::string name = entry.path().filename().string();
+        EXPECT_EQ(ReadFile(together / name), ReadFile(entry.path())) << name;
+        ++files;
+    }
+    EXPECT_GT(files, 2 * names.size()); // side files included
+}
+
+} // namespace
+} // namespace velkor::test
