@@ -46,11 +46,32 @@ void CheckChunksInside(const TIffReader& reader) {
     }
 }
 
+// The text gives the outermost form only the bytes up to its end. An item the reader found reaching past that
+// end would be cut short in the assembled file, which the reader then refuses: such a file is refused here.
+void CheckInsideRoot(const TForm& root, std::int64_t rootEnd) {
+    auto fail = [&](std::string_view kind, const TIffItem& item) {
+        throw EIffDecoder("TIffDecoder: " + std::string(kind) + " (" + item.ID + ") at offset " +
+                          IntToHex(static_cast<std::uint32_t>(item.Offset), 8) +
+                          " runs past the end of form " + root.ID + "!");
+    };
+    std::vector<const TForm*> pending{&root};
+    while (!pending.empty()) {
+        const TForm* form = pending.back();
+        pending.pop_back();
+        for (const auto& chunk : form->Chunks)
+            if (chunk->Offset + 8 + chunk->Size > rootEnd) fail("Chunk", *chunk);
+        for (const auto& child : form->Forms) {
+            if (child->Offset + 12 > rootEnd) fail("Form", *child);
+            pending.push_back(child.get());
+        }
+    }
+}
+
 class Walk {
 public:
     Walk(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
          const DecodeOptions& options)
-        : bytes_(reader.Bytes()), sourceName_(reader.SourceName()),
+        : reader_(reader), bytes_(reader.Bytes()), sourceName_(reader.SourceName()),
           name_(SafeFileName(FileNamePart(fileName))), limit_(limit), options_(options),
           blanks_(2 * (kMaxIndentLevels + 1), ' ') {}
 
@@ -67,6 +88,7 @@ public:
         // The text can only give the form the size of its items, and no bytes behind it.
         const std::int64_t rootEnd = std::max<std::int64_t>(end, 12);
         if (end < 12 || rootEnd < static_cast<std::int64_t>(bytes_.size())) result_.lossless = false;
+        CheckInsideRoot(reader_.Root(), rootEnd);
         if (!IsWritableId(type)) result_.lossless = false;
 
         Line(0, "IFF \"" + name_ + "\"");
@@ -204,6 +226,7 @@ private:
         return out;
     }
 
+    const TIffReader& reader_;            // the scanned input
     std::span<const std::uint8_t> bytes_; // the whole input
     std::string sourceName_;              // the input's name in the reader's messages
     std::string name_;                    // the input's file name, made safe to quote and to name files

@@ -231,6 +231,9 @@ TEST(IffDecoderHostile, InvalidFilesEndInTheReadersMessages) {
     Bytes second = good;
     second.insert(second.end(), good.begin(), good.end());
     ExpectError<EIffReader>(decode(second), "TIffReader: bad.iff, error at offset 0000002C!");
+    // Assembled, the form would end where its size says and cut the chunk off behind it.
+    ExpectError<EIffDecoder>(decode(Cat({Form("TEST", {Cat({Str("LONG"), Be32(6), {1, 2}})}), {3, 4, 5, 6}})),
+                             "TIffDecoder: Chunk (LONG) at offset 0000000C runs past the end of form TEST!");
     // The reader takes a chunk as the first item, but the text has no place for one outside a form.
     ExpectError<EIffReader>(decode(Chunk("DATA", Seq(4))), "TIffReader: bad.iffnot a valid .iff file!");
 }
