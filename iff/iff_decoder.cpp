@@ -15,6 +15,8 @@ namespace {
 // Indentation stops growing here, so that deeply nested input cannot make the text grow with the square
 // of its depth.
 constexpr std::size_t kMaxIndentLevels = 32;
+// A sink receives the text in pieces of about this size.
+constexpr std::size_t kFlushSize = std::size_t{1} << 20;
 
 std::uint32_t BigEndian(std::span<const std::uint8_t> b, std::size_t at) {
     return (std::uint32_t{b[at]} << 24) | (std::uint32_t{b[at + 1]} << 16) | (std::uint32_t{b[at + 2]} << 8) |
@@ -70,8 +72,8 @@ void CheckInsideRoot(const TForm& root, std::int64_t rootEnd) {
 class Walk {
 public:
     Walk(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
-         const DecodeOptions& options)
-        : reader_(reader), bytes_(reader.Bytes()), sourceName_(reader.SourceName()),
+         const DecodeOptions& options, const TextSink& sink)
+        : sink_(sink), reader_(reader), bytes_(reader.Bytes()), sourceName_(reader.SourceName()),
           name_(SafeFileName(FileNamePart(fileName))), limit_(limit), options_(options),
           blanks_(2 * (kMaxIndentLevels + 1), ' ') {}
 
@@ -97,6 +99,7 @@ public:
         pos_ = 12;
         Items();
         Line(0, "}");
+        Flush(true);
         return std::move(result_);
     }
 
@@ -106,6 +109,13 @@ private:
         std::string type; // the form type
         bool insideShip;  // this form or one above is a SHIP, CAPS or CMIS
     };
+
+    // Hands the text written so far to the sink once there is enough of it, or at the end.
+    void Flush(bool end) {
+        if (!sink_ || (!end && result_.text.size() < kFlushSize)) return;
+        sink_(result_.text);
+        result_.text.clear();
+    }
 
     std::string_view Indent(std::size_t level) const {
         return std::string_view(blanks_).substr(0, 2 * std::min(level, kMaxIndentLevels));
@@ -128,6 +138,7 @@ private:
     void Items() {
         while (!frames_.empty()) {
             const Frame& form = frames_.back();
+            Flush(false);
             if (pos_ >= form.end) {
                 Line(frames_.size(), "}");
                 frames_.pop_back();
@@ -182,7 +193,12 @@ private:
             if (!WriteRecords(result_.text, indent, data, *layout, options_.exactFloats))
                 result_.lossless = false;
         } else {
-            WriteByteRows(result_.text, indent, data);
+            // In slices, so that the sink takes the rows of a large chunk as they come.
+            constexpr std::size_t kSlice = std::size_t{1} << 16;
+            for (std::size_t at = 0; at < data.size(); at += kSlice) {
+                WriteByteRows(result_.text, indent, data.subspan(at, std::min(kSlice, data.size() - at)));
+                Flush(false);
+            }
         }
         Line(level, "}");
     }
@@ -226,6 +242,7 @@ private:
         return out;
     }
 
+    const TextSink& sink_;                // takes the text as it is written; may be empty
     const TIffReader& reader_;            // the scanned input
     std::span<const std::uint8_t> bytes_; // the whole input
     std::string sourceName_;              // the input's name in the reader's messages
@@ -241,9 +258,9 @@ private:
 } // namespace
 
 DecodedIff DecodeReader(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
-                        const DecodeOptions& options) {
+                        const DecodeOptions& options, const TextSink& sink) {
     CheckChunksInside(reader);
-    return Walk(reader, fileName, limit, options).Run();
+    return Walk(reader, fileName, limit, options, sink).Run();
 }
 
 DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileName, std::int64_t limit,
@@ -255,10 +272,12 @@ DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileN
 void Decode(const std::filesystem::path& input, const std::filesystem::path& output, std::int64_t limit,
             const DecodeOptions& options) {
     const TIffReader reader = TIffReader::FromFile(input);
-    const DecodedIff decoded = DecodeReader(reader, input.string(), limit, options);
+    AtomicFileWriter text(output);
+    const DecodedIff decoded = DecodeReader(reader, input.string(), limit, options,
+                                            [&](std::string_view piece) { text.Write(piece); });
     const std::filesystem::path folder = output.parent_path();
     for (const SideFile& side : decoded.sideFiles) WriteFileAtomic(folder / side.name, side.data);
-    WriteFileAtomic(output, decoded.text);
+    text.Commit();
 }
 
 } // namespace velkor

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -38,9 +39,13 @@ struct DecodedIff {
 // go to side files. Throws EIffReader (and its subclasses) for data that is not valid IFF.
 DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileName, std::int64_t limit,
                      const DecodeOptions& options = {});
-// The same over a reader that has scanned its data.
+// Receives the text piece by piece, so that a large decode need not be held in memory at once.
+using TextSink = std::function<void(std::string_view piece)>;
+
+// The same over a reader that has scanned its data. With a sink the text goes there, in order, and
+// DecodedIff::text stays empty.
 DecodedIff DecodeReader(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
-                        const DecodeOptions& options = {});
+                        const DecodeOptions& options = {}, const TextSink& sink = {});
 
 // Decodes the file `input` into the text file `output`, the side files beside it. Throws EIffReader for
 // input that is not valid IFF and EInOutError when a file cannot be read or written.

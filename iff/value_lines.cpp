@@ -6,6 +6,7 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace velkor {
@@ -22,25 +23,29 @@ constexpr std::array<std::array<char, 4>, 256> MakeByteTexts() {
 }
 constexpr auto kByteTexts = MakeByteTexts();
 
+// One row without its line break: indent, "BYTE [n]" and the bytes.
 void AppendRow(std::string& out, std::string_view indent, std::span<const std::uint8_t> row) {
     out += indent;
-    if (row.size() == 16) {
-        out += "BYTE [16]";
-    } else {
-        out += "BYTE [";
-        out += std::to_string(row.size());
-        out += ']';
+    out += "BYTE [";
+    out += std::to_string(row.size());
+    out += ']';
+    for (std::uint8_t b : row) out.append(kByteTexts[b].data(), 4);
+}
+
+// Full rows of 16 bytes, each built in one buffer whose prefix is written once.
+void AppendFullRows(std::string& out, std::string_view indent, std::span<const std::uint8_t> bytes) {
+    constexpr std::string_view kHead = "BYTE [16]";
+    std::string row(indent);
+    row += kHead;
+    const std::size_t prefix = row.size();
+    row.resize(prefix + 16 * 4 + 2);
+    row[row.size() - 2] = '\r';
+    row[row.size() - 1] = '\n';
+    for (std::size_t at = 0; at + 16 <= bytes.size(); at += 16) {
+        char* p = row.data() + prefix;
+        for (std::size_t i = 0; i < 16; ++i, p += 4) std::memcpy(p, kByteTexts[bytes[at + i]].data(), 4);
+        out += row;
     }
-    char buffer[16 * 4];
-    std::size_t n = 0;
-    for (std::uint8_t b : row) {
-        const auto& t = kByteTexts[b];
-        buffer[n++] = t[0];
-        buffer[n++] = t[1];
-        buffer[n++] = t[2];
-        buffer[n++] = t[3];
-    }
-    out.append(buffer, n);
 }
 
 // What the assembler makes of the text of a float value: the same conversion, the same range check.
@@ -135,8 +140,11 @@ void WriteByteRows(std::string& out, std::string_view indent, std::span<const st
         WriteLabelled(out, indent, first, label);
         pos = n;
     }
-    for (; pos < bytes.size(); pos += 16) {
-        AppendRow(out, indent, bytes.subspan(pos, std::min<std::size_t>(16, bytes.size() - pos)));
+    const std::size_t full = (bytes.size() - pos) / 16 * 16;
+    AppendFullRows(out, indent, bytes.subspan(pos, full));
+    pos += full;
+    if (pos < bytes.size()) {
+        AppendRow(out, indent, bytes.subspan(pos));
         out += "\r\n";
     }
 }

@@ -30,6 +30,7 @@ Container ReadAll(const std::filesystem::path& path) {
     if (!in || std::filesystem::is_directory(path, ec))
         throw EInOutError("Cannot open file \"" + path.string() + "\"");
     Container data;
+    if (const auto size = std::filesystem::file_size(path, ec); !ec) data.reserve(size);
     char buf[65536];
     while (in.read(buf, sizeof buf) || in.gcount() > 0)
         data.insert(data.end(), buf, buf + in.gcount());
@@ -46,27 +47,50 @@ std::vector<std::uint8_t> ReadFileBytes(const std::filesystem::path& path) {
     return ReadAll<std::vector<std::uint8_t>>(path);
 }
 
-void WriteFileAtomic(const std::filesystem::path& path, std::span<const std::uint8_t> bytes) {
-    std::filesystem::path tmp = path;
-    tmp += ".velkor-tmp";
-    {
-        std::ofstream out(tmp, std::ios::binary | std::ios::trunc);
-        if (!out) throw EInOutError("Cannot create file \"" + path.string() + "\"");
-        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-        out.flush();
-        if (!out) {
-            out.close();
-            std::error_code ec;
-            std::filesystem::remove(tmp, ec);
-            throw EInOutError("Cannot write file \"" + path.string() + "\"");
-        }
-    }
+AtomicFileWriter::AtomicFileWriter(std::filesystem::path path) : path_(std::move(path)) {
+    tmp_ = path_;
+    tmp_ += ".velkor-tmp";
+    out_.open(tmp_, std::ios::binary | std::ios::trunc);
+    if (!out_) throw EInOutError("Cannot create file \"" + path_.string() + "\"");
+}
+
+AtomicFileWriter::~AtomicFileWriter() {
+    if (!out_.is_open()) return;
+    out_.close();
     std::error_code ec;
-    std::filesystem::rename(tmp, path, ec);
-    if (ec) {
-        std::filesystem::remove(tmp, ec);
-        throw EInOutError("Cannot write file \"" + path.string() + "\"");
-    }
+    std::filesystem::remove(tmp_, ec);
+}
+
+void AtomicFileWriter::Fail() {
+    out_.close();
+    std::error_code ec;
+    std::filesystem::remove(tmp_, ec);
+    throw EInOutError("Cannot write file \"" + path_.string() + "\"");
+}
+
+void AtomicFileWriter::Write(std::span<const std::uint8_t> bytes) {
+    Write(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+}
+
+void AtomicFileWriter::Write(std::string_view text) {
+    if (!out_.is_open()) Fail();
+    out_.write(text.data(), static_cast<std::streamsize>(text.size()));
+    if (!out_) Fail();
+}
+
+void AtomicFileWriter::Commit() {
+    if (!out_.is_open()) Fail();
+    out_.close();
+    if (!out_) Fail();
+    std::error_code ec;
+    std::filesystem::rename(tmp_, path_, ec);
+    if (ec) Fail();
+}
+
+void WriteFileAtomic(const std::filesystem::path& path, std::span<const std::uint8_t> bytes) {
+    AtomicFileWriter writer(path);
+    writer.Write(bytes);
+    writer.Commit();
 }
 
 void WriteFileAtomic(const std::filesystem::path& path, std::string_view text) {
