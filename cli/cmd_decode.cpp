@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <map>
 #include <optional>
 #include <string>
 #include <thread>
@@ -42,11 +43,20 @@ std::string DecodeOne(const Options& options, const std::string& input) {
 
 int RunDecode(const Options& options) {
     const std::size_t count = options.files.size();
+    // A file named twice is decoded once: two decodes writing the same output at once would collide.
+    std::vector<std::size_t> first(count);
+    std::map<std::filesystem::path, std::size_t> seen;
+    for (std::size_t i = 0; i < count; ++i) {
+        std::error_code ec;
+        const std::filesystem::path out = OutputFor(options, options.files[i]);
+        const std::filesystem::path key = std::filesystem::weakly_canonical(out, ec);
+        first[i] = seen.emplace(ec ? out : key, i).first->second;
+    }
     std::vector<std::string> failures(count);
     std::atomic<std::size_t> next{0};
     auto work = [&] {
         for (std::size_t i = next++; i < count; i = next++)
-            failures[i] = DecodeOne(options, options.files[i]);
+            if (first[i] == i) failures[i] = DecodeOne(options, options.files[i]);
     };
     const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
     const auto workers = static_cast<unsigned>(std::min<std::size_t>({count, cores, kMaxWorkers}));
@@ -57,6 +67,7 @@ int RunDecode(const Options& options) {
     }
     int status = kExitOk;
     for (std::size_t i = 0; i < count; ++i) {
+        if (first[i] != i) failures[i] = failures[first[i]];
         if (failures[i].empty()) continue;
         PrintMessage("velkorc: " + options.files[i] + ": " + failures[i]);
         status = kExitUsage;

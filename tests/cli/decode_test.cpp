@@ -113,6 +113,12 @@ TEST(VelkorcDecode, FailuresAreReportedPerFileAndTheOthersStillDecode) {
                      "velkorc: tiny.iff: TIffReader: tiny.iffnot a valid .iff file!\n"
                      "velkorc: cut.iff: EIffReader_ErrorInChunk: Error in Chunk \"DATA\" at offset C\n");
     EXPECT_TRUE(std::filesystem::exists(dir / "good.iff.pas"));
+    // A file named twice is decoded once and reported for each name.
+    const ToolResult twice =
+        RunVelkorc({"decode", "good.iff", "./good.iff", "cut.iff", "cut.iff"}, dir.path());
+    EXPECT_EQ(twice.exitCode, 2);
+    EXPECT_EQ(twice.err, "velkorc: cut.iff: EIffReader_ErrorInChunk: Error in Chunk \"DATA\" at offset C\n"
+                         "velkorc: cut.iff: EIffReader_ErrorInChunk: Error in Chunk \"DATA\" at offset C\n");
     EXPECT_FALSE(std::filesystem::exists(dir / "text.txt.pas"));
     EXPECT_FALSE(std::filesystem::exists(dir / "cut.iff.pas"));
 }
