@@ -87,9 +87,9 @@ public:
         if (end > static_cast<std::int64_t>(bytes_.size()))
             throw EIffReader("TIffReader: Form (" + std::string(type) + ") at offset 00000000" +
                              " runs past the end of the data!");
-        // The text can only give the form the size of its items, and no bytes behind it.
+        // The text can only give the form the size of its items.
         const std::int64_t rootEnd = std::max<std::int64_t>(end, 12);
-        if (end < 12 || rootEnd < static_cast<std::int64_t>(bytes_.size())) result_.lossless = false;
+        if (end < 12) result_.lossless = false;
         CheckInsideRoot(reader_.Root(), rootEnd);
         if (!IsWritableId(type)) result_.lossless = false;
 
@@ -98,12 +98,30 @@ public:
         OpenForm(IsWritableId(type) ? std::string(type) : QuotableId(type), rootEnd);
         pos_ = 12;
         Items();
+        TopLevelForms(rootEnd);
         Line(0, "}");
         Flush(true);
         return std::move(result_);
     }
 
 private:
+    // Further top-level forms after the first (a linked unit's editor form follows the game's form). What
+    // no form can hold at this level - other bytes behind the last form - is left out of the text.
+    void TopLevelForms(std::int64_t at) {
+        const auto total = static_cast<std::int64_t>(bytes_.size());
+        while (total - at >= 12) {
+            const auto here = static_cast<std::size_t>(at);
+            const std::int64_t size = BigEndian(bytes_, here + 4);
+            const std::string_view type = Chars(bytes_, here + 8, 4);
+            if (Chars(bytes_, here, 4) != "FORM" || size < 4 || size > total - at - 8 || !IsWritableId(type)) break;
+            OpenForm(std::string(type), at + 8 + size);
+            pos_ = at + 12;
+            Items();
+            at += 8 + size;
+        }
+        if (at < total) result_.lossless = false;
+    }
+
     struct Frame {
         std::int64_t end; // offset just behind the form's last byte
         std::string type; // the form type

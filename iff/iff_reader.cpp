@@ -115,7 +115,11 @@ void TIffReader::Scan(int handle) {
     if (!item) throw EIffReader("TIffReader: " + sourceName_ + "not a valid .iff file!");
     root_ = std::make_unique<TForm>(std::move(item->id), item->offset, item->size, nullptr);
     TForm* form = root_.get();
+    // Only what lies inside the first item is indexed: a file may hold further top-level forms after it
+    // (every unit the compiler links ends in its editor form), which the scan leaves alone.
+    const std::int64_t rootEnd = item->offset + 8 + item->size;
     while ((item = ReadItem(handle))) {
+        if (item->offset >= rootEnd) break;
         while (!form->Contains(item->offset)) {
             if (!form->Parent)
                 throw EIffReader("TIffReader: " + sourceName_ + ", error at offset " +

@@ -135,12 +135,12 @@ TEST(IffReaderScan, FailuresNameTheSourceAndOffset) {
             TIffReader r = TIffReader::FromCopy(Cat({Bytes{0}, Str("ORM"), Be32(4), Str("TEST")}), "x.iff");
         },
         "TIffReader: x.iffnot a valid .iff file!");
-    // Nothing outside the first item is indexed: a second top-level form has no form to go in.
+    // An item in the last 8 bytes of the outermost form's span has no form above to go to.
     ExpectError<EIffReader>(
         [] {
-            TIffReader r = TIffReader::FromCopy(Cat({Form("ONE_"), Form("TWO_")}), "two.iff");
+            TIffReader r = TIffReader::FromCopy(Cat({Form("ONE_", {Chunk("EMPT", {})})}), "end.iff");
         },
-        "TIffReader: two.iff, error at offset 0000000C!");
+        "TIffReader: end.iff, error at offset 0000000C!");
     ExpectError<EIffReader_ErrorInForm>([] { TIffReader r = TIffReader::FromCopy(Str("FORM")); },
                                         "EIffReader_ErrorInForm: Error in Form \"\" at offset 0");
     ExpectError<EIffReader_ErrorInForm>(
@@ -157,16 +157,25 @@ TEST(IffReaderScan, FailuresNameTheSourceAndOffset) {
         "EIffReader_ErrorInChunk: Error in Chunk \"TAIL\" at offset 1E");
 }
 
+TEST(IffReaderScan, OnlyTheFirstTopLevelItemIsIndexed) {
+    // A linked mission file: the game's form, then the editor form as a second top-level form.
+    TIffReader r = TIffReader::FromCopy(
+        Cat({Form("MISN", {Chunk("VERS", Str("abcd"))}), Form("EDTR", {Chunk("CRCS", Str("xy"))})}), "two.iff");
+    EXPECT_EQ(r.Root().ID, "MISN");
+    ASSERT_EQ(r.Root().Chunks.size(), 1u);
+    EXPECT_TRUE(r.Root().Forms.empty());
+    r.OpenChunk("VERS");
+    EXPECT_EQ(r.ReadLong(), 0x64636261);
+}
+
 // The first item is the root even when it is a chunk; nothing can follow it.
 TEST(IffReaderScan, AChunkAsFirstItemBecomesTheRoot) {
     TIffReader r = TIffReader::FromCopy(Chunk("ABCD", Str("1234")));
     EXPECT_EQ(r.Root().ID, "ABCD");
     EXPECT_EQ(r.Root().Size, 4);
-    ExpectError<EIffReader>(
-        [] {
-            TIffReader r2 = TIffReader::FromCopy(Cat({Chunk("ABCD", Str("1234")), Chunk("EFGH", {})}));
-        },
-        "TIffReader: , error at offset 0000000C!");
+    // What follows the first item is not indexed.
+    TIffReader r2 = TIffReader::FromCopy(Cat({Chunk("ABCD", Str("1234")), Chunk("EFGH", {})}));
+    EXPECT_TRUE(r2.Root().Chunks.empty());
 }
 
 TEST(IffReaderNavigation, StepsIntoFormsAndChunks) {
