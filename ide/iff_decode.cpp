@@ -1,6 +1,9 @@
 #include "ide/iff_decode.h"
 
 #include "ide/ide_ini.h"
+#include "iff/decoder_settings.h"
+#include "iff/iff_decoder.h"
+#include "iff/special_decoders.h"
 #include "platform/exception.h"
 
 #include <mutex>
@@ -9,37 +12,21 @@ namespace velkor {
 
 namespace {
 
-// The decoders the decoder registry knows, in its order. Kept here until the decoder joins the build.
-std::vector<TSpecialDecoderState>& Registry() {
-    static std::vector<TSpecialDecoderState> list = {
-        {"SHIP, CAPS, CMIS", true},
-        {"TIME/TIME", true},
-        {"DATA/LANG/TEXT", true},
-        {"LOUT/LIST", true},
-        {"VERT", true},
-        {"VTNM", true},
-        {"NORM", true},
-        {"FVRT", true},
-        {"FACE", true},
-        {"RADI", true},
-        {"HARD", true},
-        {"STRU", true},
-        {"BULL/DATA", true},
-        {"MISS/DATA", true},
-    };
-    return list;
-}
-
 std::mutex& DecodeLock() {
     static std::mutex lock;
     return lock;
 }
 
-TDecodeFunction& Decoder() {
-    static TDecodeFunction decode = [](const std::string&, const std::string&, std::int32_t) {
-        throw Exception("The IFF decoder is not part of this build");
-    };
+TDecodeFunction& Override() {
+    static TDecodeFunction decode;
     return decode;
+}
+
+// Floats are written losslessly when the settings ask for it ("iffd"/"exact_floats").
+void RealDecode(const std::string& input, const std::string& output, std::int32_t limit) {
+    DecodeOptions options;
+    options.exactFloats = IdeIni().ReadBool(kDecoderSection, kExactFloatsKey, false);
+    Decode(input, output, limit, options);
 }
 
 } // namespace
@@ -48,30 +35,31 @@ void DecodeIffFile(const std::string& input, const std::string& output, std::int
     TDecodeFunction decode;
     {
         const std::lock_guard<std::mutex> guard(DecodeLock());
-        decode = Decoder();
+        decode = Override();
     }
-    decode(input, output, limit);
+    if (decode) decode(input, output, limit);
+    else RealDecode(input, output, limit);
 }
 
 std::vector<TSpecialDecoderState> SpecialDecoders() {
-    return Registry();
+    std::vector<TSpecialDecoderState> list;
+    for (const std::string& name : SpecialDecoderNames()) list.push_back({name, SpecialDecoderEnabled(name)});
+    return list;
 }
 
 void EnableSpecialDecoder(std::string_view name, bool enabled) {
-    for (TSpecialDecoderState& decoder : Registry()) {
-        if (decoder.Name == name) decoder.Enabled = enabled;
-    }
+    SetSpecialDecoderEnabled(name, enabled);
 }
 
 void LoadSpecialDecoderFlags() {
     const TIniFile ini = IdeIni();
-    for (TSpecialDecoderState& decoder : Registry())
-        decoder.Enabled = ini.ReadInteger("iffd", decoder.Name, -1) != 0;
+    for (const std::string& name : SpecialDecoderNames())
+        SetSpecialDecoderEnabled(name, ini.ReadInteger(kDecoderSection, name, -1) != 0);
 }
 
 void SetDecodeFunctionForTesting(TDecodeFunction decode) {
     const std::lock_guard<std::mutex> guard(DecodeLock());
-    Decoder() = std::move(decode);
+    Override() = std::move(decode);
 }
 
 TIffDThread::TIffDThread(std::string fileName, std::int32_t limit, QObject* parent)

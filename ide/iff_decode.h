@@ -26,7 +26,7 @@ void EnableSpecialDecoder(std::string_view name, bool enabled);
 // Sets every flag from the settings: a decoder's key under "iffd", absent (-1) or non-zero, enables it.
 void LoadSpecialDecoderFlags();
 
-// Replaces the decoder (nothing restores the real one). For tests.
+// Replaces the decoder; an empty function brings the real one back. For tests.
 using TDecodeFunction = std::function<void(const std::string&, const std::string&, std::int32_t)>;
 void SetDecodeFunctionForTesting(TDecodeFunction decode);
 

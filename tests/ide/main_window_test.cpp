@@ -114,6 +114,17 @@ TEST_F(MainWindowTest, OpenWithoutANameAsksAndRemembersTheFolder) {
     EXPECT_EQ(window.Pages().size(), 1);
 }
 
+TEST_F(MainWindowTest, OpeningABinaryFileShowsItsDecodedText) {
+    const std::string iff =
+        MakeFile("Real.iff", std::string("FORM\0\0\0\x0ETEST" "DATA\0\0\0\x02\x0A\xFF", 22));
+    TfrmMain window({QString::fromStdString(iff)});
+    ASSERT_EQ(window.Pages().size(), 1);
+    EXPECT_EQ(window.ActivePage()->Text(), QStringLiteral("IFF \"Real.iff\"\r\n{\r\n  FORM \"TEST\"\r\n  {\r\n"
+                                                          "    CHUNK \"DATA\"\r\n    {\r\n      BYTE [2] $0A $FF\r\n"
+                                                          "    }\r\n  }\r\n}\r\n"));
+    EXPECT_TRUE(window.ActivePage()->Modified());
+}
+
 TEST_F(MainWindowTest, ShortFilesAreTextAndFormFilesAreDecodedInline) {
     std::vector<std::string> decoded;
     SetDecodeFunctionForTesting([&](const std::string& in, const std::string& out, std::int32_t limit) {
