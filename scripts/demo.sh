@@ -1,6 +1,39 @@
 #!/usr/bin/env bash
-# The main job: set up and build, then run velkorc over the bundled sample unit.
+# The main job: set up and build, then build the demo campaign of examples/campaign into out/demo/ the
+# way a mission author would (the string file first, then every unit) and list the files written.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 ./scripts/setup.sh
-./build/velkorc tokens examples/sample.pas
+
+velkorc=./build/velkorc
+src=examples/campaign
+out=out/demo
+rm -rf "$out"
+mkdir -p "$out"
+
+echo
+echo "== The string file"
+"$velkorc" asm --out-dir "$out" "$src/campaign_eng.txt"
+
+echo
+echo "== The units (-I $out: the missions find campaign.eng there)"
+for unit in frontier outpost patrol escort; do
+    echo "-- $unit.pas"
+    "$velkorc" build -v 0 -I "$out" --out-dir "$out" "$src/$unit.pas"
+done
+
+echo
+echo "== The same campaign at once, through the project unit build_all.pas and its #FILE list"
+mkdir -p "$out/all"
+"$velkorc" build -v 0 -I "$out/all" --out-dir "$out/all" "$src/build_all.pas" >/dev/null
+for file in "$out"/all/*; do
+    cmp "$file" "$out/$(basename "$file")"
+done
+echo "every file equals the one built unit by unit"
+rm -rf "$out/all"
+
+echo
+echo "== Files written to $out"
+for file in "$out"/*; do
+    printf '%8d bytes  %s\n' "$(stat -c %s "$file")" "$file"
+done

@@ -20,10 +20,10 @@ const RaiderCount = 3, AttackRuns = 3;
 const RaiderCount = 2, AttackRuns = 2;
 #ENDIF
 
-// Every mission plays in the same sector (outpost.pas) and starts from the same rooms of the carrier.
-// "#SECTOR" names the sector file, "#SETROOMS" the rooms the player walks through between missions;
-// both may be set again by the mission itself, the last setting wins.
-#SECTOR: "outpost.sec";
+// Every mission starts from the same rooms of the carrier: "#SETROOMS" names the rooms the player walks
+// through between missions. The room list and the kill board (#SETKILLBOARD) are shared with the unit
+// that includes this file; the other settings (#SECTOR, #NAME, #MAINPROC, #GFPROC) are not, so every
+// mission makes them itself.
 #SETROOMS("deck.rom", "ready.rom");
 
 // The sector's objects. A program names an object of its own unit directly, IsAlive(Alpha1); the objects

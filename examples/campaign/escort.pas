@@ -5,6 +5,7 @@ mission escort;
 
 include common;
 #STRINGS campaign;
+#SECTOR: "outpost.sec";
 
 #NAME: Campaign["Escort the Hauler"];
 #MAINPROC: "EscortMain";

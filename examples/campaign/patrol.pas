@@ -12,6 +12,9 @@ include common;
 // The string file: lines are referred to by their text, Campaign[ "..." ] (see campaign_eng.txt).
 #STRINGS campaign;
 
+// The sector the mission plays in (see outpost.pas).
+#SECTOR: "outpost.sec";
+
 // The mission's name, as a line of the string file.
 #NAME: Campaign["Patrol the Outer Beacons"];
 
