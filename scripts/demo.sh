@@ -41,39 +41,14 @@ done
 
 echo
 echo "== Decoded into text and assembled again ($out/decoded)"
-# A unit's file holds the game's form and, behind it, the editor form; the IFF reader (and so the
-# decoder) takes one top-level form per file. Such a file is cut into its forms, each form is decoded and
-# assembled on its own, and the pieces are joined again.
 dec="$out/decoded"
 mkdir -p "$dec/assembled"
 for file in "$out"/*.*; do
     name=$(basename "$file")
-    total=$(stat -c %s "$file")
-    pieces=()
-    offset=0
-    while [ "$offset" -lt "$total" ]; do
-        size=$((16#$(od -An -tx1 -j $((offset + 4)) -N4 "$file" | tr -d ' \n') + 8))
-        pieces+=("$offset:$size")
-        offset=$((offset + size))
-    done
-    parts=()
-    if [ "${#pieces[@]}" -eq 1 ]; then
-        cp "$file" "$dec/$name"
-        parts=("$name")
-    else
-        n=0
-        for piece in "${pieces[@]}"; do
-            n=$((n + 1))
-            tail -c +$((${piece%:*} + 1)) "$file" | head -c "${piece#*:}" >"$dec/$name.form$n"
-            parts+=("$name.form$n")
-        done
-    fi
-    for part in "${parts[@]}"; do
-        (cd "$dec" && "$velkorc" decode --exact-floats "$part" && "$velkorc" asm --out-dir assembled "$part.pas" >/dev/null)
-        rm "$dec/$part"
-    done
-    (cd "$dec/assembled" && cat "${parts[@]}") | cmp - "$file"
-    texts=$(printf '%s.pas, ' "${parts[@]}")
-    printf '%-13s -> %s -> the same %d bytes\n' "$name" "${texts%, }" "$total"
+    cp "$file" "$dec/$name"
+    (cd "$dec" && "$velkorc" decode --exact-floats "$name" && "$velkorc" asm --out-dir assembled "$name.pas" >/dev/null)
+    rm "$dec/$name"
+    cmp "$dec/assembled/$name" "$file"
+    printf '%-13s -> %-17s -> the same %d bytes\n' "$name" "$name.pas" "$(stat -c %s "$file")"
 done
 rm -rf "$dec/assembled"
