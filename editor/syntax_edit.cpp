@@ -20,17 +20,23 @@ namespace {
 
 constexpr int kBookmarkMask = (1 << 10) - 1; // marker bits 0-9
 
-// "Courier New" when the system has it, else the system's fixed-pitch font at the same size.
+// "Courier New" when the system has it as a fixed-pitch face, else the first fixed-pitch face found among
+// the system's and a few common ones (font substitution may map "Courier New" to a face Qt does not
+// report as fixed pitch).
 QFont EditorFont() {
     QFont font(QStringLiteral("Courier New"), 10);
     font.setStyleHint(QFont::TypeWriter);
     font.setFixedPitch(true);
-    if (!QFontInfo(font).fixedPitch()) {
-        QFont fallback = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-        fallback.setPointSize(10);
-        return fallback;
+    if (QFontInfo(font).fixedPitch()) return font;
+    QFont system = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    system.setPointSize(10);
+    if (QFontInfo(system).fixedPitch()) return system;
+    for (const char* family : {"DejaVu Sans Mono", "Liberation Mono", "Noto Sans Mono", "Noto Mono", "monospace"}) {
+        QFont candidate(QString::fromLatin1(family), 10);
+        candidate.setStyleHint(QFont::TypeWriter);
+        if (QFontInfo(candidate).fixedPitch()) return candidate;
     }
-    return font;
+    return system;
 }
 
 // A small square with the bookmark's digit, for the gutter.
