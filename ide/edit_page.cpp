@@ -11,6 +11,7 @@
 #include "ide/page_host.h"
 #include "platform/exception.h"
 #include "platform/executable_path.h"
+#include "platform/named_folders.h"
 #include "platform/numbers.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
@@ -18,7 +19,10 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QLabel>
+#include <QListWidget>
 #include <QMenu>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <filesystem>
@@ -58,11 +62,11 @@ constexpr ContextItemText kContextItems[] = {
     {"ContextSymbolBrowser", "Symbol Browser", ""},
     {"ContextObjList", "Object List", ""},
     {"ContextProcList", "Function List", ""},
-    {"ContextParameterList", "Parameter List", ""},
+    {"ContextParameterList", "Parameter List", "Shift+Ctrl+Space"},
     {"ConstantList1", "Constant List", ""},
-    {"CompleteWordAtCursor1", "CompleteWordAtCursor", ""},
+    {"CompleteWordAtCursor1", "CompleteWordAtCursor", "Ctrl+Space"},
     {"ContextClosePage", "&Close Page", "Ctrl+F4"},
-    {"ContextOpenFileAtCursor", "Open &File at Cursor", ""},
+    {"ContextOpenFileAtCursor", "Open &File at Cursor", "Ctrl+Return"},
     {"ContextTopicSearch", "Topic &Search", "F1"},
     {nullptr, nullptr, nullptr},
     {"ContextUndo", "&Undo", ""},
@@ -87,7 +91,8 @@ TCompileSettings ReadCompileSettings() {
 }
 
 TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
-    : QWidget(parent), host_(host), memo_(new TPageEditor(this)), popup_(new QMenu(this)) {
+    : QWidget(parent), host_(host), memo_(new TPageEditor(this)), popup_(new QMenu(this)),
+      hintTimer_(new QTimer(this)), codeHelp_(new QListWidget(this)) {
     setObjectName(QStringLiteral("frmEdit"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -98,6 +103,8 @@ TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
     autosave_ = ini.ReadBool("editor", "autosave", false);
     paramHints_ = !ini.ReadBool("editor", "disable_paramhint", false);
     noIntelligence_ = ini.ReadBool("editor", "disable_intelligence", false);
+    // The editor control attaches the language's highlighter and its colours itself.
+    searchPathText_ = ExecutableFolder() + "lib\\\r\n";
     BuildContextMenu();
     connect(memo_, &TPageEditor::GotoRequested, this, [this](bool) { GotoLine(); });
     memo_->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -105,6 +112,23 @@ TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
         RefreshContextMenu();
         popup_->popup(memo_->mapToGlobal(at));
     });
+    memo_->installEventFilter(this);
+    memo_->viewport()->installEventFilter(this);
+    if (!noIntelligence_) connect(memo_, &QsciScintilla::textChanged, this, [this] { typed_ = true; });
+
+    codeHelp_->setObjectName(QStringLiteral("lbCodeHelp"));
+    codeHelp_->hide();
+    codeHelp_->setFocusPolicy(Qt::NoFocus);
+    codeHelp_->installEventFilter(this);
+    QPalette tip = codeHelp_->palette();
+    tip.setColor(QPalette::Base, tip.color(QPalette::ToolTipBase));
+    tip.setColor(QPalette::Text, tip.color(QPalette::ToolTipText));
+    codeHelp_->setPalette(tip);
+    connect(codeHelp_, &QListWidget::itemDoubleClicked, this, [this] { InsertCodeHelpEntry(); });
+
+    hintTimer_->setInterval(100);
+    connect(hintTimer_, &QTimer::timeout, this, &TfrmEdit::HintTimerTick);
+    hintTimer_->start();
 }
 
 TfrmEdit::~TfrmEdit() = default;
@@ -130,6 +154,10 @@ void TfrmEdit::BuildContextMenu() {
     const auto on = [this](const char* name, auto slot) {
         connect(ContextItem(QString::fromLatin1(name)), &QAction::triggered, this, slot);
     };
+    on("ContextFindDeclaration", &TfrmEdit::FindDeclaration);
+    on("ContextParameterList", &TfrmEdit::ShowParameterHint);
+    on("CompleteWordAtCursor1", &TfrmEdit::CompleteWordAtCursor);
+    on("ContextOpenFileAtCursor", &TfrmEdit::OpenFileAtCursor);
     on("ContextSymbolBrowser", &TfrmEdit::SymbolBrowser);
     on("ContextObjList", &TfrmEdit::ObjectList);
     on("ContextProcList", &TfrmEdit::FunctionList);
@@ -214,6 +242,8 @@ bool TfrmEdit::Load(const std::string& name, bool addToRecent) {
     SetFileName(absolute);
     memo_->SetModified(false);
     if (addToRecent) host_.AddRecent(absolute);
+    // Open File at Cursor works before the first compile: the unit's folder, then the library.
+    searchPathText_ = FolderOf(absolute) + "\r\n" + ExpandPath("$compiler$\\lib") + "\r\n";
     return true;
 }
 
@@ -294,8 +324,9 @@ bool TfrmEdit::Compile() {
         success = false;
         const int line = compiler.ErrorLine; // from 1; the editor counts from 0
         if (line >= 1) {
-            memo_->setFirstVisibleLine(std::max(0, line - 1 - 5));
+            // The caret first: moving it scrolls it into view, the top line is then set as wanted.
             memo_->SetCaret(line - 1, 0);
+            memo_->setFirstVisibleLine(std::max(0, line - 1 - 5));
             memo_->SetErrorLine(line - 1);
         }
         if (!dynamic_cast<const ECompiler*>(&e)) ReportException(e);
@@ -342,14 +373,5 @@ void TfrmEdit::TopicSearch() {
     const QString word = WordAtCursor();
     if (!word.isEmpty()) host_.HelpView().ShowTopic(FromQ(word));
 }
-
-// The find dialog and the symbol lists are the page's next additions.
-void TfrmEdit::Find() {}
-void TfrmEdit::Replace() {}
-void TfrmEdit::SearchAgain() {}
-void TfrmEdit::SymbolBrowser() {}
-void TfrmEdit::FunctionList() {}
-void TfrmEdit::ObjectList() {}
-void TfrmEdit::ConstantList() {}
 
 } // namespace velkor

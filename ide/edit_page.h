@@ -4,19 +4,26 @@
 
 #include "ide/page_editor.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 class QAction;
+class QKeyEvent;
+class QLabel;
+class QListWidget;
 class QMenu;
+class QTimer;
 
 namespace velkor {
 
 class TPageHost;
 class TSymbolTable;
+struct TSymbol;
 
 class TfrmEdit : public QWidget {
     Q_OBJECT
@@ -63,16 +70,59 @@ public:
     void DeleteSelection();
     void SelectAll();
 
-    // Searching and the symbol lists.
+    // Searching (the shared find dialog; "No further occurence of '<text>' found." when nothing is).
     void Find();
     void Replace();
+    // The last request again from the cursor over the whole text; the dialog when nothing was asked yet.
     void SearchAgain();
+    // The options of the page's last request.
+    unsigned LastSearchOptions() const { return lastSearchOptions_; }
     void GotoLine();
+    void TopicSearch();
+
+    // The symbol lists: a fresh modal TfrmProcList with a kind mask and a search text.
     void SymbolBrowser();
     void FunctionList();
     void ObjectList();
     void ConstantList();
-    void TopicSearch();
+    void OpenSymbolList(int kindMask, const QString& filter);
+
+    // --- code assistance (edit_page_assist.cpp)
+    // The symbol named `word` in the table of the last successful compile.
+    std::optional<TSymbol> SymbolNamed(const QString& word) const;
+    std::optional<TSymbol> SymbolAtCursor() const;
+    // Find Declaration: the declaration of the symbol at the cursor; nothing when there is none.
+    void FindDeclaration();
+    // Opens the declaring file when it is another page's and shows the declaration's line there. A line
+    // below 5 is the range error of the original line arithmetic, shown as a message.
+    void GotoDeclaration(const TSymbol& symbol);
+    // Caret to column 0 of `line` (from 1), the line 5 above it on top. Throws ERangeError below line 5.
+    void ShowDeclarationLine(int line);
+    // Types the symbol's name at the cursor; a function with parameters gets "(" and its hint.
+    void InsertSymbol(const TSymbol& symbol);
+    // The word at the cursor completed from the symbol table, or the symbol browser when that is not
+    // one symbol.
+    void CompleteWordAtCursor();
+    // Parameter hint for the call the caret is in (or the function named just before it).
+    void ShowParameterHint();
+    void ShowParameterHintFor(const TSymbol& function, int argument);
+    void CloseParameterHint();
+    // The hint window now shown, or null.
+    QLabel* ParameterHint() const;
+    // The string list for the string table named at the cursor.
+    void ShowStringList();
+    QListWidget* lbCodeHelp() const { return codeHelp_; }
+    // Open File at Cursor: word + ".pas" along the search paths of the last compile.
+    void OpenFileAtCursor();
+    // The mouse hint for a point of the editor's viewport: the symbol under it, or empty.
+    QString SymbolHintAt(const QPoint& viewportPoint) const;
+    bool CodeIntelligence() const { return !noIntelligence_; }
+    bool ParameterHintsEnabled() const { return paramHints_; }
+
+    // --- keys and the timer (edit_page_keys.cpp)
+    // One tick of the 100 ms timer: follows the caret with the parameter hint after typing.
+    void HintTimerTick();
+    bool Typed() const { return typed_; }
 
     // Enables the context menu's items by the editor's state and rebuilds the topic caption.
     void RefreshContextMenu();
@@ -80,8 +130,10 @@ public:
     // A context menu item by its object name ("ContextUndo", ...), or null.
     QAction* ContextItem(const QString& name) const;
 
-    // The symbols and search paths of the last successful compile; null before the first.
+    // The symbols of the last successful compile; null before the first.
     const std::shared_ptr<TSymbolTable>& Symbols() const { return symbols_; }
+    // Folders for Open File at Cursor, one per line: the executable's "lib\" at first, the page's folder
+    // and "$compiler$\lib" after loading, the compiler's search path after each successful compile.
     const std::string& SearchPathText() const { return searchPathText_; }
 
     // The open dialog of pages: an existing file, or empty. Remembers the dialog's folder.
@@ -90,11 +142,24 @@ public:
 signals:
     void CaptionChanged();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void BuildContextMenu();
     void SetFileName(const std::string& name);
     void WriteTo(const std::string& name);
     void ReportException(const std::exception& error);
+    void ShowFindDialog(bool replace);
+    void RunSearch(const QString& findText, const QString& newText, unsigned options);
+    // MemoKeyDown: true when the editor must not see the key.
+    bool MemoKeyDown(QKeyEvent& key);
+    // lbCodeHelpKeyDown: true when the key was the list's alone.
+    bool CodeHelpKeyDown(QKeyEvent& key);
+    void InsertCodeHelpEntry();
+    void FollowCodeHelpPrefix();
+    // The caret's point in the page's coordinates (top left of its character cell).
+    QPoint CaretPoint() const;
 
     TPageHost& host_;                       // the main window
     TPageEditor* memo_;                     // the text, owned as a child
@@ -104,7 +169,15 @@ private:
     bool paramHints_ = true;                // parameter hints shown while typing
     bool noIntelligence_ = false;           // code assistance switched off
     std::shared_ptr<TSymbolTable> symbols_; // symbols of the last successful compile
-    std::string searchPathText_;            // its search paths, one per line
+    std::string searchPathText_;            // see SearchPathText()
+    QTimer* hintTimer_;                     // the 100 ms timer of the parameter hint
+    bool typed_ = false;                    // a key was pressed since the timer last looked
+    QPointer<QLabel> hint_;                 // the parameter hint now shown, or null
+    std::string hintFunction_;              // upper-cased name of the hinted function
+    QListWidget* codeHelp_;                 // lbCodeHelp: the string list, owned as a child
+    QString codeHelpPrefix_;                // what was typed since the list opened
+    long codeHelpAnchor_ = 0;               // editor position where the list opened
+    unsigned lastSearchOptions_ = 0;        // option bits of the last find or replace
 };
 
 // The compiler options of section "compiler" as a compile reads them (defaults: verbosity 1, no optimiser,

@@ -1,0 +1,258 @@
+// An editor page's file life: load, save, save as, the save question, atomic writing, compiling into
+// the output and IFF views, and building the binary files.
+#include "ide/edit_page.h"
+#include "ide/iff_view.h"
+#include "ide/main_window.h"
+#include "ide/output_view.h"
+#include "ide/reg_mru.h"
+#include "platform/ini_file.h"
+#include "tests/ide/edit_page_test_support.h"
+
+#include <QAction>
+#include <QMenu>
+
+#include <csignal>
+#include <sys/resource.h>
+
+namespace velkor::test {
+namespace {
+
+class EditPageTest : public PageTest {};
+
+TEST_F(EditPageTest, ANewPageIsNamedAndReadsTheEditorKeys) {
+    TIniFile ini(IniPath());
+    ini.WriteBool("editor", "disable_intelligence", true);
+    TfrmMain window({});
+    TfrmEdit* page = window.ActivePage();
+    EXPECT_EQ(page->FileName(), "Untitled0.pas");
+    EXPECT_FALSE(page->CodeIntelligence());
+    EXPECT_TRUE(page->ParameterHintsEnabled());
+    EXPECT_FALSE(page->ContextItem(QStringLiteral("CompleteWordAtCursor1"))->isEnabled());
+    EXPECT_NE(page->Memo()->lexer(), nullptr);
+    // Before any load or compile, Open File at Cursor looks in the library folder beside the program.
+    EXPECT_EQ(page->SearchPathText(), Dir().string() + "/lib\\\r\n");
+
+    ini.WriteBool("editor", "disable_intelligence", false);
+    ini.WriteBool("editor", "disable_paramhint", true);
+    TfrmEdit* second = window.NewPage();
+    EXPECT_EQ(second->FileName(), "Untitled1.pas");
+    EXPECT_TRUE(second->CodeIntelligence());
+    EXPECT_FALSE(second->ParameterHintsEnabled());
+    EXPECT_TRUE(second->ContextItem(QStringLiteral("CompleteWordAtCursor1"))->isEnabled());
+}
+
+TEST_F(EditPageTest, LoadSetsTheNameClearsModifiedAndAddsToTheRecentList) {
+    const std::string file = MakeFile("Patrol.pas", "mission Patrol;\nvar x;\n");
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(file, true);
+    ASSERT_NE(page, nullptr);
+    EXPECT_EQ(page->Caption(), QStringLiteral("Patrol.pas"));
+    EXPECT_EQ(page->FileNameKey(), LowerCase(file));
+    EXPECT_EQ(page->Text(), QStringLiteral("mission Patrol;\nvar x;\n"));
+    EXPECT_FALSE(page->Modified());
+    ASSERT_EQ(window.RegMru1().Items().size(), 1u);
+    EXPECT_EQ(window.RegMru1().Items()[0].Path, file);
+    // The unit's folder and the library are searched by Open File at Cursor from now on.
+    EXPECT_EQ(page->SearchPathText().substr(0, Dir().string().size() + 2), Dir().string() + "\r\n");
+
+    TfrmEdit other(window, nullptr);
+    EXPECT_FALSE(other.Load(Path("missing.pas"), true));
+    EXPECT_EQ(window.RegMru1().Items().size(), 1u);
+}
+
+TEST_F(EditPageTest, LoadWithoutANameAsksAndStoresTheFolderEvenForAMissingFile) {
+    TfrmMain window({});
+    TfrmEdit page(window, nullptr);
+    std::filesystem::create_directories(Dir() / "sub");
+    openAnswers_ << QString::fromStdString((Dir() / "sub" / "gone.pas").string());
+    EXPECT_FALSE(page.Load("", false));
+    EXPECT_EQ(TIniFile(IniPath()).ReadString("editor", "DirLoad", ""), (Dir() / "sub").string());
+    EXPECT_FALSE(page.Load("", false)); // cancelled
+}
+
+TEST_F(EditPageTest, SaveWritesAnExistingFileInItsOwnLineBreakStyle) {
+    const std::string file = MakeFile("unix.pas", "unit u;\nvar a;\n");
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(file, false);
+    ASSERT_NE(page, nullptr);
+    page->Memo()->SetCaret(1, 0);
+    page->Memo()->insert(QStringLiteral("// note\n"));
+    EXPECT_TRUE(page->Modified());
+    ASSERT_TRUE(page->Save());
+    EXPECT_FALSE(page->Modified());
+    EXPECT_EQ(ReadFile(file), "unit u;\n// note\nvar a;\n");
+}
+
+TEST_F(EditPageTest, SaveOnANewPageAsksForANameAndSaveAsOverwritesWithoutAsking) {
+    TfrmMain window({});
+    TfrmEdit* page = window.ActivePage();
+    page->Memo()->SetText(QStringLiteral("unit fresh;\r\n"));
+    const std::string target = MakeFile("Fresh.pas", "old contents");
+    saveAnswers_ << QString::fromStdString(target);
+    ASSERT_TRUE(page->Save());
+    EXPECT_EQ(ReadFile(target), "unit fresh;\r\n");
+    EXPECT_EQ(page->Caption(), QStringLiteral("Fresh.pas"));
+    EXPECT_FALSE(page->Modified());
+    EXPECT_TRUE(questions_.isEmpty());
+    EXPECT_EQ(TIniFile(IniPath()).ReadString("editor", "DirLoad", ""), Dir().string());
+    // Save As never adds to the recent list.
+    EXPECT_TRUE(window.RegMru1().Items().empty());
+    // Cancelled: nothing changes.
+    EXPECT_FALSE(page->SaveAs());
+    EXPECT_EQ(page->Caption(), QStringLiteral("Fresh.pas"));
+}
+
+TEST_F(EditPageTest, ADecodedPageWhoseFileIsGoneAsksForANameOnSave) {
+    const std::string file = MakeFile("decoded.iff.pas", "unit d;\r\n");
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(file, false);
+    ASSERT_NE(page, nullptr);
+    std::filesystem::remove(file);
+    page->SetModified(true);
+    EXPECT_FALSE(page->Save()); // the save dialog was cancelled
+    EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_TRUE(page->Modified());
+}
+
+TEST_F(EditPageTest, SaveQueryAnswers) {
+    const std::string file = MakeFile("q.pas", "unit q;\r\n");
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(file, false);
+    ASSERT_NE(page, nullptr);
+    EXPECT_TRUE(page->SaveQuery()); // unmodified: no question
+    EXPECT_TRUE(questions_.isEmpty());
+
+    page->Memo()->append(QStringLiteral("var z;\r\n"));
+    answers_ = {TMsgAnswer::Cancel, TMsgAnswer::No, TMsgAnswer::Yes};
+    EXPECT_FALSE(page->SaveQuery());
+    EXPECT_TRUE(page->SaveQuery());
+    EXPECT_EQ(ReadFile(file), "unit q;\r\n");
+    EXPECT_TRUE(page->SaveQuery());
+    EXPECT_EQ(ReadFile(file), "unit q;\r\nvar z;\r\n");
+    ASSERT_EQ(questions_.size(), 3);
+    EXPECT_EQ(questions_[0], QString::fromStdString("Save changes to " + page->FileName() + "?"));
+
+    // Yes on a new page whose save dialog is cancelled keeps the page open.
+    TfrmEdit* fresh = window.NewPage();
+    fresh->Memo()->SetText(QStringLiteral("x"));
+    answers_ = {TMsgAnswer::Yes};
+    EXPECT_FALSE(fresh->SaveQuery());
+    EXPECT_EQ(questions_.back(), QString::fromStdString("Save changes to " + fresh->FileName() + "?"));
+    EXPECT_EQ(fresh->FileName().substr(0, 8), "Untitled");
+}
+
+TEST_F(EditPageTest, AFailedSaveLeavesTheOldFileIntact) {
+    const std::string file = MakeFile("keep.pas", "unit keep;\r\n");
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(file, false);
+    ASSERT_NE(page, nullptr);
+    page->Memo()->SetText(QStringLiteral("unit changed;\r\n"));
+
+    // The temporary file cannot be created.
+    std::filesystem::create_directory(file + ".velkor-tmp");
+    EXPECT_FALSE(page->Save());
+    EXPECT_EQ(ReadFile(file), "unit keep;\r\n");
+    EXPECT_TRUE(page->Modified());
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_TRUE(messages_[0].startsWith(QStringLiteral("Cannot create file")));
+    std::filesystem::remove(file + ".velkor-tmp");
+
+    // The disk fills up part-way through the write.
+    QString big = QStringLiteral("unit big;\r\n");
+    for (int i = 0; i < 20000; ++i) big += QStringLiteral("var v%1;\r\n").arg(i);
+    page->Memo()->SetText(big);
+    rlimit old{};
+    getrlimit(RLIMIT_FSIZE, &old);
+    const auto oldSignal = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit small = old;
+    small.rlim_cur = 4096;
+    setrlimit(RLIMIT_FSIZE, &small);
+    const bool saved = page->Save();
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldSignal);
+    EXPECT_FALSE(saved);
+    EXPECT_EQ(ReadFile(file), "unit keep;\r\n");
+    EXPECT_FALSE(std::filesystem::exists(file + ".velkor-tmp"));
+    EXPECT_TRUE(page->Modified());
+}
+
+TEST_F(EditPageTest, CompileFillsTheOutputAndTheIffViewAndKeepsTheSymbols) {
+    const std::string file = MakeFile("Demo.pas", kDemoMission);
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(file, false);
+    ASSERT_NE(page, nullptr);
+    window.OutputView().AppendLine(QStringLiteral("old line"));
+    window.OutputView().hide();
+    EXPECT_EQ(page->Symbols(), nullptr);
+    ASSERT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
+    EXPECT_FALSE(window.OutputView().Lines().contains(QStringLiteral("old line")));
+    EXPECT_TRUE(window.OutputView().Lines().join(u'\n').contains(QStringLiteral("added to searchpath")));
+    EXPECT_TRUE(window.OutputView().isVisibleTo(&window));
+    EXPECT_TRUE(window.IffView().Text().startsWith(QStringLiteral("IFF \"Demo.mis\"")));
+    ASSERT_NE(page->Symbols(), nullptr);
+    EXPECT_GE(page->Symbols()->Find("ATTACK"), 0);
+    // The search path of the compile: the unit's folder first.
+    EXPECT_EQ(page->SearchPathText().substr(0, Dir().string().size()), Dir().string());
+    EXPECT_EQ(page->Memo()->ErrorLine(), -1);
+}
+
+TEST_F(EditPageTest, ACompileErrorMarksTheLineScrollsAndKeepsTheOldSymbols) {
+    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
+    ASSERT_NE(page, nullptr);
+    ASSERT_TRUE(page->Compile());
+    const auto symbols = page->Symbols();
+    QString text;
+    for (int i = 0; i < 30; ++i) text += QStringLiteral("var v%1;\r\n").arg(i);
+    page->Memo()->SetText(QStringLiteral("mission Broken;\r\n") + text +
+                          QStringLiteral("this is not pascal;\r\n") + text);
+    window.IffView().SetText(QStringLiteral("unchanged"));
+    EXPECT_FALSE(page->Compile());
+    EXPECT_EQ(page->Memo()->ErrorLine(), 31);
+    EXPECT_EQ(page->Memo()->CaretLine(), 31);
+    EXPECT_EQ(page->Memo()->CaretColumn(), 0);
+    EXPECT_EQ(page->Memo()->firstVisibleLine(), 26);
+    EXPECT_EQ(page->Symbols(), symbols);
+    EXPECT_EQ(window.IffView().Text(), QStringLiteral("unchanged"));
+    const QStringList lines = window.OutputView().Lines();
+    ASSERT_FALSE(lines.isEmpty());
+    EXPECT_TRUE(lines.front().startsWith(QStringLiteral("[Broken, 32] ERROR: ")))
+        << lines.front().toStdString();
+
+    // The next compile starts with a clean mark.
+    page->Memo()->SetText(QStringLiteral("mission Fixed;\r\n"));
+    EXPECT_TRUE(page->Compile());
+    EXPECT_EQ(page->Memo()->ErrorLine(), -1);
+}
+
+TEST_F(EditPageTest, AutosaveSavesBeforeCompiling) {
+    TIniFile(IniPath()).WriteBool("editor", "autosave", true);
+    const std::string file = MakeFile("auto.pas", "mission Auto;\r\n");
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(file, false);
+    ASSERT_NE(page, nullptr);
+    page->Memo()->append(QStringLiteral("var saved;\r\n"));
+    EXPECT_TRUE(page->Compile());
+    EXPECT_EQ(ReadFile(file), "mission Auto;\r\nvar saved;\r\n");
+    EXPECT_FALSE(page->Modified());
+}
+
+TEST_F(EditPageTest, CompileAndBuildWritesTheMissionAndTheSizeLine) {
+    TfrmMain window({});
+    ASSERT_NE(window.OpenFile(MakeFile("Demo.pas", kDemoMission), false), nullptr);
+    window.MenuItem(QStringLiteral("MenuCompileBuild"))->trigger();
+    const std::filesystem::path mission = Dir() / "Demo.mis";
+    ASSERT_TRUE(std::filesystem::exists(mission)) << window.OutputView().Lines().join(u'\n').toStdString();
+    EXPECT_EQ(ReadFile(mission).substr(0, 4), "FORM");
+    const std::string text = ReadFile(std::filesystem::temp_directory_path() / "_velkor.txt");
+    EXPECT_EQ(QString::fromStdString(text), window.IffView().Text());
+    const auto size = std::filesystem::file_size(mission);
+    const std::string line = "******* " + mission.string() + " (" +
+                             FormatFloat("#,##0", static_cast<double>(size)) + " bytes) *******";
+    EXPECT_TRUE(window.OutputView().Lines().contains(QString::fromStdString(line)))
+        << window.OutputView().Lines().join(u'\n').toStdString();
+}
+
+} // namespace
+} // namespace velkor::test

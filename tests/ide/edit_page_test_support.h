@@ -1,0 +1,79 @@
+// Shared by the tests of editor pages: a demo mission with one of each kind of symbol, an include unit
+// with a function, and files in the test's folder.
+#pragma once
+
+#include "compiler/symbol_table.h"
+#include "platform/executable_path.h"
+#include "platform/ini_file.h"
+#include "platform/numbers.h"
+#include "platform/strings.h"
+#include "tests/ide/ide_test_support.h"
+
+#include <QString>
+
+#include <ostream>
+#include <string>
+
+// Readable failure messages for texts of the widgets.
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
+
+namespace velkor::test {
+
+// Line numbers matter: Attack is declared on line 9, Boost on line 6 of the include unit.
+inline constexpr const char* kDemoMission = "mission Demo;\r\n"                                        // 1
+                                            "const MaxWave = 3, ShipCount = 2;\r\n"                    // 2
+                                            "var kills = 0, shipsLeft;\r\n"                            // 3
+                                            "include \"helpers\";\r\n"                                 // 4
+                                            "function Explode(x, y); external;\r\n"                    // 5
+                                            "function Tick; forward;\r\n"                              // 6
+                                            "\r\n"                                                     // 7
+                                            "// Adds its arguments.\r\n"                               // 8
+                                            "function Attack(ship, target);\r\n"                       // 9
+                                            "begin\r\n"                                                // 10
+                                            "  result := ship + target;\r\n"                           // 11
+                                            "end;\r\n"                                                 // 12
+                                            "\r\n"                                                     // 13
+                                            "function Tick;\r\n"                                       // 14
+                                            "var a;\r\n"                                               // 15
+                                            "begin\r\n"                                                // 16
+                                            "  a := Attack(kills, Boost(a));\r\n"                      // 17
+                                            "end;\r\n"                                                 // 18
+                                            "\r\n"                                                     // 19
+                                            "object Alpha (Alpha1) AS ship x: 0; y: 0; z: 0; end;\r\n" // 20
+                                            "objective FirstWave hidden: 0; type: 1; text: 7; status: 0; "
+                                            "counter: 0; end;\r\n"; // 21
+
+inline constexpr const char* kHelpersUnit = "unit Helpers;\r\n"           // 1
+                                            "\r\n"                        // 2
+                                            "var shipBonus;\r\n"          // 3
+                                            "\r\n"                        // 4
+                                            "// Doubles.\r\n"             // 5
+                                            "function Boost(amount);\r\n" // 6
+                                            "begin\r\n"                   // 7
+                                            "  result := amount * 2;\r\n" // 8
+                                            "end;\r\n";                   // 9
+
+class PageTest : public IdeTest {
+protected:
+    void SetUp() override {
+        IdeTest::SetUp();
+        TIniFile(IniPath()).WriteString("main", "sopath", Dir().string());
+        SetExecutableFolderForTesting(Dir().string());
+        WriteFile(Dir() / "helpers.pas", kHelpersUnit);
+        // The library folder of an installation, so that compiles give no hint about it.
+        std::filesystem::create_directories(Dir() / "lib");
+    }
+    void TearDown() override {
+        SetExecutableFolderForTesting("");
+        IdeTest::TearDown();
+    }
+
+    std::string MakeFile(const std::string& name, const std::string& bytes) {
+        WriteFile(Dir() / name, bytes);
+        return Path(name);
+    }
+};
+
+} // namespace velkor::test
