@@ -153,6 +153,8 @@ void TfrmEdit::ShowParameterHintFor(const TSymbol& function, int argument) {
         text = text.left(from) + QStringLiteral("<b>") + text.mid(from, to - from) + QStringLiteral("</b>") +
                text.mid(to);
     }
+    // The hint stays where it opened while the same call is typed.
+    const bool moved = !hint_ || hintFunction_ != function.Name;
     if (!hint_) {
         hint_ = new QLabel(this, Qt::ToolTip);
         hint_->setObjectName(QStringLiteral("ParameterHint"));
@@ -169,9 +171,10 @@ void TfrmEdit::ShowParameterHintFor(const TSymbol& function, int argument) {
     hintFunction_ = function.Name;
     hint_->setText(text);
     hint_->adjustSize();
-    const QPoint caret = CaretPoint();
-    const int lineHeight = static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL));
-    hint_->move(mapToGlobal(caret + QPoint(0, lineHeight + 2)));
+    if (moved) {
+        const int lineHeight = static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL));
+        hint_->move(mapToGlobal(CaretPoint() + QPoint(0, lineHeight + 2)));
+    }
     hint_->show();
 }
 

@@ -12,6 +12,7 @@
 #include "ide/symbol_queries.h"
 #include "platform/strings.h"
 
+#include <QFocusEvent>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLabel>
@@ -52,8 +53,11 @@ bool TfrmEdit::eventFilter(QObject* watched, QEvent* event) {
     if (watched == memo_ && event->type() == QEvent::KeyPress) {
         return MemoKeyDown(*static_cast<QKeyEvent*>(event));
     }
-    if (watched == memo_ && event->type() == QEvent::FocusOut && codeHelp_->isVisible()) {
+    if (watched == memo_ && event->type() == QEvent::FocusOut &&
+        static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
+        // Another page, view or window took over: the popups of this one go.
         codeHelp_->hide();
+        CloseParameterHint();
     }
     if (watched == memo_->viewport() && event->type() == QEvent::ToolTip) {
         auto* help = static_cast<QHelpEvent*>(event);
