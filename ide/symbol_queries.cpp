@@ -14,6 +14,12 @@ bool IsIdentChar(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
 
+std::size_t SkipBlanks(std::string_view text, std::size_t at) {
+    while (at < text.size() && (text[at] == ' ' || text[at] == '\t' || text[at] == '\r' || text[at] == '\n'))
+        ++at;
+    return at;
+}
+
 // How far past the declaration line a declaration is looked for: enough for a header split over lines,
 // little enough that a file which changed since the compile is not read to its end.
 constexpr std::size_t kDeclarationWindow = 4096;
@@ -120,13 +126,11 @@ std::optional<std::vector<std::string>> DeclaredParameters(std::string_view sour
         const bool wordStart = pos + hit == 0 || !IsIdentChar(window[pos + hit - 1]);
         pos = p;
         if (!wordStart || (p < window.size() && IsIdentChar(window[p]))) continue;
-        while (p < window.size() &&
-               (window[p] == ' ' || window[p] == '\t' || window[p] == '\r' || window[p] == '\n'))
-            ++p;
+        p = SkipBlanks(window, p);
         const std::size_t nameStart = p;
         while (p < window.size() && IsIdentChar(window[p])) ++p;
         if (!SameText(window.substr(nameStart, p - nameStart), name)) continue;
-        while (p < window.size() && (window[p] == ' ' || window[p] == '\t')) ++p;
+        p = SkipBlanks(window, p);
         std::vector<std::string> names;
         if (p >= window.size() || window[p] != '(') return names;
         const std::size_t close = window.find(')', p);

@@ -258,6 +258,8 @@ TEST(SymbolQueries, ParametersFromTheDeclarationAndTheCallAtTheCaret) {
     EXPECT_EQ(DeclaredParameters("function Go;\nfunction GoOn(x);", 1, "goon"),
               std::vector<std::string>{"x"});
     EXPECT_EQ(DeclaredParameters("function Go;", 1, "go"), std::vector<std::string>{});
+    EXPECT_EQ(DeclaredParameters("function go\r\n( a,\r\n b );", 1, "GO"),
+              (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(DeclaredParameters("function Other(a);", 1, "go"), std::nullopt);
     EXPECT_EQ(DeclaredParameters("function Go(a);", 7, "go"), std::nullopt);
     EXPECT_EQ(DeclaredParameters("myfunction Go(a);", 1, "go"), std::nullopt);
