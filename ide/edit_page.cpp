@@ -112,6 +112,8 @@ TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
         RefreshContextMenu();
         popup_->popup(memo_->mapToGlobal(at));
     });
+    memo_->SetReplacePrompt(
+        [this](const QString& found, int, int) { return DialogHooks().AskReplace(this, found); });
     memo_->installEventFilter(this);
     memo_->viewport()->installEventFilter(this);
     if (!noIntelligence_) connect(memo_, &QsciScintilla::textChanged, this, [this] { typed_ = true; });

@@ -20,6 +20,18 @@ TMsgAnswer RealAskYesNoCancel(QWidget* parent, const QString& text) {
     return TMsgAnswer::Cancel;
 }
 
+TReplaceAnswer RealAskReplace(QWidget* parent, const QString& found) {
+    const auto button = QMessageBox::question(
+        parent, QStringLiteral("Confirm"), QStringLiteral("Replace this occurrence of '%1'?").arg(found),
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel | QMessageBox::YesToAll, QMessageBox::Yes);
+    switch (button) {
+    case QMessageBox::Yes: return TReplaceAnswer::Yes;
+    case QMessageBox::No: return TReplaceAnswer::No;
+    case QMessageBox::YesToAll: return TReplaceAnswer::All;
+    default: return TReplaceAnswer::Cancel;
+    }
+}
+
 void PrepareFileDialog(QFileDialog& dialog, const TFileDialogRequest& request) {
     if (!request.Caption.isEmpty()) dialog.setWindowTitle(request.Caption);
     dialog.setNameFilters(ToQtFilter(request.Filter).split(QStringLiteral(";;")));
@@ -54,6 +66,7 @@ QString RealSaveFile(QWidget* parent, const TFileDialogRequest& request) {
 TDialogHooks RealHooks() {
     TDialogHooks hooks;
     hooks.AskYesNoCancel = RealAskYesNoCancel;
+    hooks.AskReplace = RealAskReplace;
     hooks.ShowMessage = [](QWidget* parent, const QString& text) {
         QMessageBox::information(parent, QStringLiteral("Velkor"), text);
     };

@@ -2,6 +2,8 @@
 // loop and the rest of the IDE never calls a dialog class directly.
 #pragma once
 
+#include "editor/search_options.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -27,6 +29,8 @@ struct TFileDialogRequest {
 struct TDialogHooks {
     // Yes, No, Cancel confirmation.
     std::function<TMsgAnswer(QWidget* parent, const QString& text)> AskYesNoCancel;
+    // Before a replacement: Yes, No, Cancel or Yes to all for the selected match `found`.
+    std::function<TReplaceAnswer(QWidget* parent, const QString& found)> AskReplace;
     // An information message with OK.
     std::function<void(QWidget* parent, const QString& text)> ShowMessage;
     // One existing file, or empty when cancelled.

@@ -17,6 +17,8 @@
 #include <QRadioButton>
 #include <QStatusBar>
 
+#include <deque>
+
 namespace velkor::test {
 namespace {
 
@@ -238,6 +240,30 @@ TEST_F(FindDialogTest, ReplaceAndReplaceAll) {
     // Search Again drops "home" and "selected text": it goes on from the cursor.
     page->SearchAgain();
     EXPECT_EQ(page->Memo()->selectedText(), QStringLiteral("x333"));
+}
+
+TEST_F(FindDialogTest, PromptOnReplaceAsksForEveryMatch) {
+    TfrmMain window({});
+    TfrmEdit* page = window.ActivePage();
+    page->Memo()->SetText(QStringLiteral("old old old old"));
+    page->Memo()->SetCaret(0, 0);
+    std::deque<TReplaceAnswer> answers = {TReplaceAnswer::Yes, TReplaceAnswer::No, TReplaceAnswer::All};
+    DialogHooks().AskReplace = [&](QWidget*, const QString& found) {
+        replacePrompts_ << found;
+        const TReplaceAnswer answer = answers.front();
+        answers.pop_front();
+        return answer;
+    };
+    OnDialog([&](TSyntaxFindDialog& dialog) {
+        dialog.SetFindText(QStringLiteral("old"));
+        dialog.NewTextComboBox()->setEditText(QStringLiteral("new"));
+        EXPECT_TRUE(dialog.findChild<QCheckBox*>(QStringLiteral("PromptCheckBox"))->isChecked());
+        return Press(dialog, dialog.ReplaceAllButton());
+    });
+    page->Replace();
+    EXPECT_EQ(page->Text(), QStringLiteral("new old new new"));
+    EXPECT_EQ(replacePrompts_, (QStringList{"old", "old", "old"}));
+    EXPECT_EQ(page->LastSearchOptions(), unsigned{ssoPrompt | ssoReplace | ssoReplaceAll});
 }
 
 TEST_F(FindDialogTest, SearchAgainBeforeAnyFindOpensTheDialog) {

@@ -31,6 +31,10 @@ void IdeTest::SetUp() {
         answers_.pop_front();
         return answer;
     };
+    hooks.AskReplace = [this](QWidget*, const QString& found) {
+        replacePrompts_ << found;
+        return TReplaceAnswer::Cancel;
+    };
     hooks.OpenFile = [this](QWidget*, const TFileDialogRequest&) {
         return openAnswers_.isEmpty() ? QString() : openAnswers_.takeFirst();
     };

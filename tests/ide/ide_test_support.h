@@ -36,6 +36,7 @@ protected:
     std::unique_ptr<TempDir> dir_;   // everything the test writes
     QStringList messages_;           // texts of ShowMessage
     QStringList questions_;          // texts of AskYesNoCancel
+    QStringList replacePrompts_;     // matches AskReplace was asked about; each answered Cancel
     std::deque<TMsgAnswer> answers_; // answers to give, in order; Cancel when none is left
     QStringList openAnswers_;        // files the open dialog returns, one per call
     QStringList saveAnswers_;        // files the save dialog returns, one per call
