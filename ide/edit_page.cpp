@@ -120,6 +120,8 @@ TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
 
     codeHelp_->setObjectName(QStringLiteral("lbCodeHelp"));
     codeHelp_->hide();
+    // A window of its own, so that near the page's edge it is not cut off; the keys come from the editor.
+    codeHelp_->setWindowFlags(Qt::ToolTip);
     codeHelp_->setFocusPolicy(Qt::NoFocus);
     codeHelp_->installEventFilter(this);
     QPalette tip = codeHelp_->palette();

@@ -173,7 +173,10 @@ void TfrmEdit::ShowParameterHintFor(const TSymbol& function, int argument) {
     hint_->adjustSize();
     if (moved) {
         const int lineHeight = static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL));
-        hint_->move(mapToGlobal(CaretPoint() + QPoint(0, lineHeight + 2)));
+        // Above the line, so that the string list below the caret leaves it visible.
+        const QPoint caret = mapToGlobal(CaretPoint());
+        const int above = caret.y() - hint_->height() - 2;
+        hint_->move(caret.x(), above >= 0 ? above : caret.y() + lineHeight + 2);
     }
     hint_->show();
 }
@@ -215,7 +218,7 @@ void TfrmEdit::ShowStringList() {
     codeHelpAnchor_ = memo_->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS);
     const int rowHeight = std::max(codeHelp_->sizeHintForRow(0), codeHelp_->fontMetrics().height());
     codeHelp_->resize(360, rowHeight * std::min(kCodeHelpRows, std::max(codeHelp_->count(), 1)) + 6);
-    codeHelp_->move(CaretPoint() + QPoint(5, 18));
+    codeHelp_->move(mapToGlobal(CaretPoint() + QPoint(5, 18)));
     codeHelp_->raise();
     codeHelp_->show();
 }

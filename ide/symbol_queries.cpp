@@ -204,7 +204,9 @@ std::string SymbolHintText(const TSymbol& symbol) {
     std::string type = SymbolTypeCaption(symbol.Kind);
     if (type.empty()) type = symbol.Kind == skStringTable ? "Strings" : "Symbol";
     std::string text = type + " " + SymbolDisplayName(symbol);
-    if (IsFunctionKind(symbol.Kind)) text += " (" + std::to_string(symbol.Register) + " parameters)";
+    if (IsFunctionKind(symbol.Kind))
+        text +=
+            " (" + std::to_string(symbol.Register) + (symbol.Register == 1 ? " parameter)" : " parameters)");
     if (SymbolMaskBit(symbol.Kind) == smConstants) text += " = " + symbol.Text;
     const std::string file = FileNameOf(symbol.FileNumber);
     if (!file.empty()) text += " - " + FileNamePart(file) + " (" + std::to_string(symbol.Line) + ")";

@@ -297,6 +297,8 @@ TEST_F(CodeAssistTest, TheMouseHintNamesTheSymbolUnderThePointer) {
     EXPECT_EQ(page->SymbolHintAt(pointOf(8, 11)), // inside "Attack" on line 9
               QStringLiteral("Function Attack (2 parameters) - Demo.pas (9)"));
     EXPECT_EQ(page->SymbolHintAt(pointOf(1, 8)), QStringLiteral("Constant MAXWAVE = 3 - Demo.pas (2)"));
+    EXPECT_EQ(page->SymbolHintAt(pointOf(16, 22)), // "Boost" on line 17
+              QString::fromStdString("Function Boost (1 parameter) - helpers.pas (6)"));
     EXPECT_EQ(page->SymbolHintAt(QPoint(2000, 2000)), QString());
 }
 
