@@ -94,7 +94,8 @@ public:
     // Find Declaration: the declaration of the symbol at the cursor; nothing when there is none.
     void FindDeclaration();
     // Opens the declaring file when it is another page's and shows the declaration's line there. A line
-    // below 5 is the range error of the original line arithmetic, shown as a message.
+    // below 5 is the range error of the page's unsigned line arithmetic, kept as it has always been and
+    // shown as a message.
     void GotoDeclaration(const TSymbol& symbol);
     // Caret to column 0 of `line` (from 1), the line 5 above it on top. Throws ERangeError below line 5.
     void ShowDeclarationLine(int line);

@@ -76,7 +76,7 @@ void TfrmEdit::GotoDeclaration(const TSymbol& symbol) {
 }
 
 void TfrmEdit::ShowDeclarationLine(int line) {
-    // The original's unsigned line arithmetic: line - 1 for the caret, line - 5 for the top line.
+    // Unsigned line arithmetic, kept: line - 1 for the caret, line - 5 for the top line.
     if (line < 1) throw ERangeError();
     memo_->SetCaret(line - 1, 0);
     if (line < 5) throw ERangeError();

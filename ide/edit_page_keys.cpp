@@ -1,9 +1,9 @@
 // Keys of an editor page before its editor sees them (MemoKeyDown), the keys of the string list
 // (lbCodeHelpKeyDown), the mouse hint and the 100 ms timer that keeps the parameter hint on the call.
 //
-// The original read virtual keys of the authors' keyboard layout: Shift+9 types ")", Shift+comma ";",
-// Shift+8 "(" and AltGr+8 "[". Here the typed character decides, so the keys work on every layout; the
-// digit-row keys are still recognised by position where the platform reports it.
+// The keys were chosen on the authors' keyboard layout, where Shift+9 types ")", Shift+comma ";", Shift+8
+// "(" and AltGr+8 "[". The typed character decides here, so the keys work on every layout; the digit-row
+// keys are still recognised by position where the platform reports it.
 #include "ide/edit_page.h"
 
 #include "compiler/symbol_table.h"
