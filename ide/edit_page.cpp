@@ -344,7 +344,7 @@ bool TfrmEdit::Compile() {
 }
 
 void TfrmEdit::BuildIff() {
-    BuildIffFromView(host_);
+    BuildIffFromView(host_, std::filesystem::path(FileName()).parent_path());
 }
 
 void TfrmEdit::Undo() {

@@ -18,13 +18,15 @@ std::filesystem::path PlaceBuiltFile(const std::string& name) {
     return ResolvePath(name);
 }
 
-void BuildIffFromView(TPageHost& host) {
+void BuildIffFromView(TPageHost& host, const std::filesystem::path& baseFolder) {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     try {
         const std::filesystem::path text = std::filesystem::temp_directory_path() / "_velkor.txt";
-        WriteFileAtomic(text, FromQ(host.IffView().Text()));
+        const std::string source = FromQ(host.IffView().Text());
+        WriteFileAtomic(text, source);
         TIffCompiler assembler;
         assembler.SetInputFile(text.string());
+        if (!baseFolder.empty()) assembler.SetInputText(source, baseFolder);
         assembler.OnMessage = [&host](int, const std::string& line) { host.Output(line); };
         assembler.OnBinaryOutput = [&host](const std::vector<std::uint8_t>& bytes, const std::string& name) {
             const std::filesystem::path target = PlaceBuiltFile(name);

@@ -9,8 +9,9 @@ namespace velkor {
 class TPageHost;
 
 // Saves the IFF view's text as "_velkor.txt" in the temporary folder and assembles it; every message and
-// a line per written file go to the output list.
-void BuildIffFromView(TPageHost& host);
+// a line per written file go to the output list. `FILE` values name files relative to `baseFolder` (the
+// page's folder, where a decoded file's side files lie), not to the temporary folder.
+void BuildIffFromView(TPageHost& host, const std::filesystem::path& baseFolder = {});
 
 // Where an assembled file goes: a name without a folder beside the executable, a path as the resolver
 // finds it.

@@ -178,7 +178,10 @@ void TfrmMain::ConnectMenus() {
         TfrmEdit* page = ActivePage();
         if (page && page->Compile()) page->BuildIff();
     });
-    on("MenuCompileBuildIff", [this] { BuildIffFromView(*this); });
+    on("MenuCompileBuildIff", [this] {
+        TfrmEdit* page = ActivePage();
+        BuildIffFromView(*this, page ? std::filesystem::path(page->FileName()).parent_path() : std::filesystem::path());
+    });
 
     on("MenuExtLoad", &TfrmMain::LoadExtensionDialog);
 

@@ -254,5 +254,25 @@ TEST_F(EditPageTest, CompileAndBuildWritesTheMissionAndTheSizeLine) {
         << window.OutputView().Lines().join(u'\n').toStdString();
 }
 
+TEST_F(EditPageTest, ADecodedFileWithSideFilesBuildsBackToItsBytes) {
+    // A chunk above the decode limit goes to a side file beside the IFF file; building the decoded page
+    // must find it there, not in the temporary folder the text is assembled from.
+    std::string big(3000, '\0');
+    for (std::size_t i = 0; i < big.size(); ++i) big[i] = static_cast<char>(i * 7);
+    const std::string chunk = std::string("DATA") + std::string("\0\0\x0B\xB8", 4) + big;
+    const std::string form = std::string("FORM") + std::string("\0\0\x0B\xC4", 4) + "TEST" + chunk;
+    std::filesystem::create_directories(Dir() / "src");
+    const std::string iff = (Dir() / "src" / "Big.iff").string();
+    WriteFile(iff, form);
+    TfrmMain window({});
+    ASSERT_NE(window.OpenFile(iff, false), nullptr);
+    ASSERT_TRUE(window.ActivePage()->Text().contains(QStringLiteral("file \"Big.iff_DATA_C.bin\"")))
+        << window.ActivePage()->Text().toStdString();
+    window.MenuItem(QStringLiteral("MenuCompileBuild"))->trigger();
+    const std::filesystem::path built = Dir() / "Big.iff";
+    ASSERT_TRUE(std::filesystem::exists(built)) << window.OutputView().Lines().join(u'\n').toStdString();
+    EXPECT_EQ(ReadFile(built), form);
+}
+
 } // namespace
 } // namespace velkor::test
