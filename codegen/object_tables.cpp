@@ -93,4 +93,12 @@ const ObjectProperty* FindObjectProperty(std::string_view keyword) {
     return nullptr;
 }
 
+std::span<const ObjectType> ObjectTypes() {
+    return kTypes;
+}
+
+std::span<const ObjectProperty> ObjectProperties() {
+    return kProperties;
+}
+
 } // namespace velkor

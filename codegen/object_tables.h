@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 namespace velkor {
@@ -32,6 +33,10 @@ struct ObjectProperty {
 // The entry of an upper-case word, or null.
 const ObjectType* FindObjectType(std::string_view word);
 const ObjectProperty* FindObjectProperty(std::string_view keyword);
+
+// Every entry, in the order the tables list them (for the help pages).
+std::span<const ObjectType> ObjectTypes();
+std::span<const ObjectProperty> ObjectProperties();
 
 // The property every object form starts with: its type number.
 inline constexpr std::string_view kTypePropertyId = "56A0F92F";

@@ -31,9 +31,9 @@ std::string DefaultHelpRoot() {
     std::error_code ec;
     const std::string beside = ExecutableFolder() + "docs/help/";
     if (std::filesystem::is_directory(beside, ec)) return beside;
-#ifdef VELKOR_SOURCE_HELP_DIR
-    const std::string source = WithSeparator(VELKOR_SOURCE_HELP_DIR);
-    if (std::filesystem::is_directory(source, ec)) return source;
+#ifdef VELKOR_BUILT_HELP_DIR
+    const std::string built = WithSeparator(VELKOR_BUILT_HELP_DIR);
+    if (std::filesystem::is_directory(built, ec)) return built;
 #endif
     return beside;
 }

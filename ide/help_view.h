@@ -32,7 +32,8 @@ private:
     std::string current_;   // last page shown
 };
 
-// The shipped pages: "docs/help/" beside the executable, else the source tree's, else empty.
+// The shipped pages: "docs/help/" beside the executable, else the build folder's (for programs built
+// elsewhere in the tree), else the first.
 std::string DefaultHelpRoot();
 
 } // namespace velkor
