@@ -295,8 +295,13 @@ void TfrmMain::AddRecent(const std::string& path) {
 }
 
 void TfrmMain::LoadExtensionFile(const std::string& path) {
-    const std::string failure = LoadExtension(path);
-    if (!failure.empty()) DialogHooks().ShowMessage(this, ToQ(failure));
+    std::string reason;
+    const std::string failure = LoadExtension(path, &reason);
+    if (failure.empty()) return;
+    // The message says only "not found"; the loader's reason (a missing symbol, a wrong architecture)
+    // is what the author of the library needs.
+    if (!reason.empty()) Output(reason);
+    DialogHooks().ShowMessage(this, ToQ(failure));
 }
 
 // --- timer and status
