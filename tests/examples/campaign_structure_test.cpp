@@ -128,7 +128,7 @@ void ExpectEditorForm(const TIffReader& r, const std::vector<std::string>& names
     EXPECT_EQ(d.Left(), 0u);
 }
 
-struct ObjectSpec {
+struct ObjectFacts {
     std::string game;    // the game name, recorded by its checksum
     std::string type;    // the TYPE chunk's text
     std::uint32_t kind;  // the OBJ_PROP_TYPE number
@@ -138,22 +138,22 @@ struct ObjectSpec {
 
 // OBJS: one OBJ_ form per object in declaration order; each program-name property names one of the
 // unit's functions.
-void ExpectObjects(const TIffReader& r, const TForm& objs, const std::vector<ObjectSpec>& objects,
+void ExpectObjects(const TIffReader& r, const TForm& objs, const std::vector<ObjectFacts>& objects,
                    const std::vector<std::uint32_t>& functions) {
     ASSERT_EQ(objs.Forms.size(), objects.size());
     EXPECT_TRUE(objs.Chunks.empty());
     for (std::size_t i = 0; i < objects.size(); ++i) {
         const TForm& obj = *objs.Forms[i];
-        const ObjectSpec& spec = objects[i];
-        SCOPED_TRACE(spec.game);
+        const ObjectFacts& want = objects[i];
+        SCOPED_TRACE(want.game);
         EXPECT_EQ(obj.ID, "OBJ_");
         EXPECT_TRUE(Outline(obj).starts_with("OBJ_(TYPE COMN PLST(PROP($56A0F92F)")) << Outline(obj);
-        EXPECT_EQ(DataCursor(ChunkBytes(r, ChunkOf(obj, "TYPE"))).CString(), spec.type);
+        EXPECT_EQ(DataCursor(ChunkBytes(r, ChunkOf(obj, "TYPE"))).CString(), want.type);
         DataCursor comn(ChunkBytes(r, ChunkOf(obj, "COMN")));
-        EXPECT_EQ(comn.Long(), NameHash(spec.game));
-        EXPECT_EQ(comn.Float(), spec.x);
-        EXPECT_EQ(comn.Float(), spec.y);
-        EXPECT_EQ(comn.Float(), spec.z);
+        EXPECT_EQ(comn.Long(), NameHash(want.game));
+        EXPECT_EQ(comn.Float(), want.x);
+        EXPECT_EQ(comn.Float(), want.y);
+        EXPECT_EQ(comn.Float(), want.z);
         EXPECT_EQ(comn.Left(), 0u);
 
         std::string display;
@@ -165,7 +165,7 @@ void ExpectObjects(const TIffReader& r, const TForm& objs, const std::vector<Obj
             DataCursor value = Property(r, *plst.Forms[p], id);
             if (p == 0) {
                 EXPECT_EQ(id, kTypeId);
-                EXPECT_EQ(value.Long(), spec.kind);
+                EXPECT_EQ(value.Long(), want.kind);
             } else if (id == kNameId) {
                 display = Line(value.Long());
             } else if (id == kNavDataId) {
@@ -179,11 +179,11 @@ void ExpectObjects(const TIffReader& r, const TForm& objs, const std::vector<Obj
                     << "program " << program << " is no function of the unit";
             }
         }
-        EXPECT_EQ(display, spec.display);
+        EXPECT_EQ(display, want.display);
     }
 }
 
-struct ObjectiveSpec {
+struct ObjectiveFacts {
     std::uint32_t hidden, type; // the first two fields
     std::string text;           // the line of the string file it shows
     std::uint32_t status, counter;
@@ -191,7 +191,7 @@ struct ObjectiveSpec {
 
 // The mission's .iff: its name, objectives, squadrons and kill board.
 void ExpectMissionIff(const std::string& file, const std::string& title,
-                      const std::vector<ObjectiveSpec>& objectives,
+                      const std::vector<ObjectiveFacts>& objectives,
                       const std::vector<std::uint32_t>& killBoard) {
     auto forms = TopLevelForms(file);
     ASSERT_EQ(forms.size(), 1u);
@@ -208,16 +208,16 @@ void ExpectMissionIff(const std::string& file, const std::string& title,
     for (const auto& chunk : form.Chunks) {
         if (chunk->ID != "MOBJ") continue;
         ASSERT_LT(i, objectives.size());
-        const ObjectiveSpec& spec = objectives[i++];
-        SCOPED_TRACE(spec.text);
+        const ObjectiveFacts& want = objectives[i++];
+        SCOPED_TRACE(want.text);
         DataCursor d(ChunkBytes(r, *chunk));
-        EXPECT_EQ(d.Long(), spec.hidden);
-        EXPECT_EQ(d.Long(), spec.type);
+        EXPECT_EQ(d.Long(), want.hidden);
+        EXPECT_EQ(d.Long(), want.type);
         const std::uint32_t text = d.Long();
-        EXPECT_EQ(Line(text), spec.text);
+        EXPECT_EQ(Line(text), want.text);
         EXPECT_EQ(d.Long(), text) << "both string fields hold the one text";
-        EXPECT_EQ(d.Long(), spec.status);
-        EXPECT_EQ(d.Long(), spec.counter);
+        EXPECT_EQ(d.Long(), want.status);
+        EXPECT_EQ(d.Long(), want.counter);
         for (int zero = 0; zero < 3; ++zero) EXPECT_EQ(d.Long(), 0u);
         EXPECT_EQ(d.Left(), 0u);
     }
@@ -232,7 +232,7 @@ struct MissionSpec {
     std::string mainProc, gfProc;                                 // the programs of #MAINPROC and #GFPROC
     std::vector<std::pair<std::string, std::uint32_t>> flags;     // globals and initial values
     std::vector<std::pair<std::string, std::uint32_t>> functions; // name and parameter count
-    std::vector<ObjectSpec> objects;
+    std::vector<ObjectFacts> objects;
     std::vector<std::string> rooms;
 };
 
