@@ -1,0 +1,374 @@
+#!/usr/bin/env python3
+"""Benchmarks of velkorc on generated inputs, each figure printed beside its anchor measured in the same run.
+
+  compile + build   a generated mission of 100,000 source lines, beside fpc compiling a Pascal program of
+                    the same shape and size (the generator writes both); target: 10 times fpc's lines/s
+  asm               tens of MB of "BYTE [16]" rows, beside `xxd -r -p` on the same bytes; target: equal MB/s
+  decode            a large binary IFF file, beside `xxd -p` on the same file; target: equal MB/s
+  scaling           each of the above at 1x and 10x the input; target: time ratio at most 11
+  peak memory       of every velkorc run, beside its input size
+
+Every output is checked: the asm output against xxd's bytes, the decoded text by assembling it again.
+Usage: scripts/bench.py [--scale F] [--velkorc PATH] [--keep DIR]
+--scale shrinks or grows every input (0.1 for a quick look); the figures are meant at 1.
+"""
+import argparse
+import os
+import random
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+
+GAME_CALLS = ["Distance", "OrderAttack", "WaitSeconds", "IsAlive", "SetObjective", "ShowTextFrom"]
+
+
+class Twin:
+    """Writes the mission and its Free Pascal twin line by line, so both have the same shape and size."""
+
+    def __init__(self):
+        self.mis = []
+        self.pas = []
+
+    def both(self, mission_line, pascal_line):
+        self.mis.append(mission_line)
+        self.pas.append(pascal_line)
+
+    def __len__(self):
+        return len(self.mis)
+
+
+def generate_sources(lines, seed=7):
+    rnd = random.Random(seed)
+    w = Twin()
+    w.both("mission bench;", "program bench;")
+    w.both("include gamefuncs, constants;", "const ObjStatusOpen = 0; ObjStatusDone = 1; TeamHostile = 2;")
+    w.both('#SECTOR: "bench.sec";', "function Distance(a, b: longint): longint; begin Distance := a - b; end;")
+    w.both('#MAINPROC: "Main";', "procedure OrderAttack(a, b: longint); begin end;")
+    w.both("#SETKILLBOARD(1, 2, 3);", "procedure WaitSeconds(s: longint); begin end;")
+    w.both("", "function IsAlive(a: longint): longint; begin IsAlive := a; end;")
+    w.both("", "procedure SetObjective(a, b: longint); begin end;")
+    w.both("", "procedure ShowTextFrom(a, b: longint); begin end;")
+    w.both("", "type TObj = record kind, x, y, z, pilot, team: longint; end;")
+    w.both("", "type TGoal = record hidden, kind, text, status, counter: longint; end;")
+
+    globals_ = [f"g{i}" for i in range(150)]
+    w.both("var", "var")
+    for g in globals_:
+        v = rnd.randrange(100)
+        w.both(f"  {g} = {v};", f"  {g}: longint = {v};")
+    w.both("", "")
+
+    n_objects = max(10, lines // 250)
+    objects = [f"Obj{i}" for i in range(n_objects)]
+    kinds = ["SHIP", "SHIP", "SHIP", "CAPSHIP", "NAVPOINT", "CARGO"]
+    for i, name in enumerate(objects):
+        kind = kinds[i % len(kinds)]
+        x, y, z = rnd.randrange(-50000, 50000), rnd.randrange(-5000, 5000), rnd.randrange(0, 90000)
+        w.both(f"object {name} ({name}) AS {kind}", f"const {name} = {i}; {name}_data: TObj = (")
+        w.both('  OBJ: "fighter";', f"  kind: {i % len(kinds)};")
+        w.both(f"  x: {x}; y: {y}; z: {z};", f"  x: {x}; y: {y}; z: {z};")
+        if kind == "NAVPOINT":
+            w.both(f"  NAVDATA: {i}, 2000;", f"  pilot: {i}; team: 2000")
+        else:
+            w.both(f"  PILOT: {i % 30};", f"  pilot: {i % 30}; team: 2")
+        w.both("end;", ");")
+    w.both("", "")
+
+    n_goals = max(4, lines // 1600)
+    for i in range(n_goals):
+        w.both(f"objective Goal{i}", f"const Goal{i} = {i}; Goal{i}_data: TGoal = (")
+        w.both(f"  hidden: {i % 2};", f"  hidden: {i % 2};")
+        w.both(f"  type: {i % 4};", f"  kind: {i % 4};")
+        w.both(f"  text: {i};", f"  text: {i};")
+        w.both("  status: ObjStatusOpen;", "  status: ObjStatusOpen;")
+        w.both("  counter: 0;", "  counter: 0")
+        w.both("end;", ");")
+    w.both("", "")
+
+    def expr(depth, names):
+        r = rnd.random()
+        if depth > 2 or r < 0.3:
+            c = rnd.random()
+            if c < 0.4 and names:
+                v = rnd.choice(names)
+            elif c < 0.6:
+                v = rnd.choice(globals_)
+            elif c < 0.7:
+                v = rnd.choice(objects)
+            else:
+                v = str(rnd.randrange(1000))
+            return v, v
+        if r < 0.45:
+            a, b = rnd.choice(objects), rnd.choice(objects)
+            v = f"Distance({a}, {b})"
+            return v, v
+        op = rnd.choice(["+", "-", "*", "/", "AND", "OR"])
+        (lm, lp), (rm, rp) = expr(depth + 1, names), expr(depth + 1, names)
+        if op == "/":
+            # fpc folds constant operands and refuses a division by a constant zero.
+            pop, rp = "div", f"({rp} or 1)"
+        else:
+            pop = op
+        if depth:
+            return f"({lm} {op} {rm})", f"({lp} {pop} {rp})"
+        return f"{lm} {op} {rm}", f"{lp} {pop} {rp}"
+
+    def cond(names):
+        rel = rnd.choice(["=", "<", ">", "<>"])
+        (am, ap), (bm, bp) = expr(1, names), expr(1, names)
+        m, p = f"{am} {rel} {bm}", f"{ap} {rel} {bp}"
+        if rnd.random() < 0.2:
+            return f"NOT ({m})", f"not ({p})"
+        return m, p
+
+    functions = []
+    n = 0
+    while len(w) < lines - 3 - 60:
+        name = f"Task{n}"
+        n += 1
+        params = [f"p{k}" for k in range(rnd.randrange(0, 4))]
+        names = params + ["i", "t"]
+        if params:
+            w.both(f"function {name}({', '.join(params)});", f"function {name}({', '.join(params)}: longint): longint;")
+        else:
+            w.both(f"function {name};", f"function {name}: longint;")
+        w.both("var i, t = 0, result;", "var i, t, result: longint;")
+        w.both("begin", "begin t := 0;")
+        body_end = len(w) + rnd.randrange(25, 60)
+        # A for loop keeps its final value in a stack register until the function ends, and a function has
+        # eight registers for its locals and stack: one for loop each.
+        for_loops = 0
+        while len(w) < body_end:
+            s = rnd.random()
+            if s < 0.25:
+                m, p = expr(0, names)
+                w.both(f"  t := {m};", f"  t := {p};")
+            elif s < 0.4:
+                m, p = cond(names)
+                g = rnd.choice(globals_)
+                k = rnd.randrange(1, 9)
+                w.both(f"  if ({m}) then", f"  if ({p}) then")
+                w.both(f"    {g} := t + 1", f"    {g} := t + 1")
+                w.both("  else", "  else")
+                w.both(f"    inc({g}, {k});", f"    inc({g}, {k});")
+            elif s < 0.5 and for_loops == 0:
+                for_loops += 1
+                a, b, k, top = rnd.choice(objects), rnd.choice(objects), rnd.randrange(2, 9), rnd.randrange(2, 20)
+                w.both(f"  for i := 1 to {top} do", f"  for i := 1 to {top} do")
+                w.both("  begin", "  begin")
+                w.both(f"    OrderAttack({a}, {b});", f"    OrderAttack({a}, {b});")
+                w.both(f"    t := t + i * {k};", f"    t := t + i * {k};")
+                w.both("  end;", "  end;")
+            elif s < 0.6:
+                m, p = cond(names)
+                w.both(f"  while ({m}) do", f"  while ({p}) do")
+                w.both("  begin", "  begin")
+                w.both("    WaitSeconds(1);", "    WaitSeconds(1);")
+                w.both("    inc(t);", "    inc(t);")
+                w.both("    if (t > 100) then", "    if (t > 100) then")
+                w.both("      break;", "      break;")
+                w.both("  end;", "  end;")
+            elif s < 0.67:
+                o = rnd.choice(objects)
+                w.both(f"  until (IsAlive({o}) = 0) do", f"  while not (IsAlive({o}) = 0) do")
+                w.both("    WaitSeconds(2);", "    WaitSeconds(2);")
+            elif s < 0.8 and functions:
+                callee, arity = rnd.choice(functions[-50:])
+                args = [expr(1, names) for _ in range(arity)]
+                if arity:
+                    w.both(f"  t := {callee}({', '.join(a for a, _ in args)});",
+                           f"  t := {callee}({', '.join(b for _, b in args)});")
+                else:
+                    w.both(f"  t := t + {callee};", f"  t := t + {callee};")
+            elif s < 0.9:
+                g = rnd.randrange(n_goals)
+                w.both(f"  SetObjective(Goal{g}, ObjStatusDone);", f"  SetObjective(Goal{g}, ObjStatusDone);")
+            else:
+                k, o = rnd.randrange(50), rnd.choice(objects)
+                w.both(f"  ShowTextFrom({k}, {o});", f"  ShowTextFrom({k}, {o});")
+        w.both("  result := t;", f"  result := t; {name} := result;")
+        w.both("end;", "end;")
+        w.both("", "")
+        functions.append((name, len(params)))
+
+    w.both("function Main;", "begin")
+    w.both("begin", "  t0 := 0;")
+    for name, arity in functions[-40:]:
+        args = ", ".join(str(k + 1) for k in range(arity))
+        call = f"  {name}({args});" if arity else f"  {name};"
+        w.both(call, call)
+    while len(w) < lines - 1:
+        w.both("  WaitSeconds(1);", "  WaitSeconds(1);")
+    w.both("end;", "end.")
+    # The Pascal twin's main program needs one variable of its own.
+    w.pas.insert(w.pas.index("var") + 1, "  t0: longint;")
+    return "\r\n".join(w.mis) + "\r\n", "\n".join(w.pas) + "\n"
+
+
+def generate_rows(path_text, path_hex, rows):
+    data = random.Random(1).randbytes(16 * rows)
+    h = data.hex().upper()
+    with open(path_text, "w", newline="") as t:
+        t.write('IFF "bench.iff"\r\n{\r\n  form "BNCH"\r\n  {\r\n    chunk "DATA"\r\n    {\r\n')
+        step = 1 << 14
+        for start in range(0, rows, step):
+            part = []
+            for r in range(start, min(rows, start + step)):
+                row = h[32 * r:32 * r + 32]
+                part.append("      BYTE [16] " + " ".join("$" + row[i:i + 2] for i in range(0, 32, 2)) + "\r\n")
+            t.write("".join(part))
+        t.write("    }\r\n  }\r\n}\r\n")
+    with open(path_hex, "w") as x:
+        x.write("\n".join(h[i:i + 32] for i in range(0, len(h), 32)) + "\n")
+
+
+def generate_iff(path, size):
+    rng = random.Random(1)
+    with open(path, "wb") as f:
+        chunks = []
+        total = 0
+        while total < size:
+            n = min(size - total, rng.randrange(1, 4_000_000))
+            chunks.append(n)
+            total += n
+        body = 4 + sum(8 + n + (n & 1) for n in chunks)
+        f.write(b"FORM" + struct.pack(">I", body) + b"BNCH")
+        for n in chunks:
+            f.write(b"DATA" + struct.pack(">I", n) + rng.randbytes(n) + (b"\0" if n & 1 else b""))
+
+
+def run(cmd, cwd, stdout=None):
+    """Runs cmd, its output into the file named stdout or nowhere, and returns (seconds, peak RSS in MB)."""
+    out = open(os.path.join(cwd, stdout), "wb") if stdout else subprocess.DEVNULL
+    t0 = time.perf_counter()
+    proc = subprocess.Popen(cmd, cwd=cwd, stdout=out, stderr=subprocess.PIPE)
+    _, status, usage = os.wait4(proc.pid, 0)
+    secs = time.perf_counter() - t0
+    if stdout:
+        out.close()
+    err = proc.stderr.read().decode(errors="replace")
+    proc.stderr.close()
+    if os.waitstatus_to_exitcode(status) != 0:
+        sys.exit(f"{' '.join(map(str, cmd))} failed:\n{err[:2000]}")
+    return secs, usage.ru_maxrss / 1024
+
+
+def best(cmd, cwd, times=3, stdout=None):
+    runs = [run(cmd, cwd, stdout) for _ in range(times)]
+    return min(r[0] for r in runs), max(r[1] for r in runs)
+
+
+def mb(n):
+    return n / 1e6
+
+
+class Report:
+    def __init__(self):
+        self.rows = []
+
+    def line(self, what, figure, anchor, target, ok):
+        self.rows.append((what, figure, anchor, target, "met" if ok else "MISSED"))
+        print(f"{what:<34} {figure:>26}   {anchor:>30}   {target:<22} {'met' if ok else 'MISSED'}", flush=True)
+
+
+def main():
+    ap = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    ap.add_argument("--scale", type=float, default=1.0)
+    ap.add_argument("--velkorc", default=os.path.join(os.path.dirname(__file__), "..", "build", "velkorc"))
+    ap.add_argument("--keep", help="keep the generated inputs in this folder")
+    args = ap.parse_args()
+    velkorc = os.path.realpath(args.velkorc)
+    for tool in ("fpc", "xxd"):
+        if not shutil.which(tool):
+            sys.exit(f"{tool} is missing: run scripts/setup.sh --bench first")
+    work = args.keep or tempfile.mkdtemp(prefix="velkor-bench-")
+    os.makedirs(work, exist_ok=True)
+    rep = Report()
+    print(f"{'':<34} {'velkorc':>26}   {'anchor':>30}   target")
+
+    # Compile + build, beside fpc.
+    lines = int(100_000 * args.scale)
+    times = {}
+    for factor in (1, 10):
+        mis, pas = generate_sources(lines * factor)
+        n_mis, n_pas = mis.count("\r\n"), pas.count("\n")
+        d = os.path.join(work, f"compile{factor}")
+        os.makedirs(d, exist_ok=True)
+        with open(os.path.join(d, "bench.pas"), "w", newline="") as f:
+            f.write(mis)
+        with open(os.path.join(d, "twin.pas"), "w") as f:
+            f.write(pas)
+        # Five-digit line markers end at line 99,999, so inputs this long are read with the fast scanner.
+        cmd = [velkorc, "build", "-v", "0", "--fast-scanner", "bench.pas"]
+        secs, peak = best(cmd, d, 3 if factor == 1 else 1)
+        times[("compile", factor)] = secs
+        rate = n_mis / secs
+        if factor == 1:
+            os.makedirs(os.path.join(d, "fpc"), exist_ok=True)
+            fsecs, _ = best(["fpc", "-O-", "-Mfpc", "-FUfpc", "-ofpc/twin", "twin.pas"], d, 3)
+            frate = n_pas / fsecs
+            rep.line(f"compile+build {n_mis:,} lines", f"{rate:,.0f} lines/s ({secs:.2f} s)",
+                     f"fpc {frate:,.0f} lines/s ({fsecs:.2f} s)", "10x fpc", rate >= 10 * frate)
+        size = len(mis)
+        rep.line(f"  peak memory ({factor}x)", f"{peak:,.0f} MB", f"input {mb(size):,.1f} MB", "", True)
+
+    # asm, beside xxd -r -p.
+    rows = int(1_500_000 * args.scale)
+    for factor in (1, 10):
+        d = os.path.join(work, f"asm{factor}")
+        os.makedirs(d, exist_ok=True)
+        generate_rows(os.path.join(d, "bench.txt"), os.path.join(d, "bench.hex"), rows * factor)
+        text = os.path.getsize(os.path.join(d, "bench.txt"))
+        secs, peak = best([velkorc, "asm", "bench.txt"], d, 3 if factor == 1 else 1)
+        times[("asm", factor)] = secs
+        xsecs, _ = best(["xxd", "-r", "-p", "bench.hex"], d, 3 if factor == 1 else 1, stdout="bench.bin")
+        with open(os.path.join(d, "bench.iff"), "rb") as a, open(os.path.join(d, "bench.bin"), "rb") as b:
+            a.seek(20)
+            if a.read() != b.read():
+                sys.exit("velkorc asm wrote other bytes than xxd -r -p")
+        data = 16 * rows * factor
+        rep.line(f"asm {mb(text):,.0f} MB text ({factor}x)", f"{mb(text) / secs:,.1f} MB/s ({secs:.2f} s)",
+                 f"xxd -r -p {mb(os.path.getsize(os.path.join(d, 'bench.hex'))) / xsecs:,.1f} MB/s ({xsecs:.2f} s)",
+                 "equal MB/s", mb(text) / secs >= mb(os.path.getsize(os.path.join(d, "bench.hex"))) / xsecs)
+        rep.line(f"  peak memory ({factor}x)", f"{peak:,.0f} MB", f"input {mb(text):,.1f} MB, out {mb(data):,.1f} MB",
+                 "", True)
+        for name in os.listdir(d):
+            os.remove(os.path.join(d, name))
+
+    # decode, beside xxd -p.
+    size = int(20_000_000 * args.scale)
+    for factor in (1, 10):
+        d = os.path.join(work, f"decode{factor}")
+        os.makedirs(d, exist_ok=True)
+        generate_iff(os.path.join(d, "bench.iff"), size * factor)
+        real = os.path.getsize(os.path.join(d, "bench.iff"))
+        cmd = [velkorc, "decode", "--max-decode-size", str(1 << 30), "bench.iff"]
+        secs, peak = best(cmd, d, 3 if factor == 1 else 1)
+        times[("decode", factor)] = secs
+        xsecs, _ = best(["xxd", "-p", "bench.iff"], d, 3 if factor == 1 else 1, stdout="bench.hex")
+        os.rename(os.path.join(d, "bench.iff"), os.path.join(d, "original.iff"))
+        run([velkorc, "asm", "--fast-scanner", "bench.iff.pas"], d)
+        with open(os.path.join(d, "bench.iff"), "rb") as a, open(os.path.join(d, "original.iff"), "rb") as b:
+            if a.read() != b.read():
+                sys.exit("the decoded text does not assemble to the input")
+        rep.line(f"decode {mb(real):,.0f} MB ({factor}x)", f"{mb(real) / secs:,.1f} MB/s ({secs:.2f} s)",
+                 f"xxd -p {mb(real) / xsecs:,.1f} MB/s ({xsecs:.2f} s)", "equal MB/s", secs <= xsecs)
+        rep.line(f"  peak memory ({factor}x)", f"{peak:,.0f} MB", f"input {mb(real):,.1f} MB", "", True)
+        for name in os.listdir(d):
+            os.remove(os.path.join(d, name))
+
+    for what in ("compile", "asm", "decode"):
+        ratio = times[(what, 10)] / times[(what, 1)]
+        rep.line(f"scaling {what} 10x / 1x", f"time ratio {ratio:.1f}", "linear: 10", "at most 11", ratio <= 11)
+
+    if not args.keep:
+        shutil.rmtree(work, ignore_errors=True)
+    missed = [r for r in rep.rows if r[4] != "met"]
+    print(f"\n{len(rep.rows) - len(missed)} of {len(rep.rows)} figures met their targets")
+
+
+if __name__ == "__main__":
+    main()
