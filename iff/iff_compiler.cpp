@@ -87,19 +87,22 @@ void TIffCompiler::Compile() {
 
 // ---- token reading ----
 
+// A stray character that is the text's very last one reads as an empty token of other characters, which
+// does not advance; it is a token like any other, so the grammar refuses it where it stands.
 std::string TIffCompiler::Next() {
     std::string token = scanner_->NextToken();
     kind_ = scanner_->TokenKind();
-    // The only token that does not advance is the empty one at the text's last character: nothing follows it.
-    if (kind_ == tkOther && token.empty()) kind_ = tkEndOfText;
     return token;
 }
 
 std::string TIffCompiler::Peek() {
     std::string token = scanner_->PeekToken();
     kind_ = scanner_->TokenKind();
-    if (kind_ == tkOther && token.empty()) kind_ = tkEndOfText;
     return token;
+}
+
+bool TIffCompiler::Stuck(const std::string& token) const {
+    return kind_ == tkEndOfText || (kind_ == tkOther && token.empty());
 }
 
 // Only for the delimiters "," ";" "{" "}" "[" "]": each is always a token of its own, so one look at the next

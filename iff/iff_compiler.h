@@ -66,6 +66,8 @@ private:
     bool PeekIs(char punctuation);
     bool NextIs(char punctuation);
     bool AtEndOfText();
+    // True for the end of the text and for the empty token that does not advance: reading on gets nothing.
+    bool Stuck(const std::string& token) const;
     void Expect(std::string_view punctuation);
     std::string ReadName(std::string_view expected);
     static bool IsNameKind(std::int32_t kind);

@@ -82,7 +82,7 @@ void TIffCompiler::Value() {
             break;
         case ValueType::Crc32: {
             std::string text = Next();
-            if (kind_ == tkEndOfText) ExpectError("<value>", text);
+            if (Stuck(text)) ExpectError("<value>", text); // a count of a billion must not loop on it
             AppendLittleEndian(pending_, NameHash(text), 4);
             break;
         }

@@ -117,6 +117,21 @@ TEST(VelkorcAsm, AnErrorKeepsTheFilesBeforeIt) {
     EXPECT_FALSE(std::filesystem::exists(dir / "second.iff"));
 }
 
+// The default scanner trims the text, and its collecting loop never takes the last character: a stray
+// character there is an empty token, refused like any other.
+TEST(VelkorcAsm, AStrayLastCharacterIsAnError) {
+    TempDir dir;
+    WriteFile(dir / "t.txt", "IFF \"a.iff\" { } #");
+    auto r = RunVelkorc({"asm", "t.txt"}, dir.path());
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_EQ(r.out, "** a.iff ** (0 bytes)\n");
+    EXPECT_TRUE(r.err.starts_with("[error] line 1: expected IFF, TRE or FLAT, but found \n  raised in "))
+        << r.err;
+    r = RunVelkorc({"asm", "--fast-scanner", "t.txt"}, dir.path());
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_TRUE(r.err.starts_with("[error] line 1: expected IFF, TRE or FLAT, but found #\n")) << r.err;
+}
+
 TEST(VelkorcAsm, UsageAndInputErrors) {
     TempDir dir;
     auto r = RunVelkorc({"asm", "nope.txt"}, dir.path());
