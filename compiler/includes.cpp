@@ -283,10 +283,12 @@ void TCompiler::CompileFile(const std::string& written) {
         unit.Verbosity = Verbosity;
         unit.SearchPath = SearchPath;
         *unit.Defines = *Defines;
-        unit.OnOutput = OnOutput;
+        // The unit's folder and output path are set while it has no sink yet: its "added to searchpath"
+        // and "output path set to" lines (and a missing folder's hint) are not shown.
         unit.AddToSearchPath(std::filesystem::absolute(found).parent_path().string());
         unit.Optimize = Optimize;
         if (!OutputPath.empty()) unit.SetOutputPath(OutputPath);
+        unit.OnOutput = OnOutput;
         unit.LineMarkers = LineMarkers;
         unit.PlaceOutputFile = PlaceOutputFile;
         unit.OnFileWritten = OnFileWritten;

@@ -156,7 +156,8 @@ TEST(StringFiles, MissingStringsAndFiles) {
     r.Add("m.pas",
           "unit M;\r\n#STRINGS texts, nope;\r\n#BACKGROUND: texts[\"absent\"];\r\n#STRINGS Texts;\r\n");
     r.Compile("m.pas", false);
-    EXPECT_TRUE(r.Has("[M, 2] ERROR: could not include string file nope.eng - was not found!")) << "\n" << r.All();
+    EXPECT_TRUE(r.Has("[M, 2] ERROR: could not include string file nope.eng - was not found!")) << "\n"
+                                                                                                << r.All();
     EXPECT_TRUE(
         r.Has("[M, 3] ERROR: absent was not found in \"TEXTS\" and adding strings is not supported and "
               "this message is pretty long"));
@@ -266,6 +267,23 @@ TEST(FileCommand, OutputPathIsPassedOn) {
     };
     r.Compile("a.pas");
     EXPECT_EQ(names, (StringList{"game\\data\\M.mis", "game\\data\\M.iff"})) << r.All();
+}
+
+// The unit gets its own folder and the output path before it is given the message sink: only the parent's
+// "output path set to" line is shown, and the unit's first line is its own compilation's.
+TEST(FileCommand, UnitSetUpBeforeItsMessagesAreShown) {
+    FileRun r;
+    r.Add("a.pas", "series A;\r\n#SETOUTPUTPATH(\"game\");\r\n#FILE \"sub\\m.pas\";\r\n");
+    r.Add("sub/m.pas", "mission M;\r\nvar done;\r\n");
+    r.Compile("a.pas");
+    ASSERT_FALSE(r.threw) << r.All();
+    EXPECT_EQ(r.Count("added to searchpath"), 1) << r.All(); // the parent's own folder, by the test
+    EXPECT_EQ(r.Count("output path set to"), 1);
+    const int compiling = r.IndexOf("[A, 3] compiling file " + r.Path("sub\\m.pas"));
+    ASSERT_GE(compiling, 0);
+    EXPECT_EQ(
+        r.messages.at(static_cast<size_t>(compiling) + 1).rfind("[M, 2] adding global variable: done", 0),
+        0u);
 }
 
 } // namespace
