@@ -102,6 +102,8 @@ void TCompiler::Report(const std::string& text, std::int32_t line, const SourceL
 
 void TCompiler::ErrorNoSkip(const std::string& text, std::int32_t line, SourceLocation where) {
     Report(text, line, where);
+    // Recovering all the same: only the skip is left out, as the construct goes on being compiled.
+    Output(0, "recovering from error...");
 }
 
 void TCompiler::Error(const std::string& text, std::int32_t line, SourceLocation where) {

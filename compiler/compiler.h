@@ -119,8 +119,9 @@ public:
     // ECompiler when halting, else "recovering from error..." and tokens skipped up to the next ";".
     void Error(const std::string& text, std::int32_t line = -1,
                SourceLocation where = SourceLocation::current());
-    // As Error, but when not halting the compile goes on where it is, without skipping: for the checks
-    // after which the construct is "compiled anyway" (unit-kind rules, initialised externals, ...).
+    // As Error ("recovering from error..." included), but when not halting the compile goes on where it
+    // is, without skipping: for the checks after which the construct is "compiled anyway" (unit-kind
+    // rules, initialised externals, ...).
     void ErrorNoSkip(const std::string& text, std::int32_t line = -1,
                      SourceLocation where = SourceLocation::current());
     void Hint(const std::string& text, std::int32_t line = -1);

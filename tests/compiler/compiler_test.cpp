@@ -43,8 +43,15 @@ TEST(CompilerSpine, ErrorsHaltOrRecover) {
 
 TEST(CompilerSpine, UnitKindRulesStillDeclare) {
     CompileRun r("sector S;\r\nvar a;\r\n", false);
-    EXPECT_TRUE(r.Has("[S, 2] ERROR: global vars not allowed in PROJECT and SECTOR"));
+    const int error = r.IndexOf("[S, 2] ERROR: global vars not allowed in PROJECT and SECTOR");
+    ASSERT_GE(error, 0) << r.All();
     EXPECT_TRUE(r.Symbol("a"));
+    // Every error that does not halt is followed by its "raised in" line and the recovery line, even where
+    // the declaration then goes on without skipping.
+    ASSERT_GT(r.messages.size(), static_cast<size_t>(error) + 2);
+    EXPECT_EQ(r.messages[static_cast<size_t>(error) + 1].rfind("[S, 2]   raised in ", 0), 0u);
+    EXPECT_EQ(r.messages[static_cast<size_t>(error) + 2], "[S, 2] recovering from error...");
+    EXPECT_EQ(r.Count("recovering from error..."), 1);
 }
 
 TEST(CompilerSpine, NumberConversion) {
