@@ -124,18 +124,10 @@ void TCompiler::Expected(const std::string& wanted, const std::string& found, So
     Error("expected \"" + wanted + "\" but found \"" + std::string(Trim(found)) + "\"", -1, where);
 }
 
-void TCompiler::ExpectedRead(const std::string& wanted, const std::string& found, SourceLocation where) {
-    if (TokenKind() != tkSemicolon) return Expected(wanted, found, where);
-    // The ";" that recovery would look for has just been read: recovery has arrived, and skipping to the
-    // next one would swallow a whole declaration.
-    Report("expected \"" + wanted + "\" but found \";\"", -1, where);
-    Output(0, "recovering from error...");
-}
-
 bool TCompiler::Expect(const std::string& wanted, SourceLocation where) {
     std::string token = NextToken();
     if (SameText(token, wanted)) return true;
-    ExpectedRead(wanted, token, where);
+    Expected(wanted, token, where);
     return false;
 }
 

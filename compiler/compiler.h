@@ -128,10 +128,6 @@ public:
     // The error `expected "<wanted>" but found "<found, trimmed>"`.
     void Expected(const std::string& wanted, const std::string& found,
                   SourceLocation where = SourceLocation::current());
-    // As Expected, for the token just read (nothing peeked since): when that token is ";" recovery has
-    // already arrived and nothing is skipped.
-    void ExpectedRead(const std::string& wanted, const std::string& found,
-                      SourceLocation where = SourceLocation::current());
     // Reads a token; when it differs from `wanted` (compared without case) reports Expected. Returns
     // whether it matched.
     bool Expect(const std::string& wanted, SourceLocation where = SourceLocation::current());

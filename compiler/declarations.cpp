@@ -96,7 +96,7 @@ void TCompiler::DeclareVariables(std::int32_t kind) {
                 name = NextToken();
             }
             if (TokenKind() != tkIdentifier) {
-                ExpectedRead("<Identifier>", name);
+                Expected("<Identifier>", name);
                 return;
             }
             std::int32_t value = varKind == skLocalVar ? kNoInitialValue : 0;
@@ -124,7 +124,7 @@ void TCompiler::DeclareConstants(std::int32_t kind) {
         do {
             std::string name = NextToken();
             if (TokenKind() != tkIdentifier) {
-                ExpectedRead("<Identifier>", name);
+                Expected("<Identifier>", name);
                 return;
             }
             if (!Expect("=")) return;
@@ -154,7 +154,7 @@ void TCompiler::DeclareEnums() {
     do {
         std::string name = NextToken();
         if (TokenKind() != tkIdentifier) {
-            ExpectedRead("<Identifier>", name);
+            Expected("<Identifier>", name);
             return;
         }
         PeekToken();

@@ -97,12 +97,16 @@ TEST(Declarations, CompiledAnywayRules) {
     EXPECT_EQ(r.compiler->ErrorCount, 3);
 }
 
-TEST(Declarations, RecoveryAfterAFoundSemicolonKeepsTheNextDeclaration) {
-    CompileRun r("unit U;\r\n#SETKILLBOARD(1;\r\nvar a;\r\nconst c = 1 d;\r\nvar b;\r\n", false);
+// Recovery skips up to the next ";" and leaves it unread, also when the token the expectation found was a
+// ";" itself: the declaration after it is skipped with it.
+TEST(Declarations, RecoveryAfterAFoundSemicolonSkipsToTheNextOne) {
+    CompileRun r("unit U;\r\n#SETKILLBOARD(1;\r\nvar a;\r\nvar b;\r\nconst c = 1 d;\r\nvar e;\r\n", false);
     EXPECT_TRUE(r.Has("[U, 2] ERROR: expected \")\" but found \";\"")) << r.All();
-    EXPECT_TRUE(r.Symbol("a"));
-    EXPECT_TRUE(r.Has("[U, 4] ERROR: expected \";\" but found \"d\""));
+    EXPECT_FALSE(r.Symbol("a"));
     EXPECT_TRUE(r.Symbol("b"));
+    EXPECT_TRUE(r.Has("[U, 5] ERROR: expected \";\" but found \"d\""));
+    EXPECT_TRUE(r.Symbol("e"));
+    EXPECT_EQ(r.compiler->ErrorCount, 2);
 }
 
 TEST(Finish, UnimplementedFunctionsAndObjectsAtTheirDeclarationLine) {
