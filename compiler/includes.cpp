@@ -213,22 +213,22 @@ void TCompiler::IncludeStringFile(const std::string& written) {
     symbols_->Add(std::move(symbol));
 }
 
-// The reference's closing "]" is still to be read by the caller: a failed lookup does not skip.
+// A failed lookup is an error like any other: when not halting, recovery skips the rest of the reference.
 std::int32_t TCompiler::StringNumber(const TSymbol& table, const std::string& text) {
     const TIffStringList* strings = nullptr;
     for (const auto& f : *IncludedFiles)
         if (f.Strings && TableName(f.Name) == table.Name) strings = f.Strings.get();
     if (!strings) {
-        ErrorNoSkip("FATAL - strings (" + table.Name +
-                    ") in symbol table but not in used units. - This should never happen!");
+        Error("FATAL - strings (" + table.Name +
+              ") in symbol table but not in used units. - This should never happen!");
         return -1;
     }
     const bool prefix = !text.empty() && text.back() == '*';
     const std::string wanted = prefix ? text.substr(0, text.size() - 1) : text;
     const int number = prefix ? strings->IndexOfText(wanted) : strings->IndexOf(wanted);
     if (number < 0) {
-        ErrorNoSkip(text + " was not found in \"" + table.Name +
-                    "\" and adding strings is not supported and this message is pretty long");
+        Error(text + " was not found in \"" + table.Name +
+              "\" and adding strings is not supported and this message is pretty long");
         return -1;
     }
     Output(1, std::string(prefix ? "loading substring \"" : "loading string \"") + wanted + "\" from " +

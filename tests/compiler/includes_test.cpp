@@ -165,6 +165,23 @@ TEST(StringFiles, MissingStringsAndFiles) {
     EXPECT_EQ(r.compiler->ErrorCount, 2);
 }
 
+// A string that is not found is an error like any other: recovery skips the rest of the reference, and the
+// statement after it compiles without a further error.
+TEST(StringFiles, MissingStringInAnExpressionRecoversAtTheSemicolon) {
+    FileRun r;
+    r.AddStrings("texts.eng", {"Hello pilot", "Second line", "padding padding"});
+    r.Add("m.pas", "mission M;\r\n#STRINGS texts;\r\nvar g;\r\nfunction main;\r\nbegin\r\n"
+                   "  g := texts[\"absent\"];\r\n  g := texts[\"Second line\"];\r\nend;\r\n");
+    r.Compile("m.pas", false);
+    const int error = r.IndexOf("[M, 6] ERROR: absent was not found in \"TEXTS\" and adding strings is not "
+                                "supported and this message is pretty long");
+    ASSERT_GE(error, 0) << r.All();
+    EXPECT_EQ(r.messages.at(static_cast<size_t>(error) + 2), "[M, 6] recovering from error...");
+    EXPECT_EQ(r.compiler->ErrorCount, 1) << r.All();
+    const StringList& code = r.compiler->Data().CodeList;
+    EXPECT_NE(std::find(code.begin(), code.end(), "  movc v8 1;"), code.end());
+}
+
 TEST(StringFiles, BrokenStringFileIsAnErrorNotACrash) {
     FileRun r;
     r.Add("bad.eng", std::string("FORM\x10\0\0\0garbage", 15));
