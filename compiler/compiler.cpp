@@ -175,12 +175,8 @@ bool TCompiler::AtEnd() {
 
 void TCompiler::Compile() {
     // The unit's own file counts as included, so that an include file naming it back is not compiled.
-    if (!FileName.empty()) {
-        std::string own = UpperCase(FileNamePart(FileName));
-        if (std::none_of(IncludedFiles->begin(), IncludedFiles->end(),
-                         [&](const IncludedFile& f) { return f.Name == own; }))
-            IncludedFiles->push_back({std::move(own), nullptr});
-    }
+    if (!FileName.empty() && IncludeDepth == 0)
+        IncludedFiles->push_back({UpperCase(FileNamePart(FileName)), nullptr, true});
     std::string first = NextToken();
     switch (TokenKind()) {
     case tkUnit: UnitKind = ukUnit; break;

@@ -40,10 +40,13 @@ enum TUnitKind : std::int32_t {
     ukProject = 5
 };
 
-// A file already included: its upper-cased file-name part and, for a string file, its table.
+// A file already included: its name as the include names it and, for a string file, its table. Source and
+// string files share one list of names without the extension the compiler appends, so a string file and a
+// source file of the same name block each other.
 struct IncludedFile {
-    std::string Name;                        // upper-cased file name without folder
+    std::string Name;                        // upper-cased file-name part, without ".pas" or ".eng"
     std::shared_ptr<TIffStringList> Strings; // the loaded string file; none for a source file
+    bool Unit = false; // the unit being compiled, by its whole file name: blocks source includes only
 };
 using IncludedFileList = std::vector<IncludedFile>;
 
@@ -173,7 +176,8 @@ private:
     // includes.cpp
     StringList ReadFileList();
     bool FindInSearchPath(std::string& name, bool keepFolders, std::filesystem::path& found) const;
-    bool AlreadyIncluded(const std::string& name);
+    // Whether a file written as `written` (compiler-appended `extension` left off) is included already.
+    bool AlreadyIncluded(const std::string& written, std::string_view extension) const;
     void IncludeSourceFiles();
     void IncludeSourceFile(const std::string& written);
     void IncludeStringFiles();

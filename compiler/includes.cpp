@@ -104,10 +104,11 @@ StringList TCompiler::ReadFileList() {
     }
 }
 
-bool TCompiler::AlreadyIncluded(const std::string& name) {
-    const std::string key = UpperCase(FileNamePart(name));
+bool TCompiler::AlreadyIncluded(const std::string& written, std::string_view extension) const {
+    const std::string key = UpperCase(FileNamePart(written));
+    const std::string file = UpperCase(key + std::string(extension));
     return std::any_of(IncludedFiles->begin(), IncludedFiles->end(),
-                       [&](const IncludedFile& f) { return f.Name == key; });
+                       [&](const IncludedFile& f) { return f.Unit ? f.Name == file : f.Name == key; });
 }
 
 // --- source files
@@ -121,7 +122,7 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
     std::string name = written + ".pas";
     std::filesystem::path found;
     const bool exists = FindInSearchPath(name, false, found);
-    if (AlreadyIncluded(name)) {
+    if (AlreadyIncluded(written, ".pas")) {
         Output(1, name + " already included");
         return;
     }
@@ -142,7 +143,7 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
         Error(e.what());
         return;
     }
-    IncludedFiles->push_back({UpperCase(FileNamePart(name)), nullptr});
+    IncludedFiles->push_back({UpperCase(FileNamePart(written)), nullptr});
 
     TCompiler child(symbols_, Rooms, Defines, KillBoard, IncludedFiles);
     child.HaltOnError = HaltOnError;
@@ -187,7 +188,7 @@ void TCompiler::IncludeStringFile(const std::string& written) {
     std::string name = written + ".eng";
     std::filesystem::path found;
     const bool exists = FindInSearchPath(name, false, found);
-    if (AlreadyIncluded(name)) {
+    if (AlreadyIncluded(written, ".eng")) {
         Output(1, name + " already included");
         return;
     }
@@ -203,7 +204,7 @@ void TCompiler::IncludeStringFile(const std::string& written) {
         Error(std::string(e.what()) + " (" + name + ")");
         return;
     }
-    IncludedFiles->push_back({UpperCase(FileNamePart(name)), std::move(table)});
+    IncludedFiles->push_back({UpperCase(FileNamePart(written)), std::move(table)});
     TSymbol symbol;
     symbol.Name = TableName(name);
     symbol.Kind = skStringTable;
@@ -217,7 +218,7 @@ void TCompiler::IncludeStringFile(const std::string& written) {
 std::int32_t TCompiler::StringNumber(const TSymbol& table, const std::string& text) {
     const TIffStringList* strings = nullptr;
     for (const auto& f : *IncludedFiles)
-        if (f.Strings && TableName(f.Name) == table.Name) strings = f.Strings.get();
+        if (f.Strings && ShortString(f.Name) == table.Name) strings = f.Strings.get();
     if (!strings) {
         Error("FATAL - strings (" + table.Name +
               ") in symbol table but not in used units. - This should never happen!");

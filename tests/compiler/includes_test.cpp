@@ -182,6 +182,34 @@ TEST(StringFiles, MissingStringInAnExpressionRecoversAtTheSemicolon) {
     EXPECT_NE(std::find(code.begin(), code.end(), "  movc v8 1;"), code.end());
 }
 
+// Source and string files share the list of included names, which leaves out the extension the compiler
+// appends: a source file and a string file of the same name block each other, either way round. The unit's
+// own file blocks only a source file of its name.
+TEST(StringFiles, SourceAndStringFileOfOneNameBlockEachOther) {
+    FileRun r;
+    r.AddStrings("common.eng", {"Hello pilot", "Second line", "padding padding"});
+    r.AddStrings("texts.eng", {"Hello pilot", "Second line", "padding padding"});
+    r.AddStrings("m.eng", {"Hello pilot", "Second line", "padding padding"});
+    r.Add("common.pas", "unit Common;\r\nvar shared;\r\n");
+    r.Add("texts.pas", "unit Texts;\r\nvar never;\r\n");
+    r.Add("m.pas",
+          "unit M;\r\ninclude common;\r\n#STRINGS common, texts;\r\ninclude texts;\r\n#STRINGS m;\r\n");
+    r.Compile("m.pas");
+    ASSERT_FALSE(r.threw) << r.All();
+    EXPECT_TRUE(r.Has("[M, 2] Including file " + r.Path("common.pas"))) << r.All();
+    EXPECT_TRUE(r.Has("[M, 3] " + r.Path("common.eng") + " already included"));
+    EXPECT_TRUE(r.Has("[M, 3] Including string file " + r.Path("texts.eng")));
+    EXPECT_TRUE(r.Has("[M, 4] " + r.Path("texts.pas") + " already included"));
+    EXPECT_TRUE(r.Has("[M, 5] Including string file " + r.Path("m.eng")));
+    EXPECT_TRUE(r.Symbol("shared"));
+    EXPECT_FALSE(r.Symbol("never"));
+    ASSERT_TRUE(r.Symbol("TEXTS"));
+    EXPECT_EQ(r.Symbol("TEXTS")->Kind, skStringTable);
+    EXPECT_EQ(r.Symbol("COMMON"), nullptr);
+    EXPECT_EQ(r.Symbol("M")->Kind, skStringTable);
+    EXPECT_EQ(r.Count("Including"), 3);
+}
+
 TEST(StringFiles, BrokenStringFileIsAnErrorNotACrash) {
     FileRun r;
     r.Add("bad.eng", std::string("FORM\x10\0\0\0garbage", 15));
