@@ -77,6 +77,17 @@ TEST(CompilerSpine, RecoveryTerminatesOnTextsThatEndBadly) {
     }
 }
 
+// A variable or constant list ends at its ";": a name on the next line starts no declaration.
+TEST(Declarations, ListsEndAtTheirSemicolon) {
+    CompileRun r("unit U;\r\nvar a;\r\n  b;\r\nconst c = 1;\r\n  d = 2;\r\nvar e, f;\r\n", false);
+    EXPECT_TRUE(r.Has("[U, 3] ERROR: expected \"<Declaration>\" but found \"b\"")) << r.All();
+    EXPECT_TRUE(r.Has("[U, 5] ERROR: expected \"<Declaration>\" but found \"d\""));
+    EXPECT_FALSE(r.Symbol("b"));
+    EXPECT_FALSE(r.Symbol("d"));
+    EXPECT_TRUE(r.Symbol("a") && r.Symbol("c") && r.Symbol("e") && r.Symbol("f"));
+    EXPECT_EQ(r.compiler->ErrorCount, 2);
+}
+
 TEST(Declarations, CompiledAnywayRules) {
     CompileRun r(
         "series S;\r\nexternal e = 1, f;\r\nstatic s;\r\nenum A, B = 5, C;\r\nproperty p;\r\nvar after;\r\n",
