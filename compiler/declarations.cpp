@@ -3,6 +3,7 @@
 #include "compiler/compiler.h"
 #include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
+#include "platform/numbers.h"
 #include "platform/strings.h"
 
 namespace velkor {
@@ -95,8 +96,8 @@ void TCompiler::DeclareVariables(std::int32_t kind) {
             NextToken();
             if (varKind == skExternalVar) ErrorNoSkip("external variables cannot be initialized");
             if (varKind == skStaticVar) ErrorNoSkip("static variables are always initialized to 0");
-            std::string text = ReadValue(0);
-            if (auto v = ConvertNumber(text)) value = *v;
+            // The value reader has converted the number, or reported why it could not.
+            if (auto v = StrToInt(ReadValue(0))) value = *v;
         }
         symbols_->AddVariable(name, varKind, value);
         separator = NextToken();
@@ -141,7 +142,7 @@ void TCompiler::DeclareEnums() {
         PeekToken();
         if (TokenKind() == tkOperator && PeekToken() == "=") {
             NextToken();
-            if (auto v = ConvertNumber(ReadValue(0))) next = *v;
+            if (auto v = StrToInt(ReadValue(0))) next = *v;
         }
         symbols_->AddConstant(name, std::to_string(next), skEnum);
         ++next;

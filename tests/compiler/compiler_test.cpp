@@ -88,6 +88,17 @@ TEST(Declarations, ListsEndAtTheirSemicolon) {
     EXPECT_EQ(r.compiler->ErrorCount, 2);
 }
 
+// An initial value that is no number is reported once, by the value reader.
+TEST(Declarations, BadInitialValueReportedOnce) {
+    CompileRun r("unit U;\r\nvar a = xyz;\r\nenum E = %102;\r\nvar b = %101;\r\n", false);
+    EXPECT_EQ(r.Count("ERROR: \"xyz\" is not a valid integer value"), 1) << r.All();
+    EXPECT_EQ(r.Count("ERROR: 2 in binary constant ?!? What are you smoking?"), 1);
+    EXPECT_EQ(r.compiler->ErrorCount, 2);
+    ASSERT_TRUE(r.Symbol("a") && r.Symbol("b"));
+    EXPECT_EQ(r.Symbol("a")->Value, 0);
+    EXPECT_EQ(r.Symbol("b")->Value, 5);
+}
+
 TEST(Declarations, CompiledAnywayRules) {
     CompileRun r(
         "series S;\r\nexternal e = 1, f;\r\nstatic s;\r\nenum A, B = 5, C;\r\nproperty p;\r\nvar after;\r\n",
