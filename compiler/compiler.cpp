@@ -102,6 +102,8 @@ void TCompiler::Report(const std::string& text, std::int32_t line, const SourceL
 
 void TCompiler::ErrorNoSkip(const std::string& text, std::int32_t line, SourceLocation where) {
     Report(text, line, where);
+    // Recovering all the same: only the skip is left out, as the construct goes on being compiled.
+    Output(0, "recovering from error...");
 }
 
 void TCompiler::Error(const std::string& text, std::int32_t line, SourceLocation where) {
@@ -122,18 +124,10 @@ void TCompiler::Expected(const std::string& wanted, const std::string& found, So
     Error("expected \"" + wanted + "\" but found \"" + std::string(Trim(found)) + "\"", -1, where);
 }
 
-void TCompiler::ExpectedRead(const std::string& wanted, const std::string& found, SourceLocation where) {
-    if (TokenKind() != tkSemicolon) return Expected(wanted, found, where);
-    // The ";" that recovery would look for has just been read: recovery has arrived, and skipping to the
-    // next one would swallow a whole declaration.
-    Report("expected \"" + wanted + "\" but found \";\"", -1, where);
-    Output(0, "recovering from error...");
-}
-
 bool TCompiler::Expect(const std::string& wanted, SourceLocation where) {
     std::string token = NextToken();
     if (SameText(token, wanted)) return true;
-    ExpectedRead(wanted, token, where);
+    Expected(wanted, token, where);
     return false;
 }
 
@@ -181,12 +175,8 @@ bool TCompiler::AtEnd() {
 
 void TCompiler::Compile() {
     // The unit's own file counts as included, so that an include file naming it back is not compiled.
-    if (!FileName.empty()) {
-        std::string own = UpperCase(FileNamePart(FileName));
-        if (std::none_of(IncludedFiles->begin(), IncludedFiles->end(),
-                         [&](const IncludedFile& f) { return f.Name == own; }))
-            IncludedFiles->push_back({std::move(own), nullptr});
-    }
+    if (!FileName.empty() && IncludeDepth == 0)
+        IncludedFiles->push_back({UpperCase(FileNamePart(FileName)), nullptr, true});
     std::string first = NextToken();
     switch (TokenKind()) {
     case tkUnit: UnitKind = ukUnit; break;

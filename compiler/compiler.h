@@ -40,10 +40,13 @@ enum TUnitKind : std::int32_t {
     ukProject = 5
 };
 
-// A file already included: its upper-cased file-name part and, for a string file, its table.
+// A file already included: its name as the include names it and, for a string file, its table. Source and
+// string files share one list of names without the extension the compiler appends, so a string file and a
+// source file of the same name block each other.
 struct IncludedFile {
-    std::string Name;                        // upper-cased file name without folder
+    std::string Name;                        // upper-cased file-name part, without ".pas" or ".eng"
     std::shared_ptr<TIffStringList> Strings; // the loaded string file; none for a source file
+    bool Unit = false; // the unit being compiled, by its whole file name: blocks source includes only
 };
 using IncludedFileList = std::vector<IncludedFile>;
 
@@ -119,18 +122,15 @@ public:
     // ECompiler when halting, else "recovering from error..." and tokens skipped up to the next ";".
     void Error(const std::string& text, std::int32_t line = -1,
                SourceLocation where = SourceLocation::current());
-    // As Error, but when not halting the compile goes on where it is, without skipping: for the checks
-    // after which the construct is "compiled anyway" (unit-kind rules, initialised externals, ...).
+    // As Error ("recovering from error..." included), but when not halting the compile goes on where it
+    // is, without skipping: for the checks after which the construct is "compiled anyway" (unit-kind
+    // rules, initialised externals, ...).
     void ErrorNoSkip(const std::string& text, std::int32_t line = -1,
                      SourceLocation where = SourceLocation::current());
     void Hint(const std::string& text, std::int32_t line = -1);
     // The error `expected "<wanted>" but found "<found, trimmed>"`.
     void Expected(const std::string& wanted, const std::string& found,
                   SourceLocation where = SourceLocation::current());
-    // As Expected, for the token just read (nothing peeked since): when that token is ";" recovery has
-    // already arrived and nothing is skipped.
-    void ExpectedRead(const std::string& wanted, const std::string& found,
-                      SourceLocation where = SourceLocation::current());
     // Reads a token; when it differs from `wanted` (compared without case) reports Expected. Returns
     // whether it matched.
     bool Expect(const std::string& wanted, SourceLocation where = SourceLocation::current());
@@ -156,8 +156,7 @@ public:
     // Handles "#" + directive when the next tokens are one (the "#" not yet read); returns whether it did.
     bool HandleDirective();
 
-    // Variable and constant lists, the keyword already read: names separated by "," and ended by ";",
-    // continued while the next token is a plain identifier (so Pascal-style blocks read naturally).
+    // Variable and constant lists, the keyword already read: names separated by "," and ended by ";".
     void DeclareVariables(std::int32_t kind);
     void DeclareConstants(std::int32_t kind);
     void DeclareEnums();
@@ -176,7 +175,8 @@ private:
     // includes.cpp
     StringList ReadFileList();
     bool FindInSearchPath(std::string& name, bool keepFolders, std::filesystem::path& found) const;
-    bool AlreadyIncluded(const std::string& name);
+    // Whether a file written as `written` (compiler-appended `extension` left off) is included already.
+    bool AlreadyIncluded(const std::string& written, std::string_view extension) const;
     void IncludeSourceFiles();
     void IncludeSourceFile(const std::string& written);
     void IncludeStringFiles();

@@ -104,10 +104,11 @@ StringList TCompiler::ReadFileList() {
     }
 }
 
-bool TCompiler::AlreadyIncluded(const std::string& name) {
-    const std::string key = UpperCase(FileNamePart(name));
+bool TCompiler::AlreadyIncluded(const std::string& written, std::string_view extension) const {
+    const std::string key = UpperCase(FileNamePart(written));
+    const std::string file = UpperCase(key + std::string(extension));
     return std::any_of(IncludedFiles->begin(), IncludedFiles->end(),
-                       [&](const IncludedFile& f) { return f.Name == key; });
+                       [&](const IncludedFile& f) { return f.Unit ? f.Name == file : f.Name == key; });
 }
 
 // --- source files
@@ -121,7 +122,7 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
     std::string name = written + ".pas";
     std::filesystem::path found;
     const bool exists = FindInSearchPath(name, false, found);
-    if (AlreadyIncluded(name)) {
+    if (AlreadyIncluded(written, ".pas")) {
         Output(1, name + " already included");
         return;
     }
@@ -142,7 +143,7 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
         Error(e.what());
         return;
     }
-    IncludedFiles->push_back({UpperCase(FileNamePart(name)), nullptr});
+    IncludedFiles->push_back({UpperCase(FileNamePart(written)), nullptr});
 
     TCompiler child(symbols_, Rooms, Defines, KillBoard, IncludedFiles);
     child.HaltOnError = HaltOnError;
@@ -187,7 +188,7 @@ void TCompiler::IncludeStringFile(const std::string& written) {
     std::string name = written + ".eng";
     std::filesystem::path found;
     const bool exists = FindInSearchPath(name, false, found);
-    if (AlreadyIncluded(name)) {
+    if (AlreadyIncluded(written, ".eng")) {
         Output(1, name + " already included");
         return;
     }
@@ -203,7 +204,7 @@ void TCompiler::IncludeStringFile(const std::string& written) {
         Error(std::string(e.what()) + " (" + name + ")");
         return;
     }
-    IncludedFiles->push_back({UpperCase(FileNamePart(name)), std::move(table)});
+    IncludedFiles->push_back({UpperCase(FileNamePart(written)), std::move(table)});
     TSymbol symbol;
     symbol.Name = TableName(name);
     symbol.Kind = skStringTable;
@@ -213,22 +214,22 @@ void TCompiler::IncludeStringFile(const std::string& written) {
     symbols_->Add(std::move(symbol));
 }
 
-// The reference's closing "]" is still to be read by the caller: a failed lookup does not skip.
+// A failed lookup is an error like any other: when not halting, recovery skips the rest of the reference.
 std::int32_t TCompiler::StringNumber(const TSymbol& table, const std::string& text) {
     const TIffStringList* strings = nullptr;
     for (const auto& f : *IncludedFiles)
-        if (f.Strings && TableName(f.Name) == table.Name) strings = f.Strings.get();
+        if (f.Strings && ShortString(f.Name) == table.Name) strings = f.Strings.get();
     if (!strings) {
-        ErrorNoSkip("FATAL - strings (" + table.Name +
-                    ") in symbol table but not in used units. - This should never happen!");
+        Error("FATAL - strings (" + table.Name +
+              ") in symbol table but not in used units. - This should never happen!");
         return -1;
     }
     const bool prefix = !text.empty() && text.back() == '*';
     const std::string wanted = prefix ? text.substr(0, text.size() - 1) : text;
     const int number = prefix ? strings->IndexOfText(wanted) : strings->IndexOf(wanted);
     if (number < 0) {
-        ErrorNoSkip(text + " was not found in \"" + table.Name +
-                    "\" and adding strings is not supported and this message is pretty long");
+        Error(text + " was not found in \"" + table.Name +
+              "\" and adding strings is not supported and this message is pretty long");
         return -1;
     }
     Output(1, std::string(prefix ? "loading substring \"" : "loading string \"") + wanted + "\" from " +
@@ -283,10 +284,12 @@ void TCompiler::CompileFile(const std::string& written) {
         unit.Verbosity = Verbosity;
         unit.SearchPath = SearchPath;
         *unit.Defines = *Defines;
-        unit.OnOutput = OnOutput;
+        // The unit's folder and output path are set while it has no sink yet: its "added to searchpath"
+        // and "output path set to" lines (and a missing folder's hint) are not shown.
         unit.AddToSearchPath(std::filesystem::absolute(found).parent_path().string());
         unit.Optimize = Optimize;
         if (!OutputPath.empty()) unit.SetOutputPath(OutputPath);
+        unit.OnOutput = OnOutput;
         unit.LineMarkers = LineMarkers;
         unit.PlaceOutputFile = PlaceOutputFile;
         unit.OnFileWritten = OnFileWritten;

@@ -148,7 +148,7 @@ void TCompiler::HandleCommand() {
             if (TokenKind() != tkComma) break;
         }
         if (separator != ")") {
-            ExpectedRead(")", separator);
+            Expected(")", separator);
             return;
         }
         Expect(";");

@@ -41,8 +41,10 @@ std::string TCompiler::ReadValue(int kind) {
         if (symbol.Kind == skStringTable) {
             Expect("[");
             std::string wanted = NextToken();
+            const int errors = ErrorCount;
             text = std::to_string(StringNumber(symbol, wanted));
-            Expect("]");
+            // A failed lookup has skipped the rest of the reference already.
+            if (ErrorCount == errors) Expect("]");
         } else {
             text = symbol.Text;
         }

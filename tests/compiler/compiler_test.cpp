@@ -43,8 +43,15 @@ TEST(CompilerSpine, ErrorsHaltOrRecover) {
 
 TEST(CompilerSpine, UnitKindRulesStillDeclare) {
     CompileRun r("sector S;\r\nvar a;\r\n", false);
-    EXPECT_TRUE(r.Has("[S, 2] ERROR: global vars not allowed in PROJECT and SECTOR"));
+    const int error = r.IndexOf("[S, 2] ERROR: global vars not allowed in PROJECT and SECTOR");
+    ASSERT_GE(error, 0) << r.All();
     EXPECT_TRUE(r.Symbol("a"));
+    // Every error that does not halt is followed by its "raised in" line and the recovery line, even where
+    // the declaration then goes on without skipping.
+    ASSERT_GT(r.messages.size(), static_cast<size_t>(error) + 2);
+    EXPECT_EQ(r.messages[static_cast<size_t>(error) + 1].rfind("[S, 2]   raised in ", 0), 0u);
+    EXPECT_EQ(r.messages[static_cast<size_t>(error) + 2], "[S, 2] recovering from error...");
+    EXPECT_EQ(r.Count("recovering from error..."), 1);
 }
 
 TEST(CompilerSpine, NumberConversion) {
@@ -70,6 +77,28 @@ TEST(CompilerSpine, RecoveryTerminatesOnTextsThatEndBadly) {
     }
 }
 
+// A variable or constant list ends at its ";": a name on the next line starts no declaration.
+TEST(Declarations, ListsEndAtTheirSemicolon) {
+    CompileRun r("unit U;\r\nvar a;\r\n  b;\r\nconst c = 1;\r\n  d = 2;\r\nvar e, f;\r\n", false);
+    EXPECT_TRUE(r.Has("[U, 3] ERROR: expected \"<Declaration>\" but found \"b\"")) << r.All();
+    EXPECT_TRUE(r.Has("[U, 5] ERROR: expected \"<Declaration>\" but found \"d\""));
+    EXPECT_FALSE(r.Symbol("b"));
+    EXPECT_FALSE(r.Symbol("d"));
+    EXPECT_TRUE(r.Symbol("a") && r.Symbol("c") && r.Symbol("e") && r.Symbol("f"));
+    EXPECT_EQ(r.compiler->ErrorCount, 2);
+}
+
+// An initial value that is no number is reported once, by the value reader.
+TEST(Declarations, BadInitialValueReportedOnce) {
+    CompileRun r("unit U;\r\nvar a = xyz;\r\nenum E = %102;\r\nvar b = %101;\r\n", false);
+    EXPECT_EQ(r.Count("ERROR: \"xyz\" is not a valid integer value"), 1) << r.All();
+    EXPECT_EQ(r.Count("ERROR: 2 in binary constant ?!? What are you smoking?"), 1);
+    EXPECT_EQ(r.compiler->ErrorCount, 2);
+    ASSERT_TRUE(r.Symbol("a") && r.Symbol("b"));
+    EXPECT_EQ(r.Symbol("a")->Value, 0);
+    EXPECT_EQ(r.Symbol("b")->Value, 5);
+}
+
 TEST(Declarations, CompiledAnywayRules) {
     CompileRun r(
         "series S;\r\nexternal e = 1, f;\r\nstatic s;\r\nenum A, B = 5, C;\r\nproperty p;\r\nvar after;\r\n",
@@ -90,12 +119,16 @@ TEST(Declarations, CompiledAnywayRules) {
     EXPECT_EQ(r.compiler->ErrorCount, 3);
 }
 
-TEST(Declarations, RecoveryAfterAFoundSemicolonKeepsTheNextDeclaration) {
-    CompileRun r("unit U;\r\n#SETKILLBOARD(1;\r\nvar a;\r\nconst c = 1 d;\r\nvar b;\r\n", false);
+// Recovery skips up to the next ";" and leaves it unread, also when the token the expectation found was a
+// ";" itself: the declaration after it is skipped with it.
+TEST(Declarations, RecoveryAfterAFoundSemicolonSkipsToTheNextOne) {
+    CompileRun r("unit U;\r\n#SETKILLBOARD(1;\r\nvar a;\r\nvar b;\r\nconst c = 1 d;\r\nvar e;\r\n", false);
     EXPECT_TRUE(r.Has("[U, 2] ERROR: expected \")\" but found \";\"")) << r.All();
-    EXPECT_TRUE(r.Symbol("a"));
-    EXPECT_TRUE(r.Has("[U, 4] ERROR: expected \";\" but found \"d\""));
+    EXPECT_FALSE(r.Symbol("a"));
     EXPECT_TRUE(r.Symbol("b"));
+    EXPECT_TRUE(r.Has("[U, 5] ERROR: expected \";\" but found \"d\""));
+    EXPECT_TRUE(r.Symbol("e"));
+    EXPECT_EQ(r.compiler->ErrorCount, 2);
 }
 
 TEST(Finish, UnimplementedFunctionsAndObjectsAtTheirDeclarationLine) {

@@ -156,12 +156,58 @@ TEST(StringFiles, MissingStringsAndFiles) {
     r.Add("m.pas",
           "unit M;\r\n#STRINGS texts, nope;\r\n#BACKGROUND: texts[\"absent\"];\r\n#STRINGS Texts;\r\n");
     r.Compile("m.pas", false);
-    EXPECT_TRUE(r.Has("[M, 2] ERROR: could not include string file nope.eng - was not found!")) << "\n" << r.All();
+    EXPECT_TRUE(r.Has("[M, 2] ERROR: could not include string file nope.eng - was not found!")) << "\n"
+                                                                                                << r.All();
     EXPECT_TRUE(
         r.Has("[M, 3] ERROR: absent was not found in \"TEXTS\" and adding strings is not supported and "
               "this message is pretty long"));
     EXPECT_TRUE(r.Has("[M, 4] " + r.Path("Texts.eng") + " already included")) << r.All();
     EXPECT_EQ(r.compiler->ErrorCount, 2);
+}
+
+// A string that is not found is an error like any other: recovery skips the rest of the reference, and the
+// statement after it compiles without a further error.
+TEST(StringFiles, MissingStringInAnExpressionRecoversAtTheSemicolon) {
+    FileRun r;
+    r.AddStrings("texts.eng", {"Hello pilot", "Second line", "padding padding"});
+    r.Add("m.pas", "mission M;\r\n#STRINGS texts;\r\nvar g;\r\nfunction main;\r\nbegin\r\n"
+                   "  g := texts[\"absent\"];\r\n  g := texts[\"Second line\"];\r\nend;\r\n");
+    r.Compile("m.pas", false);
+    const int error = r.IndexOf("[M, 6] ERROR: absent was not found in \"TEXTS\" and adding strings is not "
+                                "supported and this message is pretty long");
+    ASSERT_GE(error, 0) << r.All();
+    EXPECT_EQ(r.messages.at(static_cast<size_t>(error) + 2), "[M, 6] recovering from error...");
+    EXPECT_EQ(r.compiler->ErrorCount, 1) << r.All();
+    const StringList& code = r.compiler->Data().CodeList;
+    EXPECT_NE(std::find(code.begin(), code.end(), "  movc v8 1;"), code.end());
+}
+
+// Source and string files share the list of included names, which leaves out the extension the compiler
+// appends: a source file and a string file of the same name block each other, either way round. The unit's
+// own file blocks only a source file of its name.
+TEST(StringFiles, SourceAndStringFileOfOneNameBlockEachOther) {
+    FileRun r;
+    r.AddStrings("common.eng", {"Hello pilot", "Second line", "padding padding"});
+    r.AddStrings("texts.eng", {"Hello pilot", "Second line", "padding padding"});
+    r.AddStrings("m.eng", {"Hello pilot", "Second line", "padding padding"});
+    r.Add("common.pas", "unit Common;\r\nvar shared;\r\n");
+    r.Add("texts.pas", "unit Texts;\r\nvar never;\r\n");
+    r.Add("m.pas",
+          "unit M;\r\ninclude common;\r\n#STRINGS common, texts;\r\ninclude texts;\r\n#STRINGS m;\r\n");
+    r.Compile("m.pas");
+    ASSERT_FALSE(r.threw) << r.All();
+    EXPECT_TRUE(r.Has("[M, 2] Including file " + r.Path("common.pas"))) << r.All();
+    EXPECT_TRUE(r.Has("[M, 3] " + r.Path("common.eng") + " already included"));
+    EXPECT_TRUE(r.Has("[M, 3] Including string file " + r.Path("texts.eng")));
+    EXPECT_TRUE(r.Has("[M, 4] " + r.Path("texts.pas") + " already included"));
+    EXPECT_TRUE(r.Has("[M, 5] Including string file " + r.Path("m.eng")));
+    EXPECT_TRUE(r.Symbol("shared"));
+    EXPECT_FALSE(r.Symbol("never"));
+    ASSERT_TRUE(r.Symbol("TEXTS"));
+    EXPECT_EQ(r.Symbol("TEXTS")->Kind, skStringTable);
+    EXPECT_EQ(r.Symbol("COMMON"), nullptr);
+    EXPECT_EQ(r.Symbol("M")->Kind, skStringTable);
+    EXPECT_EQ(r.Count("Including"), 3);
 }
 
 TEST(StringFiles, BrokenStringFileIsAnErrorNotACrash) {
@@ -266,6 +312,23 @@ TEST(FileCommand, OutputPathIsPassedOn) {
     };
     r.Compile("a.pas");
     EXPECT_EQ(names, (StringList{"game\\data\\M.mis", "game\\data\\M.iff"})) << r.All();
+}
+
+// The unit gets its own folder and the output path before it is given the message sink: only the parent's
+// "output path set to" line is shown, and the unit's first line is its own compilation's.
+TEST(FileCommand, UnitSetUpBeforeItsMessagesAreShown) {
+    FileRun r;
+    r.Add("a.pas", "series A;\r\n#SETOUTPUTPATH(\"game\");\r\n#FILE \"sub\\m.pas\";\r\n");
+    r.Add("sub/m.pas", "mission M;\r\nvar done;\r\n");
+    r.Compile("a.pas");
+    ASSERT_FALSE(r.threw) << r.All();
+    EXPECT_EQ(r.Count("added to searchpath"), 1) << r.All(); // the parent's own folder, by the test
+    EXPECT_EQ(r.Count("output path set to"), 1);
+    const int compiling = r.IndexOf("[A, 3] compiling file " + r.Path("sub\\m.pas"));
+    ASSERT_GE(compiling, 0);
+    EXPECT_EQ(
+        r.messages.at(static_cast<size_t>(compiling) + 1).rfind("[M, 2] adding global variable: done", 0),
+        0u);
 }
 
 } // namespace
