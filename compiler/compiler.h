@@ -156,7 +156,8 @@ public:
     // Handles "#" + directive when the next tokens are one (the "#" not yet read); returns whether it did.
     bool HandleDirective();
 
-    // Variable and constant lists, the keyword already read: names separated by "," and ended by ";".
+    // Variable and constant lists, the keyword already read: names separated by "," and ended by ";",
+    // continued while the next token is a plain identifier (so Pascal-style blocks read naturally).
     void DeclareVariables(std::int32_t kind);
     void DeclareConstants(std::int32_t kind);
     void DeclareEnums();

@@ -77,15 +77,14 @@ TEST(CompilerSpine, RecoveryTerminatesOnTextsThatEndBadly) {
     }
 }
 
-// A variable or constant list ends at its ";": a name on the next line starts no declaration.
-TEST(Declarations, ListsEndAtTheirSemicolon) {
-    CompileRun r("unit U;\r\nvar a;\r\n  b;\r\nconst c = 1;\r\n  d = 2;\r\nvar e, f;\r\n", false);
-    EXPECT_TRUE(r.Has("[U, 3] ERROR: expected \"<Declaration>\" but found \"b\"")) << r.All();
-    EXPECT_TRUE(r.Has("[U, 5] ERROR: expected \"<Declaration>\" but found \"d\""));
-    EXPECT_FALSE(r.Symbol("b"));
-    EXPECT_FALSE(r.Symbol("d"));
-    EXPECT_TRUE(r.Symbol("a") && r.Symbol("c") && r.Symbol("e") && r.Symbol("f"));
-    EXPECT_EQ(r.compiler->ErrorCount, 2);
+// Pascal-style blocks: a list goes on past its ";" while a plain name follows.
+TEST(Declarations, ListsGoOnWhileANameFollows) {
+    CompileRun r("unit U;\r\nvar a;\r\n  b = 2;\r\nconst c = 1;\r\n  d = 2;\r\nvar e, f;\r\nenum G;\r\n", false);
+    EXPECT_EQ(r.compiler->ErrorCount, 0) << r.All();
+    EXPECT_TRUE(r.Symbol("a") && r.Symbol("b") && r.Symbol("c") && r.Symbol("d") && r.Symbol("e") &&
+                r.Symbol("f") && r.Symbol("G"));
+    EXPECT_EQ(r.Symbol("b")->Value, 2);
+    EXPECT_EQ(r.Symbol("d")->Kind, 3);
 }
 
 // An initial value that is no number is reported once, by the value reader.
