@@ -68,6 +68,22 @@ TEST_F(MainWindowTest, OpensEveryArgumentInOrderAndAddsThemToTheRecentList) {
     EXPECT_EQ(window.RegMru1().Items()[1].Path, a);
 }
 
+TEST_F(MainWindowTest, AFileNamedAtStartComesFirstAndTheEarlierRecentFilesStay) {
+    const std::string older = MakeFile("older.pas", "unit older;");
+    const std::string newer = MakeFile("newer.pas", "unit newer;");
+    { TfrmMain window({QString::fromStdString(older)}); }
+    {
+        TfrmMain window({QString::fromStdString(newer)});
+        ASSERT_EQ(window.RegMru1().Items().size(), 2u);
+        EXPECT_EQ(window.RegMru1().Items()[0].Path, newer);
+        EXPECT_EQ(window.RegMru1().Items()[1].Path, older);
+    }
+    TfrmMain window({});
+    ASSERT_EQ(window.RegMru1().Items().size(), 2u);
+    EXPECT_EQ(window.RegMru1().Items()[0].Path, newer);
+    EXPECT_EQ(window.RegMru1().Items()[1].Path, older);
+}
+
 TEST_F(MainWindowTest, AMissingArgumentOpensNothingSilently) {
     TfrmMain window({QString::fromStdString(Path("missing.pas"))});
     EXPECT_TRUE(window.Pages().isEmpty());
@@ -115,13 +131,15 @@ TEST_F(MainWindowTest, OpenWithoutANameAsksAndRemembersTheFolder) {
 }
 
 TEST_F(MainWindowTest, OpeningABinaryFileShowsItsDecodedText) {
-    const std::string iff =
-        MakeFile("Real.iff", std::string("FORM\0\0\0\x0ETEST" "DATA\0\0\0\x02\x0A\xFF", 22));
+    const std::string iff = MakeFile("Real.iff", std::string("FORM\0\0\0\x0ETEST"
+                                                             "DATA\0\0\0\x02\x0A\xFF",
+                                                             22));
     TfrmMain window({QString::fromStdString(iff)});
     ASSERT_EQ(window.Pages().size(), 1);
-    EXPECT_EQ(window.ActivePage()->Text(), QStringLiteral("IFF \"Real.iff\"\r\n{\r\n  FORM \"TEST\"\r\n  {\r\n"
-                                                          "    CHUNK \"DATA\"\r\n    {\r\n      BYTE [2] $0A $FF\r\n"
-                                                          "    }\r\n  }\r\n}\r\n"));
+    EXPECT_EQ(window.ActivePage()->Text(),
+              QStringLiteral("IFF \"Real.iff\"\r\n{\r\n  FORM \"TEST\"\r\n  {\r\n"
+                             "    CHUNK \"DATA\"\r\n    {\r\n      BYTE [2] $0A $FF\r\n"
+                             "    }\r\n  }\r\n}\r\n"));
     EXPECT_TRUE(window.ActivePage()->Modified());
 }
 
