@@ -15,6 +15,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QStyle>
 #include <QTabWidget>
 #include <QThread>
 
@@ -55,6 +56,15 @@ TEST_F(MainWindowTest, StartsWithExactlyOneUntitledPageAndTheCaption) {
     EXPECT_FALSE(window.ActivePage()->Modified());
     EXPECT_EQ(window.NewPage()->Caption(), QStringLiteral("Untitled1.pas"));
     EXPECT_EQ(window.MaxDecodeSize(), 1024);
+}
+
+TEST_F(MainWindowTest, HintsWaitTheHintPauseOfFourSeconds) {
+    TfrmMain window({});
+    EXPECT_EQ(QApplication::style()->styleHint(QStyle::SH_ToolTip_WakeUpDelay), 4000);
+    // A second window does not wrap the style again.
+    QStyle* style = QApplication::style();
+    TfrmMain second({});
+    EXPECT_EQ(QApplication::style(), style);
 }
 
 TEST_F(MainWindowTest, OpensEveryArgumentInOrderAndAddsThemToTheRecentList) {
