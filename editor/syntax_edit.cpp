@@ -207,6 +207,38 @@ void TSyntaxEdit::focusOutEvent(QFocusEvent* e) {
     QsciScintilla::focusOutEvent(e);
 }
 
+QVariant TSyntaxEdit::inputMethodQuery(Qt::InputMethodQuery query) const {
+    switch (query) {
+    case Qt::ImSurroundingText:
+    case Qt::ImCursorPosition:
+    case Qt::ImAnchorPosition:
+    case Qt::ImTextBeforeCursor:
+    case Qt::ImTextAfterCursor: break;
+    default: return QsciScintilla::inputMethodQuery(query);
+    }
+    const long caret = SendScintilla(SCI_GETCURRENTPOS);
+    const long line = SendScintilla(SCI_LINEFROMPOSITION, caret);
+    const QString lineText = LineText(static_cast<int>(line));
+    // Positions count UTF-16 units of the line, as the text is handed out; Scintilla's count bytes.
+    const auto column = [&](long position) {
+        const long start = SendScintilla(SCI_POSITIONFROMLINE, static_cast<unsigned long>(line));
+        const long end = SendScintilla(SCI_GETLINEENDPOSITION, static_cast<unsigned long>(line));
+        return static_cast<int>(SendScintilla(SCI_COUNTCODEUNITS, static_cast<unsigned long>(start),
+                                              std::clamp(position, start, end)));
+    };
+    const int at = column(caret);
+    switch (query) {
+    case Qt::ImSurroundingText: return lineText;
+    case Qt::ImCursorPosition: return at;
+    case Qt::ImAnchorPosition: {
+        const long anchor = SendScintilla(SCI_GETANCHOR);
+        return SendScintilla(SCI_LINEFROMPOSITION, anchor) == line ? column(anchor) : at;
+    }
+    case Qt::ImTextBeforeCursor: return lineText.left(at);
+    default: return lineText.mid(at);
+    }
+}
+
 bool TSyntaxEdit::RunKeyStroke(int index) {
     ExecuteCommand(keyStrokes_[index].Command);
     return true;

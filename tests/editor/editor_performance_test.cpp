@@ -4,6 +4,7 @@
 
 #include <QAccessible>
 #include <QElapsedTimer>
+#include <QInputMethodQueryEvent>
 #include <QTest>
 
 #include <algorithm>
@@ -91,6 +92,33 @@ TEST_F(EditorPerformance, KeystrokeToRepaintIn50000Lines) {
     const Timing smallDown = TimeKeys(*edit, 20, Qt::Key_Down);
     std::printf("[ perf ] 100-line unit: type median %.2f ms, Down median %.2f ms\n", smallTyping.median,
                 smallDown.median);
+}
+
+TEST_F(EditorPerformance, InputMethodsAreGivenTheCaretsLineNotTheWholeUnit) {
+    QString text = BigUnit(50000);
+    text.insert(text.indexOf(QStringLiteral("line 25003")), QString::fromUtf8("\xC3\xA9\xF0\x9D\x84\x9E"));
+    Load(text, 25003);
+    const QString line = edit->LineText(25003);
+    ASSERT_TRUE(line.contains(QString::fromUtf8("\xF0\x9D\x84\x9E")));
+    const auto query = [&](Qt::InputMethodQuery what) {
+        QInputMethodQueryEvent event(what);
+        QApplication::sendEvent(edit.get(), &event);
+        return event.value(what);
+    };
+    // The caret after the two characters put in front of "line": "é" and a character of two UTF-16 units.
+    const int at = static_cast<int>(line.indexOf(QStringLiteral("line 25003")));
+    edit->SendScintilla(QsciScintillaBase::SCI_SETSEL,
+                        edit->SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE, 25003UL),
+                        edit->SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE, 25003UL) +
+                            static_cast<long>(line.left(at).toUtf8().size()));
+    EXPECT_EQ(query(Qt::ImSurroundingText).toString(), line);
+    EXPECT_EQ(query(Qt::ImCursorPosition).toInt(), at);
+    EXPECT_EQ(query(Qt::ImAnchorPosition).toInt(), 0);
+    EXPECT_EQ(query(Qt::ImTextBeforeCursor).toString(), line.left(at));
+    EXPECT_EQ(query(Qt::ImTextAfterCursor).toString(), line.mid(at));
+    // An anchor on another line stands at the caret.
+    edit->SendScintilla(QsciScintillaBase::SCI_SETANCHOR, 0L);
+    EXPECT_EQ(query(Qt::ImAnchorPosition).toInt(), at);
 }
 
 TEST_F(EditorPerformance, WithoutAnAssistiveToolTheEditorIsAPlainAccessibleWidget) {
