@@ -329,11 +329,15 @@ void TfrmMain::LoadExtensionFile(const std::string& path) {
 // --- timer and status
 
 void TfrmMain::TimerTick() {
-    if (TfrmEdit* page = ActivePage()) {
+    TfrmEdit* page = ActivePage();
+    if (page) {
         panel1_->setText(
             QStringLiteral("%1:%2").arg(page->Memo()->CaretLine() + 1).arg(page->Memo()->CaretColumn() + 1));
     }
     iff_->UpdateCaption();
+    // A disabled item's shortcut is dead: F1 must follow the caret onto a word even when the Help menu was
+    // last opened with nothing under the caret. The caption waits for the menu to open.
+    MenuItem(QStringLiteral("MenuHelpTopic"))->setEnabled(page && !page->WordAtCursor().isEmpty());
 }
 
 QString TfrmMain::StatusPanelText(int panel) const {
