@@ -6,6 +6,8 @@
 #include "platform/strings.h"
 #include "platform/text_file.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QFocusEvent>
 #include <QFontDatabase>
 #include <QFontInfo>
@@ -31,7 +33,8 @@ QFont EditorFont() {
     QFont system = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     system.setPointSize(10);
     if (QFontInfo(system).fixedPitch()) return system;
-    for (const char* family : {"DejaVu Sans Mono", "Liberation Mono", "Noto Sans Mono", "Noto Mono", "monospace"}) {
+    for (const char* family :
+         {"DejaVu Sans Mono", "Liberation Mono", "Noto Sans Mono", "Noto Mono", "monospace"}) {
         QFont candidate(QString::fromLatin1(family), 10);
         candidate.setStyleHint(QFont::TypeWriter);
         if (QFontInfo(candidate).fixedPitch()) return candidate;
@@ -66,10 +69,26 @@ bool TypesText(const QKeyEvent& e) {
     return true;
 }
 
+// The editor component's own accessible text reports every caret move and every edit to assistive
+// tools as a character offset that it counts from the start of the text, so each keystroke costs time
+// in proportion to the file. Without an assistive tool running nobody reads those reports: the editor is
+// then described as a plain editable widget.
+QAccessibleInterface* PlainEditorAccessible(const QString& className, QObject* object) {
+    static const QString ownClass = QString::fromLatin1(TSyntaxEdit::staticMetaObject.className());
+    if (className != ownClass || QAccessible::isActive() || !object || !object->isWidgetType())
+        return nullptr;
+    return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::EditableText);
+}
+
 } // namespace
 
 TSyntaxEdit::TSyntaxEdit(QWidget* parent)
     : QsciScintilla(parent), highlighter_(new TSourceHighlighter(this)) {
+    static const bool accessibleInstalled = [] {
+        QAccessible::installFactory(PlainEditorAccessible);
+        return true;
+    }();
+    (void)accessibleInstalled;
     keyStrokes_.ResetDefaults();
     setUtf8(true);
     // Every key is looked up in the key strokes first; Scintilla's own key map would act behind their back.
@@ -127,8 +146,8 @@ void TSyntaxEdit::UpdateLineNumberWidth() {
 // ---- keys -------------------------------------------------------------------------------------------------
 
 bool TSyntaxEdit::event(QEvent* e) {
-    // Window shortcuts (the main menu) win over editor bindings, as in the original's key handling;
-    // only typing, and the second key of a started sequence, is claimed here.
+    // Window shortcuts (the main menu) win over editor bindings, so Ctrl+N and Ctrl+T run the menu's
+    // commands; only typing, and the second key of a started sequence, is claimed here.
     if (e->type() == QEvent::ShortcutOverride) {
         auto* key = static_cast<QKeyEvent*>(e);
         if (!pending_.IsEmpty() || (TypesText(*key) && !(key->modifiers() & Qt::AltModifier))) {
@@ -186,6 +205,38 @@ void TSyntaxEdit::keyPressEvent(QKeyEvent* e) {
 void TSyntaxEdit::focusOutEvent(QFocusEvent* e) {
     pending_ = {};
     QsciScintilla::focusOutEvent(e);
+}
+
+QVariant TSyntaxEdit::inputMethodQuery(Qt::InputMethodQuery query) const {
+    switch (query) {
+    case Qt::ImSurroundingText:
+    case Qt::ImCursorPosition:
+    case Qt::ImAnchorPosition:
+    case Qt::ImTextBeforeCursor:
+    case Qt::ImTextAfterCursor: break;
+    default: return QsciScintilla::inputMethodQuery(query);
+    }
+    const long caret = SendScintilla(SCI_GETCURRENTPOS);
+    const long line = SendScintilla(SCI_LINEFROMPOSITION, caret);
+    const QString lineText = LineText(static_cast<int>(line));
+    // Positions count UTF-16 units of the line, as the text is handed out; Scintilla's count bytes.
+    const auto column = [&](long position) {
+        const long start = SendScintilla(SCI_POSITIONFROMLINE, static_cast<unsigned long>(line));
+        const long end = SendScintilla(SCI_GETLINEENDPOSITION, static_cast<unsigned long>(line));
+        return static_cast<int>(SendScintilla(SCI_COUNTCODEUNITS, static_cast<unsigned long>(start),
+                                              std::clamp(position, start, end)));
+    };
+    const int at = column(caret);
+    switch (query) {
+    case Qt::ImSurroundingText: return lineText;
+    case Qt::ImCursorPosition: return at;
+    case Qt::ImAnchorPosition: {
+        const long anchor = SendScintilla(SCI_GETANCHOR);
+        return SendScintilla(SCI_LINEFROMPOSITION, anchor) == line ? column(anchor) : at;
+    }
+    case Qt::ImTextBeforeCursor: return lineText.left(at);
+    default: return lineText.mid(at);
+    }
 }
 
 bool TSyntaxEdit::RunKeyStroke(int index) {

@@ -114,6 +114,10 @@ protected:
     bool event(QEvent* e) override;
     void keyPressEvent(QKeyEvent* e) override;
     void focusOutEvent(QFocusEvent* e) override;
+    // Input methods ask for the text around the caret after every keystroke and caret move. The base
+    // class answers with the caret's paragraph, which in a unit without blank lines is the whole text;
+    // here it is the caret's line, so a keystroke costs the same in a long unit as in a short one.
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 private:
     struct Bookmark {

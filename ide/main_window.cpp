@@ -20,7 +20,9 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMenu>
+#include <QProxyStyle>
 #include <QStatusBar>
+#include <QStyleFactory>
 #include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -44,6 +46,27 @@ bool StartsWithForm(const std::string& name) {
 bool IsRegularFile(const std::string& name) {
     std::error_code ec;
     return std::filesystem::is_regular_file(name, ec);
+}
+
+// The mouse hint over an editor would otherwise pop up while the user merely moves across the text;
+// it waits 4 s, the application's hint pause.
+constexpr int kHintPauseMs = 4000;
+
+class THintPauseStyle : public QProxyStyle {
+public:
+    using QProxyStyle::QProxyStyle;
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        if (hint == SH_ToolTip_WakeUpDelay) return kHintPauseMs;
+        return QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
+void SetHintPause() {
+    QStyle* current = QApplication::style();
+    if (dynamic_cast<THintPauseStyle*>(current)) return;
+    // The application deletes its old style when given a new one, so the proxy gets a fresh copy of it.
+    QApplication::setStyle(new THintPauseStyle(QStyleFactory::create(current->name())));
 }
 
 } // namespace
@@ -107,8 +130,7 @@ TfrmMain::TfrmMain(const QStringList& files, QWidget* parent) : QMainWindow(pare
     mru_->OnItemClick = [this](const std::string& path) { OpenFile(path, true); };
     mru_->AttachMenu(MenuItem(QStringLiteral("MenuFileReopen"))->menu());
     mru_->Load();
-    // Tool tips wait as long as hints did in the original.
-    qApp->setProperty("hintPause", 4000);
+    SetHintPause();
 }
 
 TfrmMain::~TfrmMain() {
@@ -307,11 +329,15 @@ void TfrmMain::LoadExtensionFile(const std::string& path) {
 // --- timer and status
 
 void TfrmMain::TimerTick() {
-    if (TfrmEdit* page = ActivePage()) {
+    TfrmEdit* page = ActivePage();
+    if (page) {
         panel1_->setText(
             QStringLiteral("%1:%2").arg(page->Memo()->CaretLine() + 1).arg(page->Memo()->CaretColumn() + 1));
     }
     iff_->UpdateCaption();
+    // A disabled item's shortcut is dead: F1 must follow the caret onto a word even when the Help menu was
+    // last opened with nothing under the caret. The caption waits for the menu to open.
+    MenuItem(QStringLiteral("MenuHelpTopic"))->setEnabled(page && !page->WordAtCursor().isEmpty());
 }
 
 QString TfrmMain::StatusPanelText(int panel) const {

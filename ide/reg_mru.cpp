@@ -29,12 +29,16 @@ Registry& TRegMru::Store() const {
 }
 
 void TRegMru::Load() {
-    items_.clear();
+    ReadStored();
+    RebuildMenu();
+}
+
+void TRegMru::ReadStored() {
+    // Entries already in the list (files opened before the list was loaded) stay in front; the stored
+    // ones follow unless they are there already.
+    storedRead_ = true;
     Registry& registry = Store();
-    if (!registry.OpenKey(KeyPath, false)) {
-        RebuildMenu();
-        return;
-    }
+    if (!registry.OpenKey(KeyPath, false)) return;
     const std::vector<std::string> names = registry.ValueNames(KeyPath);
     const auto number = [&](const std::string& name) {
         return StrToIntDef(Trim(registry.ReadString(KeyPath, name).value_or("")), 0);
@@ -54,26 +58,24 @@ void TRegMru::Load() {
         }
         if (haveCount && haveMax) break;
     }
-    if (count >= 1) {
-        for (const std::string& name : names) {
-            if (SameText(name, "DEFAULT") || SameText(name, "COUNT") || SameText(name, "MAXFILES")) continue;
-            if (static_cast<int>(items_.size()) >= MaxItems) break;
-            const std::string value = registry.ReadString(KeyPath, name).value_or("");
-            TMruEntry entry;
-            const size_t bar = value.rfind('|');
-            if (bar == std::string::npos) {
-                entry.Path = value;
-            } else {
-                entry.Path = value.substr(0, bar);
-                entry.Tag = StrToIntDef(std::string_view(value).substr(bar + 1), 0);
-            }
-            const bool known = std::any_of(items_.begin(), items_.end(),
-                                           [&](const TMruEntry& e) { return SameText(e.Path, entry.Path); });
-            if (!known && !entry.Path.empty()) items_.push_back(std::move(entry));
+    if (count < 1) return;
+    for (const std::string& name : names) {
+        if (SameText(name, "DEFAULT") || SameText(name, "COUNT") || SameText(name, "MAXFILES")) continue;
+        if (static_cast<int>(items_.size()) >= MaxItems) break;
+        const std::string value = registry.ReadString(KeyPath, name).value_or("");
+        TMruEntry entry;
+        const size_t bar = value.rfind('|');
+        if (bar == std::string::npos) {
+            entry.Path = value;
+        } else {
+            entry.Path = value.substr(0, bar);
+            entry.Tag = StrToIntDef(std::string_view(value).substr(bar + 1), 0);
         }
+        const bool known = std::any_of(items_.begin(), items_.end(),
+                                       [&](const TMruEntry& e) { return SameText(e.Path, entry.Path); });
+        if (!known && !entry.Path.empty()) items_.push_back(std::move(entry));
     }
-    dirty_ = false;
-    RebuildMenu();
+    if (static_cast<int>(items_.size()) > MaxItems) items_.resize(static_cast<size_t>(MaxItems));
 }
 
 void TRegMru::Add(const std::string& path, std::int32_t tag) {
@@ -90,6 +92,7 @@ void TRegMru::Add(const std::string& path, std::int32_t tag) {
 void TRegMru::Clear() {
     items_.clear();
     dirty_ = false;
+    storedRead_ = true;
     if (SerializeList && Store().OpenKey(KeyPath, false)) DeleteValuesExceptDefault();
     RebuildMenu();
 }
@@ -104,6 +107,8 @@ void TRegMru::DeleteValuesExceptDefault() {
 void TRegMru::Write() {
     dirty_ = false;
     if (!SerializeList) return;
+    // A list written before it was ever read would replace the stored entries by the few added since.
+    if (!storedRead_) ReadStored();
     Registry& registry = Store();
     registry.OpenKey(KeyPath, true);
     // Entries from an older, longer list would otherwise be read back as entries.

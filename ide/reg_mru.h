@@ -35,13 +35,13 @@ public:
     Registry* ActiveRegistry = nullptr;              // where the key lives; null means MachineRegistry()
     std::function<void(const std::string& path)> OnItemClick; // a menu entry was chosen
 
-    // Replaces the list by the key's contents; a missing key leaves the list empty.
+    // Reads the key's entries behind those already in the list (a missing key adds none).
     void Load();
     // Puts the path first (moving it when present) and drops the oldest entries beyond MaxItems.
     void Add(const std::string& path, std::int32_t tag = 0);
     // Empties the list and deletes every value of the key except "DEFAULT".
     void Clear();
-    // Writes the whole list now (creating the key).
+    // Writes the whole list now (creating the key); the stored entries are read first if they never were.
     void Write();
 
     const std::vector<TMruEntry>& Items() const { return items_; }
@@ -54,10 +54,12 @@ private:
     void Changed();
     void RebuildMenu();
     void DeleteValuesExceptDefault();
+    void ReadStored();
 
     std::vector<TMruEntry> items_; // newest first
     QMenu* menu_ = nullptr;        // the submenu showing the entries, not owned
     bool dirty_ = false;           // a lazy change not yet written
+    bool storedRead_ = false;      // the key's entries have been read into the list (or cleared)
 };
 
 } // namespace velkor

@@ -48,9 +48,10 @@ int SymbolMaskBit(std::int32_t kind) {
     case skUserFunction: return smFunctions;
     case skObject:
     case skNumber: return smObjects;
+    // Enumeration values are constants to the compiler, but no list shows them: the lists keep to the
+    // declared "const" kinds.
     case skGlobalConst:
-    case skLocalConst:
-    case skEnum: return smConstants;
+    case skLocalConst: return smConstants;
     case skGlobalVar:
     case skLocalVar:
     case skPassVar:
@@ -201,13 +202,14 @@ std::string ParameterHintText(const TSymbol& function, const std::optional<std::
 }
 
 std::string SymbolHintText(const TSymbol& symbol) {
-    std::string type = SymbolTypeCaption(symbol.Kind);
+    const bool constant = SymbolMaskBit(symbol.Kind) == smConstants || symbol.Kind == skEnum;
+    std::string type = symbol.Kind == skEnum ? "Constant" : SymbolTypeCaption(symbol.Kind);
     if (type.empty()) type = symbol.Kind == skStringTable ? "Strings" : "Symbol";
     std::string text = type + " " + SymbolDisplayName(symbol);
     if (IsFunctionKind(symbol.Kind))
         text +=
             " (" + std::to_string(symbol.Register) + (symbol.Register == 1 ? " parameter)" : " parameters)");
-    if (SymbolMaskBit(symbol.Kind) == smConstants) text += " = " + symbol.Text;
+    if (constant) text += " = " + symbol.Text;
     const std::string file = FileNameOf(symbol.FileNumber);
     if (!file.empty()) text += " - " + FileNamePart(file) + " (" + std::to_string(symbol.Line) + ")";
     return text;

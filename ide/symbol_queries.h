@@ -14,14 +14,14 @@ namespace velkor {
 
 // Kind mask bits of the symbol lists.
 enum TSymbolMask : int {
-    smConstants = 1, // global and local constants, enumeration values
+    smConstants = 1, // global and local constants
     smVariables = 2, // every variable kind
     smObjects = 4,   // objects and objectives
     smFunctions = 8, // script and game functions
     smAll = 15,      // the symbol browser
 };
 
-// The list bit a kind belongs to, or 0 for kinds no list shows (string tables).
+// The list bit a kind belongs to, or 0 for kinds no list shows (string tables, enumeration values).
 int SymbolMaskBit(std::int32_t kind);
 // The "Type" column: "Function", "Object", "Objective", "Constant", "Variable", or empty.
 std::string SymbolTypeCaption(std::int32_t kind);

@@ -1,7 +1,10 @@
 // Keystroke-to-repaint time in a 50,000-line unit. Reported, not asserted: the machine decides the number.
+// What makes a keystroke cost time in proportion to the unit is checked instead.
 #include "editor_test_app.h"
 
+#include <QAccessible>
 #include <QElapsedTimer>
+#include <QInputMethodQueryEvent>
 #include <QTest>
 
 #include <algorithm>
@@ -58,6 +61,8 @@ TEST_F(EditorPerformance, KeystrokeToRepaintIn50000Lines) {
     const double loadMs = static_cast<double>(load.nsecsElapsed()) / 1e6;
     ASSERT_EQ(edit->lines(), 50001);
 
+    edit->setCursorPosition(10, 0);
+    const Timing typingTop = TimeKeys(*edit, 50, Qt::Key_Y);
     edit->setCursorPosition(25000, 0);
     const Timing typing = TimeKeys(*edit, 50, Qt::Key_X);
     EXPECT_EQ(edit->LineText(25000).left(50), QString(50, QLatin1Char('x')));
@@ -70,7 +75,10 @@ TEST_F(EditorPerformance, KeystrokeToRepaintIn50000Lines) {
     const Timing end = TimeKeys(*edit, 1, Qt::Key_End, Qt::ControlModifier);
 
     std::printf("[ perf ] 50,000-line unit: load and first paint %.1f ms\n", loadMs);
-    std::printf("[ perf ] type a character: median %.2f ms, worst %.2f ms\n", typing.median, typing.worst);
+    std::printf("[ perf ] type a character at line 25,000: median %.2f ms, worst %.2f ms\n", typing.median,
+                typing.worst);
+    std::printf("[ perf ] type a character at line 10: median %.2f ms, worst %.2f ms\n", typingTop.median,
+                typingTop.worst);
     std::printf("[ perf ] Down: median %.2f ms, worst %.2f ms\n", down.median, down.worst);
     std::printf("[ perf ] Page Down: median %.2f ms, worst %.2f ms\n", pageDown.median, pageDown.worst);
     std::printf("[ perf ] open \"/*\" at line 10: %.2f ms + %.2f ms\n", comment.worst, star.worst);
@@ -84,6 +92,43 @@ TEST_F(EditorPerformance, KeystrokeToRepaintIn50000Lines) {
     const Timing smallDown = TimeKeys(*edit, 20, Qt::Key_Down);
     std::printf("[ perf ] 100-line unit: type median %.2f ms, Down median %.2f ms\n", smallTyping.median,
                 smallDown.median);
+}
+
+TEST_F(EditorPerformance, InputMethodsAreGivenTheCaretsLineNotTheWholeUnit) {
+    QString text = BigUnit(50000);
+    text.insert(text.indexOf(QStringLiteral("line 25003")), QString::fromUtf8("\xC3\xA9\xF0\x9D\x84\x9E"));
+    Load(text, 25003);
+    const QString line = edit->LineText(25003);
+    ASSERT_TRUE(line.contains(QString::fromUtf8("\xF0\x9D\x84\x9E")));
+    const auto query = [&](Qt::InputMethodQuery what) {
+        QInputMethodQueryEvent event(what);
+        QApplication::sendEvent(edit.get(), &event);
+        return event.value(what);
+    };
+    // The caret after the two characters put in front of "line": "é" and a character of two UTF-16 units.
+    const int at = static_cast<int>(line.indexOf(QStringLiteral("line 25003")));
+    edit->SendScintilla(QsciScintillaBase::SCI_SETSEL,
+                        edit->SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE, 25003UL),
+                        edit->SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE, 25003UL) +
+                            static_cast<long>(line.left(at).toUtf8().size()));
+    EXPECT_EQ(query(Qt::ImSurroundingText).toString(), line);
+    EXPECT_EQ(query(Qt::ImCursorPosition).toInt(), at);
+    EXPECT_EQ(query(Qt::ImAnchorPosition).toInt(), 0);
+    EXPECT_EQ(query(Qt::ImTextBeforeCursor).toString(), line.left(at));
+    EXPECT_EQ(query(Qt::ImTextAfterCursor).toString(), line.mid(at));
+    // An anchor on another line stands at the caret.
+    edit->SendScintilla(QsciScintillaBase::SCI_SETANCHOR, 0L);
+    EXPECT_EQ(query(Qt::ImAnchorPosition).toInt(), at);
+}
+
+TEST_F(EditorPerformance, WithoutAnAssistiveToolTheEditorIsAPlainAccessibleWidget) {
+    ASSERT_FALSE(QAccessible::isActive());
+    Load(BigUnit(100));
+    QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(edit.get());
+    ASSERT_NE(accessible, nullptr);
+    EXPECT_EQ(accessible->role(), QAccessible::EditableText);
+    // No text interface: nothing counts characters from the start of the text at every caret move.
+    EXPECT_EQ(accessible->textInterface(), nullptr);
 }
 
 } // namespace

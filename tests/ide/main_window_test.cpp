@@ -15,6 +15,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QStyle>
 #include <QTabWidget>
 #include <QThread>
 
@@ -57,6 +58,15 @@ TEST_F(MainWindowTest, StartsWithExactlyOneUntitledPageAndTheCaption) {
     EXPECT_EQ(window.MaxDecodeSize(), 1024);
 }
 
+TEST_F(MainWindowTest, HintsWaitTheHintPauseOfFourSeconds) {
+    TfrmMain window({});
+    EXPECT_EQ(QApplication::style()->styleHint(QStyle::SH_ToolTip_WakeUpDelay), 4000);
+    // A second window does not wrap the style again.
+    QStyle* style = QApplication::style();
+    TfrmMain second({});
+    EXPECT_EQ(QApplication::style(), style);
+}
+
 TEST_F(MainWindowTest, OpensEveryArgumentInOrderAndAddsThemToTheRecentList) {
     const std::string a = MakeFile("Alpha.pas", "unit alpha;\r\n");
     const std::string b = MakeFile("beta.pas", "unit beta;\n");
@@ -66,6 +76,22 @@ TEST_F(MainWindowTest, OpensEveryArgumentInOrderAndAddsThemToTheRecentList) {
     ASSERT_EQ(window.RegMru1().Items().size(), 2u);
     EXPECT_EQ(window.RegMru1().Items()[0].Path, b);
     EXPECT_EQ(window.RegMru1().Items()[1].Path, a);
+}
+
+TEST_F(MainWindowTest, AFileNamedAtStartComesFirstAndTheEarlierRecentFilesStay) {
+    const std::string older = MakeFile("older.pas", "unit older;");
+    const std::string newer = MakeFile("newer.pas", "unit newer;");
+    { TfrmMain window({QString::fromStdString(older)}); }
+    {
+        TfrmMain window({QString::fromStdString(newer)});
+        ASSERT_EQ(window.RegMru1().Items().size(), 2u);
+        EXPECT_EQ(window.RegMru1().Items()[0].Path, newer);
+        EXPECT_EQ(window.RegMru1().Items()[1].Path, older);
+    }
+    TfrmMain window({});
+    ASSERT_EQ(window.RegMru1().Items().size(), 2u);
+    EXPECT_EQ(window.RegMru1().Items()[0].Path, newer);
+    EXPECT_EQ(window.RegMru1().Items()[1].Path, older);
 }
 
 TEST_F(MainWindowTest, AMissingArgumentOpensNothingSilently) {
@@ -115,13 +141,15 @@ TEST_F(MainWindowTest, OpenWithoutANameAsksAndRemembersTheFolder) {
 }
 
 TEST_F(MainWindowTest, OpeningABinaryFileShowsItsDecodedText) {
-    const std::string iff =
-        MakeFile("Real.iff", std::string("FORM\0\0\0\x0ETEST" "DATA\0\0\0\x02\x0A\xFF", 22));
+    const std::string iff = MakeFile("Real.iff", std::string("FORM\0\0\0\x0ETEST"
+                                                             "DATA\0\0\0\x02\x0A\xFF",
+                                                             22));
     TfrmMain window({QString::fromStdString(iff)});
     ASSERT_EQ(window.Pages().size(), 1);
-    EXPECT_EQ(window.ActivePage()->Text(), QStringLiteral("IFF \"Real.iff\"\r\n{\r\n  FORM \"TEST\"\r\n  {\r\n"
-                                                          "    CHUNK \"DATA\"\r\n    {\r\n      BYTE [2] $0A $FF\r\n"
-                                                          "    }\r\n  }\r\n}\r\n"));
+    EXPECT_EQ(window.ActivePage()->Text(),
+              QStringLiteral("IFF \"Real.iff\"\r\n{\r\n  FORM \"TEST\"\r\n  {\r\n"
+                             "    CHUNK \"DATA\"\r\n    {\r\n      BYTE [2] $0A $FF\r\n"
+                             "    }\r\n  }\r\n}\r\n"));
     EXPECT_TRUE(window.ActivePage()->Modified());
 }
 

@@ -187,6 +187,21 @@ TEST_F(MenusTest, TopicItemNamesTheWordAtTheCursor) {
         QString::fromStdString(window.HelpView().CurrentPage()).endsWith(QStringLiteral("help/while.html")));
 }
 
+TEST_F(MenusTest, TheTopicShortcutFollowsTheCaretBetweenOpeningsOfTheHelpMenu) {
+    TfrmMain window({});
+    QAction* topic = window.MenuItem(QStringLiteral("MenuHelpTopic"));
+    window.UpdateHelpMenu();
+    ASSERT_FALSE(topic->isEnabled());
+    window.ActivePage()->Memo()->SetText(QStringLiteral("  while x"));
+    window.ActivePage()->Memo()->SetCaret(0, 4);
+    window.TimerTick();
+    EXPECT_TRUE(topic->isEnabled());
+    EXPECT_EQ(topic->text(), QStringLiteral("Topic: \"\""));
+    window.ActivePage()->Memo()->SetCaret(0, 1);
+    window.TimerTick();
+    EXPECT_FALSE(topic->isEnabled());
+}
+
 TEST_F(MenusTest, CompileAndEditPutsTheGeneratedTextIntoANewPageOnlyAfterSuccess) {
     TfrmMain window({});
     window.ActivePage()->Memo()->SetText(QStringLiteral("unit demo;\r\n"));

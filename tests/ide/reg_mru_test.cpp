@@ -127,6 +127,33 @@ TEST_F(RegMruTest, AddWritesTheWholeListNewestFirstAndKeepsDefault) {
     EXPECT_EQ(registry.values, (std::vector<std::pair<std::string, std::string>>{{"DEFAULT", "keep"}}));
 }
 
+TEST_F(RegMruTest, AnEntryAddedBeforeLoadingKeepsTheStoredOnesBehindIt) {
+    MemoryRegistry registry;
+    registry.exists = true;
+    registry.values = {
+        {"Count", "3"}, {"MaxFiles", "3"}, {"H0", "/old/a.pas"}, {"H1", "/new.pas|2"}, {"H2", "/old/b.pas"}};
+    TRegMru mru;
+    mru.ActiveRegistry = &registry;
+    mru.Add("/new.pas");
+    // The first write read the stored list first instead of replacing it.
+    EXPECT_EQ(Paths(mru), (std::vector<std::string>{"/new.pas", "/old/a.pas", "/old/b.pas"}));
+    EXPECT_EQ(registry.ReadString("", "H1").value_or(""), "/old/a.pas");
+    EXPECT_EQ(registry.ReadString("", "H2").value_or(""), "/old/b.pas");
+    mru.Load();
+    EXPECT_EQ(Paths(mru), (std::vector<std::string>{"/new.pas", "/old/a.pas", "/old/b.pas"}));
+
+    // Lazily: the same when the list is loaded before it is ever written.
+    MemoryRegistry lazyStore;
+    lazyStore.exists = true;
+    lazyStore.values = registry.values;
+    TRegMru lazy;
+    lazy.ActiveRegistry = &lazyStore;
+    lazy.LazyWrite = true;
+    lazy.Add("/first.pas");
+    lazy.Load();
+    EXPECT_EQ(Paths(lazy), (std::vector<std::string>{"/first.pas", "/new.pas", "/old/a.pas"}));
+}
+
 TEST_F(RegMruTest, LazyWriteWaitsForWrite) {
     MemoryRegistry registry;
     {

@@ -147,6 +147,25 @@ TEST_F(SymbolListTest, FilteringBySubstringKindsAndHideWcp) {
                                        "Attack|Function|Demo.pas|9"}));
 }
 
+TEST_F(SymbolListTest, TheConstantListShowsTheTwoConstKindsAndNoEnumerationValues) {
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(
+        MakeFile("Kinds.pas", "mission Kinds;\r\nconst Speed = 3;\r\nenum TeamRed, TeamBlue = 5;\r\n"
+                              "function F;\r\nconst Local = 1;\r\nbegin\r\nend;\r\n"),
+        false);
+    ASSERT_NE(page, nullptr);
+    ASSERT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
+    TfrmProcList list(*page);
+    list.SetKindMask(15);
+    EXPECT_EQ(Rows(list), (QStringList{"SPEED|Constant|Kinds.pas|2", "F|Function|Kinds.pas|4"}));
+    list.SetKindMask(1);
+    EXPECT_EQ(Rows(list), QStringList{"SPEED|Constant|Kinds.pas|2"});
+    // The mouse hint still gives an enumeration value's value.
+    const auto team = page->SymbolNamed(QStringLiteral("TeamBlue"));
+    ASSERT_TRUE(team.has_value());
+    EXPECT_EQ(SymbolHintText(*team), "Constant TEAMBLUE = 5 - Kinds.pas (3)");
+}
+
 TEST_F(SymbolListTest, SearchBoxKeysMoveInTheListAndTypeInTheBox) {
     TfrmMain window({});
     TfrmEdit* page = OpenDemo(window);
