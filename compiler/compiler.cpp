@@ -17,19 +17,6 @@ namespace velkor {
 
 namespace {
 
-// "velkor::TCodeGen::CompileFactor" from the compiler's pretty function name, for the "raised in" line.
-std::string RoutineName(const SourceLocation& where) {
-    std::string_view f = where.function_name();
-    size_t paren = f.find('(');
-    if (paren != std::string_view::npos) f = f.substr(0, paren);
-    size_t space = f.rfind(' ');
-    if (space != std::string_view::npos) f = f.substr(space + 1);
-    if (f.rfind("velkor::", 0) == 0) f.remove_prefix(8);
-    std::string name(f);
-    for (size_t i = 0; (i = name.find("::", i)) != std::string::npos;) name.replace(i, 2, ".");
-    return name;
-}
-
 std::mutex gFileNamesMutex;
 std::vector<std::string>& FileNames() {
     static std::vector<std::string> names;

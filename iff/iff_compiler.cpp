@@ -11,19 +11,6 @@ namespace velkor {
 
 namespace {
 
-// "void velkor::TIffCompiler::Chunk()" -> "TIffCompiler.Chunk", written as the compiler's own "raised in"
-// lines and the exception texts ("TIffWriter.CloseForm: ...") name routines.
-std::string RoutineName(const SourceLocation& where) {
-    std::string_view name = where.function_name();
-    if (size_t paren = name.find('('); paren != std::string_view::npos) name = name.substr(0, paren);
-    if (size_t blank = name.rfind(' '); blank != std::string_view::npos) name = name.substr(blank + 1);
-    constexpr std::string_view kNamespace = "velkor::";
-    if (name.starts_with(kNamespace)) name.remove_prefix(kNamespace.size());
-    std::string routine(name);
-    for (size_t at = 0; (at = routine.find("::", at)) != std::string::npos;) routine.replace(at, 2, ".");
-    return routine;
-}
-
 // Resets the per-run state however the run ends.
 class RunGuard {
 public:

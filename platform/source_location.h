@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 #if __has_include(<source_location>)
 #include <source_location>
 #endif
@@ -29,5 +31,19 @@ private:
     std::uint_least32_t line_ = 0; // the line in its source file
 };
 #endif
+
+// "void velkor::TCodeGen::CompileFactor(int)" -> "TCodeGen.CompileFactor", the way the exception texts
+// ("TIffWriter.CloseForm: ...") name routines. Where the compiler gives the bare name ("CompileFactor"),
+// that is what is shown.
+inline std::string RoutineName(const SourceLocation& where) {
+    std::string_view f = where.function_name();
+    if (size_t paren = f.find('('); paren != std::string_view::npos) f = f.substr(0, paren);
+    if (size_t space = f.rfind(' '); space != std::string_view::npos) f = f.substr(space + 1);
+    constexpr std::string_view kNamespace = "velkor::";
+    if (f.starts_with(kNamespace)) f.remove_prefix(kNamespace.size());
+    std::string name(f);
+    for (size_t i = 0; (i = name.find("::", i)) != std::string::npos;) name.replace(i, 2, ".");
+    return name;
+}
 
 } // namespace velkor

@@ -209,8 +209,10 @@ TEST_P(IffCompiler, ErrorsNameTheLineAndTheRoutine) {
     EXPECT_EQ(a.error, "[error] line 6: value doesn't fit into a byte");
     ASSERT_EQ(a.messages.size(), 2u);
     EXPECT_EQ(a.messages[0], a.error);
-    EXPECT_TRUE(a.messages[1].starts_with("  raised in ")) << a.messages[1];
-    EXPECT_TRUE(a.messages[1].starts_with("  raised in TIffCompiler.Value, line ")) << a.messages[1];
+    // The routine is named with its class where the compiler gives it (g++), bare where not (clang).
+    EXPECT_TRUE(a.messages[1].starts_with("  raised in TIffCompiler.Value, line ") ||
+                a.messages[1].starts_with("  raised in Value, line "))
+        << a.messages[1];
     EXPECT_EQ(a.levels, std::vector<int>({0, 0}));
     EXPECT_TRUE(a.files.empty());
     // Line breaks of any style count alike.
