@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Coverage-guided fuzzing with libFuzzer (Debian's clang), AddressSanitizer and UndefinedBehaviorSanitizer.
-# Builds the fuzz targets of tests/fuzz into build-fuzz/, then runs each for SECONDS (default 60) over a
+# Builds the fuzz targets of tests/fuzz into build-san/, then runs each for SECONDS (default 60) over a
 # working corpus in out/fuzz/corpus/<target> that starts from the seeds in tests/fuzz/corpus/<target> and
 # keeps growing from run to run. A crash, leak, hang or sanitizer report is kept in out/fuzz/findings/ and
 # fails the script. Each run's executions, coverage and corpus size are printed and appended to
@@ -24,22 +24,19 @@ else
     for src in tests/fuzz/fuzz_*.cpp; do targets+=("$(basename "$src" .cpp)"); done
 fi
 
-CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELKOR_FUZZ=ON \
-    -DVELKOR_BUILD_IDE=OFF -DVELKOR_BUILD_BENCHMARKS=OFF >/dev/null
-cmake --build build-fuzz -j"$(nproc)" --target "${targets[@]}"
+# shellcheck source=scripts/sanitized_env.sh
+. scripts/sanitized_env.sh
+cmake --build build-san -j"$(nproc)" --target "${targets[@]}"
 
 out=$PWD/out/fuzz
 mkdir -p "$out/findings" "$out/logs"
 [ -f "$out/runs.tsv" ] || printf 'date\ttarget\tseconds\texecutions\tcoverage\tfeatures\tcorpus\tresult\n' >"$out/runs.tsv"
-# Leaks inside a fuzz run are findings; the targets free what they make.
-export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:allocator_may_return_null=1}
-export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
 
 run_target() {
     local t=$1 corpus=$out/corpus/$1 log=$out/logs/$1.log rc=0
     mkdir -p "$corpus" "$out/findings/$t"
     cp -n tests/fuzz/corpus/"$t"/* "$corpus"/ 2>/dev/null || true
-    "$PWD/build-fuzz/tests/fuzz/$t" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+    "$PWD/build-san/tests/fuzz/$t" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
         -max_len=65536 -print_final_stats=1 -artifact_prefix="$out/findings/$t/" "$corpus" >"$log" 2>&1 || rc=$?
     local execs cov ft files result=ok
     execs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -1)

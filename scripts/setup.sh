@@ -1,8 +1,18 @@
 #!/usr/bin/env bash
 # The whole set-up on a Debian 12 machine: installs the Debian packages the build needs when they are
 # missing, then configures and builds into build/. Safe to run again; it only does what is left to do.
+# --packages-only stops after the packages; --bench also installs what scripts/bench.py compares with.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+build=1
+bench=0
+for arg in "$@"; do
+    case $arg in
+        --packages-only) build=0 ;;
+        --bench) bench=1 ;;
+        *) echo "usage: $0 [--packages-only] [--bench]" >&2; exit 2 ;;
+    esac
+done
 
 packages=(
     cmake make g++ pkg-config zlib1g-dev     # core and velkorc
@@ -12,6 +22,7 @@ packages=(
     clang libclang-rt-14-dev                 # libFuzzer and sanitizer builds
     libbenchmark-dev xxd                     # benchmarks
 )
+if ((bench)); then packages+=(python3 fp-compiler); fi
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
@@ -24,5 +35,7 @@ if ((${#missing[@]})); then
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y --no-install-recommends "${missing[@]}"
 fi
 
-cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
-cmake --build build -j"$(nproc)"
+if ((build)); then
+    cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    cmake --build build -j"$(nproc)"
+fi
