@@ -63,4 +63,13 @@ const WcpMnemonic* FindWcpMnemonic(std::string_view lowerName) {
     return nullptr;
 }
 
+const WcpMnemonic* FindWcpMnemonicNoCase(std::string_view name) {
+    constexpr std::size_t kLongest = 6; // "return"
+    if (name.size() > kLongest) return nullptr;
+    std::array<char, kLongest> lower{};
+    for (std::size_t i = 0; i < name.size(); ++i)
+        lower[i] = name[i] >= 'A' && name[i] <= 'Z' ? static_cast<char>(name[i] - 'A' + 'a') : name[i];
+    return FindWcpMnemonic(std::string_view(lower.data(), name.size()));
+}
+
 } // namespace velkor

@@ -72,11 +72,20 @@ public:
     // Loads a file through the text loader (line breaks normalised) and calls LoadFromStream.
     void LoadFromFile(const std::filesystem::path& path);
 
-    std::string NextToken();
+    // Takes a whole content as LoadFromStream does, without copying it.
+    void LoadFromString(std::string content);
+
+    // The token reads below come in two forms. The views point into the scanner's text and stay valid until
+    // the text is replaced: the assembler reads millions of tokens and should not copy each one.
+    std::string_view NextTokenView();
     // The next token's text without consuming it; TokenKind is left at the peeked token's kind.
-    std::string PeekToken() { return PeekAhead(0); }
+    std::string_view PeekTokenView() { return PeekAheadView(0); }
     // Skips n tokens, then as PeekToken; position and line are restored, TokenKind is not.
-    std::string PeekAhead(int n);
+    std::string_view PeekAheadView(int n);
+
+    std::string NextToken() { return std::string(NextTokenView()); }
+    std::string PeekToken() { return std::string(PeekTokenView()); }
+    std::string PeekAhead(int n) { return std::string(PeekAheadView(n)); }
 
     std::int32_t Position() const { return static_cast<std::int32_t>(pos_); }
     std::int32_t Line() const { return line_; }

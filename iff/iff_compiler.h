@@ -43,7 +43,10 @@ public:
     void SetInputFile(const std::string& fileName);
     // Assembles a text held in memory instead of a file; FILE values are looked up relative to baseFolder
     // (the current folder when empty).
+    // The text is handed to the next Compile, which takes it over.
     void SetInputText(std::string_view text, const std::filesystem::path& baseFolder = {});
+    // As SetInputText, taking over the caller's text instead of copying it.
+    void TakeInputText(std::string text, const std::filesystem::path& baseFolder = {});
     const std::string& InputFile() const { return inputName_; }
 
     // Assembles the whole input, handing each output block to OnBinaryOutput. Throws EIffCompiler on the
@@ -61,13 +64,14 @@ public:
 
 private:
     // Token reading.
-    std::string Next();
-    std::string Peek();
+    // Views into the scanner's text, which stays put for the whole run.
+    std::string_view Next();
+    std::string_view Peek();
     bool PeekIs(char punctuation);
     bool NextIs(char punctuation);
     bool AtEndOfText();
     void Expect(std::string_view punctuation);
-    std::string ReadName(std::string_view expected);
+    std::string_view ReadName(std::string_view expected);
     static bool IsNameKind(std::int32_t kind);
 
     // Error path.
@@ -80,7 +84,8 @@ private:
                   std::string value);
     const std::string* Lookup(const std::unordered_map<std::uint32_t, std::string>& table,
                               std::string_view name) const;
-    std::string ResolveConstant(std::string text) const;
+    // The constant's value, or the text itself when it names no constant.
+    std::string_view ResolveConstant(std::string_view text) const;
 
     // The textual-IFF grammar.
     void Run();
@@ -91,10 +96,10 @@ private:
     void OpenFormHeader();
     void Chunk();
     void Value();
-    void WriteFileContents(const std::string& name);
+    void WriteFileContents(std::string_view name);
     void CheckOutputSize(std::uint64_t adding);
     std::int32_t ReadInt();
-    std::int32_t ConvertInt(const std::string& text);
+    std::int32_t ConvertInt(std::string_view text);
     double ReadFloat();
 
     // The instruction assembler of WCP_ASM blocks (codegen/wcp_asm.cpp).
@@ -102,7 +107,7 @@ private:
     void AssembleFunction();
     void AssembleBlock();
     void EmitInstruction(int index, std::span<const std::uint8_t> kinds, bool semicolonRequired);
-    void EmitNativeCall(const std::string& name);
+    void EmitNativeCall(std::string_view name);
     std::uint32_t ReadOperand(int kind);
     void EmitWord(std::uint32_t word);
 
