@@ -52,7 +52,7 @@ int RunBuild(const Options& options) {
             writeFailed = true;
         }
     };
-    assembler.SetInputText(linked, run.folder);
+    assembler.TakeInputText(std::move(linked), run.folder);
     try {
         assembler.Compile();
     } catch (const EIffCompiler&) {

@@ -246,18 +246,21 @@ void TCompiler::Finish() {
 
 std::string TCompiler::Link() {
     Output(1, "now linking it all together...");
-    StringList lines;
+    std::string text;
     switch (UnitKind) {
-    case ukMission: LinkMission(*this, lines); break;
-    case ukSector: LinkSector(*this, lines); break;
-    case ukSeries: LinkSeries(*this, lines); break;
+    case ukMission: LinkMission(*this, text); break;
+    case ukSector: LinkSector(*this, text); break;
+    case ukSeries: LinkSeries(*this, text); break;
     case ukUnit:
     case ukIff:
     case ukProject: break;
     default: Error("unknown unit type: " + std::to_string(static_cast<int>(UnitKind))); break;
     }
-    for (const auto& l : data_->RawList) lines.push_back(l);
-    return JoinLinesCrLf(lines);
+    for (const auto& l : data_->RawList) {
+        text += l;
+        text += "\r\n";
+    }
+    return text;
 }
 
 } // namespace velkor

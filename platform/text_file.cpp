@@ -2,6 +2,7 @@
 
 #include "platform/exception.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <system_error>
@@ -22,6 +23,17 @@ std::string NormaliseLineBreaks(std::string_view text) {
     return out;
 }
 
+void NormaliseLineBreaksInPlace(std::string& text) {
+    const size_t n = text.size();
+    for (size_t i = 0; i < n; ++i) {
+        if (text[i] == '\n' || (text[i] == '\r' && (i + 1 == n || text[i + 1] != '\n'))) {
+            text = NormaliseLineBreaks(text);
+            return;
+        }
+        if (text[i] == '\r') ++i; // the LF of the pair
+    }
+}
+
 namespace {
 template <typename Container>
 Container ReadAll(const std::filesystem::path& path) {
@@ -29,18 +41,31 @@ Container ReadAll(const std::filesystem::path& path) {
     std::error_code ec;
     if (!in || std::filesystem::is_directory(path, ec))
         throw EInOutError("Cannot open file \"" + path.string() + "\"");
+    // Read straight into the container. One byte more than the file's size lets a file that keeps its size
+    // end in one read; one that grows meanwhile is read on in larger steps.
+    constexpr std::size_t kStep = std::size_t{1} << 16;
+    std::size_t want = kStep;
+    if (const auto size = std::filesystem::file_size(path, ec); !ec)
+        want = static_cast<std::size_t>(size) + 1;
     Container data;
-    if (const auto size = std::filesystem::file_size(path, ec); !ec) data.reserve(size);
-    char buf[65536];
-    while (in.read(buf, sizeof buf) || in.gcount() > 0)
-        data.insert(data.end(), buf, buf + in.gcount());
+    std::size_t got = 0;
+    for (;;) {
+        data.resize(got + want);
+        in.read(reinterpret_cast<char*>(data.data()) + got, static_cast<std::streamsize>(want));
+        got += static_cast<std::size_t>(in.gcount());
+        if (!in) break;
+        want = std::max(got, kStep);
+    }
     if (in.bad()) throw EInOutError("Cannot read file \"" + path.string() + "\"");
+    data.resize(got);
     return data;
 }
 } // namespace
 
 std::string LoadTextFile(const std::filesystem::path& path) {
-    return NormaliseLineBreaks(ReadAll<std::string>(path));
+    std::string text = ReadAll<std::string>(path);
+    NormaliseLineBreaksInPlace(text);
+    return text;
 }
 
 std::vector<std::uint8_t> ReadFileBytes(const std::filesystem::path& path) {
