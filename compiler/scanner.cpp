@@ -80,6 +80,7 @@ std::span<const ScannerKeyword> ScannerKeywords() { return kKeywords; }
 
 void TScanner::SetText(std::string text) {
     text_ = std::move(text);
+    ForgetPeek();
     pos_ = 1;
     line_ = 1;
     Rewrite();
@@ -160,7 +161,18 @@ void TScanner::SkipBlanks() {
     }
 }
 
+void TScanner::TakePeekedState() {
+    tokenKind_ = peeked_.kind;
+    if (peeked_.passedMarker) markerEnd_ = peeked_.markerEnd;
+}
+
 std::string_view TScanner::NextTokenView() {
+    if (HasPeeked()) {
+        TakePeekedState();
+        pos_ = peeked_.to;
+        line_ = peeked_.line;
+        return peeked_.token;
+    }
     SkipBlanks();
     const size_t len = text_.size();
     if (pos_ > len || At(pos_) == '\0') {
@@ -231,10 +243,22 @@ std::string_view TScanner::NextTokenView() {
 }
 
 std::string_view TScanner::PeekAheadView(int n) {
+    if (n == 0 && HasPeeked()) {
+        TakePeekedState();
+        return peeked_.token;
+    }
     const size_t savedPos = pos_;
     const std::int32_t savedLine = line_;
     for (int i = 0; i < n; ++i) NextTokenView();
+    // markerEnd_ is 0 only before any marker, so that a peek can tell whether its blanks held one.
+    const size_t markerBefore = markerEnd_;
+    if (n == 0) markerEnd_ = 0;
     const std::string_view token = NextTokenView();
+    if (n == 0) {
+        peeked_ = {savedPos,   savedLine,       LineMarkers, pos_, line_,
+                   tokenKind_, markerEnd_ != 0, markerEnd_,  token};
+        if (markerEnd_ == 0) markerEnd_ = markerBefore;
+    }
     pos_ = savedPos;
     line_ = savedLine;
     return token;
@@ -242,6 +266,7 @@ std::string_view TScanner::PeekAheadView(int n) {
 
 void TFastScanner::SetText(std::string text) {
     text_ = std::move(text);
+    ForgetPeek();
     pos_ = 1;
     line_ = 1;
 }
@@ -249,6 +274,7 @@ void TFastScanner::SetText(std::string text) {
 void TFastScanner::LoadFromStream(std::string_view content) {
     text_.assign(content);
     text_.push_back('\0');
+    ForgetPeek();
     pos_ = 1;
     line_ = 1;
 }
