@@ -238,9 +238,9 @@ void TCompiler::Finish() {
         TOptimizer optimizer;
         optimizer.Verbosity = Verbosity;
         optimizer.OnOutput = OnOutput;
-        optimizer.Load(data_->CodeList);
+        optimizer.Load(data_->CodeList.Lines());
         optimizer.Run();
-        data_->CodeList = optimizer.Result();
+        data_->CodeList = TListing(optimizer.Result());
     }
 }
 

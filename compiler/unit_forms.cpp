@@ -38,14 +38,18 @@ public:
     }
     // Lines of another list, each behind a fixed number of blanks whatever the current level.
     void Verbatim(const StringList& lines, std::size_t blanks) {
-        std::size_t size = 0;
-        for (const auto& l : lines) size += blanks + l.size() + 2;
-        text_.reserve(text_.size() + size);
-        for (const auto& l : lines) {
-            text_.append(blanks, ' ');
-            text_ += l;
-            text_ += "\r\n";
-        }
+        for (const auto& l : lines) Indented(l, blanks);
+    }
+    void Verbatim(const TListing& lines, std::size_t blanks) {
+        text_.reserve(text_.size() + lines.TextSize() + lines.size() * (blanks + 2));
+        for (std::string_view l : lines) Indented(l, blanks);
+    }
+
+private:
+    void Indented(std::string_view line, std::size_t blanks) {
+        text_.append(blanks, ' ');
+        text_ += line;
+        text_ += "\r\n";
     }
 
 private:
