@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <system_error>
 
@@ -23,15 +24,26 @@ std::string NormaliseLineBreaks(std::string_view text) {
     return out;
 }
 
-void NormaliseLineBreaksInPlace(std::string& text) {
-    const size_t n = text.size();
-    for (size_t i = 0; i < n; ++i) {
-        if (text[i] == '\n' || (text[i] == '\r' && (i + 1 == n || text[i + 1] != '\n'))) {
-            text = NormaliseLineBreaks(text);
-            return;
-        }
-        if (text[i] == '\r') ++i; // the LF of the pair
+namespace {
+// True when every line break of the text is a CR LF pair. memchr looks through the text in long strides,
+// from one CR to the next.
+bool OnlyCrLfBreaks(std::string_view text) {
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    while (p < end) {
+        const char* cr = static_cast<const char*>(std::memchr(p, '\r', static_cast<size_t>(end - p)));
+        const char* const stop = cr ? cr : end;
+        if (std::memchr(p, '\n', static_cast<size_t>(stop - p))) return false; // a LF without its CR
+        if (!cr) return true;
+        if (cr + 1 == end || cr[1] != '\n') return false; // a CR alone
+        p = cr + 2;
     }
+    return true;
+}
+} // namespace
+
+void NormaliseLineBreaksInPlace(std::string& text) {
+    if (!OnlyCrLfBreaks(text)) text = NormaliseLineBreaks(text);
 }
 
 namespace {
