@@ -58,9 +58,11 @@ bool IsIdentChar(char c) {
 }
 
 std::int32_t KeywordKind(std::string_view word) {
-    if (word.size() > 9) return tkIdentifier; // the longest keyword is "objective"
+    if (word.empty() || word.size() > 9) return tkIdentifier; // the longest keyword is "objective"
+    // Every identifier comes here: the length and first letter rule out nearly all keywords cheaply.
+    const char first = word[0] >= 'A' && word[0] <= 'Z' ? static_cast<char>(word[0] - 'A' + 'a') : word[0];
     for (const auto& k : kKeywords)
-        if (k.word.size() == word.size() && SameText(k.word, word)) return k.kind;
+        if (k.word.size() == word.size() && k.word[0] == first && SameText(k.word, word)) return k.kind;
     return tkIdentifier;
 }
 
@@ -144,21 +146,22 @@ void TScanner::Rewrite() {
 
 void TScanner::SkipBlanks() {
     const size_t len = text_.size();
+    const char* const text = text_.data();
+    size_t p = pos_; // 1-based: the character at p is text[p - 1]
     for (;;) {
-        while (pos_ <= len && Is(At(pos_), ccBlank)) ++pos_;
-        if (!LineMarkers || pos_ + 1 > len || At(pos_) != '#' || At(pos_ + 1) != '#') return;
+        while (p <= len && Is(text[p - 1], ccBlank)) ++p;
+        if (!LineMarkers || p + 6 > len || text[p - 1] != '#' || text[p] != '#') break;
         // Only "##" and five digits is a marker; a "##" the user wrote stays text for the parser to see.
+        const char* const digits = text + p + 1;
         std::int32_t value = 0;
-        if (pos_ + 6 > len) return;
-        for (size_t k = 2; k < 7; ++k) {
-            char c = At(pos_ + k);
-            if (!IsDigit(c)) return;
-            value = value * 10 + (c - '0');
-        }
+        int k = 0;
+        for (; k < 5 && IsDigit(digits[k]); ++k) value = value * 10 + (digits[k] - '0');
+        if (k < 5) break;
         line_ = value;
-        pos_ += 7;
-        markerEnd_ = pos_;
+        p += 7;
+        markerEnd_ = p;
     }
+    pos_ = p;
 }
 
 void TScanner::TakePeekedState() {
