@@ -48,8 +48,21 @@ void TSymbolTable::Add(TSymbol symbol, std::string_view writtenName) {
     symbols_.push_back(std::move(symbol));
 }
 
+std::size_t TSymbolTable::NoCaseHash::operator()(std::string_view name) const {
+    std::size_t hash = 14695981039346656037u; // FNV-1a over the upper-cased bytes
+    for (char c : name) {
+        hash ^= static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+        hash *= 1099511628211u;
+    }
+    return hash;
+}
+
+bool TSymbolTable::NoCaseEqual::operator()(std::string_view a, std::string_view b) const {
+    return SameText(a, b);
+}
+
 int TSymbolTable::Find(std::string_view name) const {
-    auto it = index_.find(ShortString(UpperCase(name)));
+    auto it = index_.find(name.substr(0, kShortStringMax));
     return it == index_.end() || it->second.empty() ? -1 : it->second.front();
 }
 

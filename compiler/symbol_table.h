@@ -90,9 +90,21 @@ private:
     void Message(int level, const std::string& text);
     void Fail(const std::string& text);
 
+    // Keys are upper-cased names; a name is looked up as written, compared and hashed without regard to
+    // case, so that the lookups while compiling make no upper-case copies.
+    struct NoCaseHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view name) const;
+    };
+    struct NoCaseEqual {
+        using is_transparent = void;
+        bool operator()(std::string_view a, std::string_view b) const;
+    };
+    using Index = std::unordered_map<std::string, std::vector<int>, NoCaseHash, NoCaseEqual>;
+
     TCompiler* owner_;                                        // none for a copy
     std::vector<TSymbol> symbols_;                            // in declaration order
-    std::unordered_map<std::string, std::vector<int>> index_; // upper-cased name -> positions, ascending
+    Index index_;                                             // upper-cased name -> positions, ascending
     std::unordered_map<std::int32_t, int> kindCounts_;        // records per kind
     int firstLocal_ = -1; // position of the first function-local record, -1 when none: RemoveLocals only
                           // touches the table from there, so a unit's compile stays linear
