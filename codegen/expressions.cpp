@@ -220,7 +220,7 @@ int TCodeGen::PushAccumulator() {
     auto& symbols = compiler_.Symbols();
     const int index = symbols.Find(name);
     const TSymbol slot = index >= 0 ? symbols.Get(index) : symbols.AddVariable(name, skStackVar, 0);
-    compiler_.Output(2, "push " + name);
+    if (compiler_.Wants(2)) compiler_.Output(2, "push " + name);
     EmitLine("movv v" + std::to_string(slot.Register) + " v8;");
     ++StackDepth;
     return slot.Register;
@@ -229,7 +229,7 @@ int TCodeGen::PushAccumulator() {
 void TCodeGen::PopAccumulator() {
     --StackDepth;
     const std::string name = "__ST" + std::to_string(StackDepth);
-    compiler_.Output(2, "pop " + name);
+    if (compiler_.Wants(2)) compiler_.Output(2, "pop " + name);
     const int index = compiler_.Symbols().Find(name);
     if (index < 0) {
         compiler_.Error("stack over/under-flow (" + name + ")");

@@ -85,10 +85,12 @@ void TCompiler::SetFileName(const std::string& name) {
 
 // --- messages
 
-void TCompiler::Output(int level, const std::string& text, std::int32_t line) {
-    if (!OnOutput || level > Verbosity || SymbolsOnly) return;
+void TCompiler::Output(int level, std::string_view text, std::int32_t line) {
+    if (!Wants(level)) return;
     if (line < 0) line = Line();
-    OnOutput("[" + UnitName + ", " + std::to_string(line) + "] " + text);
+    std::string message = "[" + UnitName + ", " + std::to_string(line) + "] ";
+    message += text;
+    OnOutput(message);
 }
 
 void TCompiler::Report(const std::string& text, std::int32_t line, const SourceLocation& where) {
@@ -244,9 +246,25 @@ void TCompiler::Finish() {
     }
 }
 
+namespace {
+// Room for the linked text, reserved at once: a text of many megabytes grown by doubling would be copied
+// several times over. Generous per line (indentation, keyword, CR LF; names of globals appear in several
+// lines): room that stays unused costs address space, not memory.
+std::size_t LinkedTextBound(const TCompData& data, std::size_t rooms, std::size_t killBoard) {
+    constexpr std::size_t kPerLine = 128;
+    std::size_t size = std::size_t{1} << 16;
+    size += data.CodeList.TextSize() + data.CodeList.size() * 16;
+    for (const StringList* list :
+         {&data.CrcNames, &data.Globals, &data.Objects, &data.Objectives, &data.RawList})
+        for (const auto& line : *list) size += 2 * line.size() + kPerLine;
+    return size + (rooms + killBoard) * kPerLine;
+}
+} // namespace
+
 std::string TCompiler::Link() {
     Output(1, "now linking it all together...");
     std::string text;
+    text.reserve(LinkedTextBound(*data_, Rooms->size(), KillBoard->size()));
     switch (UnitKind) {
     case ukMission: LinkMission(*this, text); break;
     case ukSector: LinkSector(*this, text); break;

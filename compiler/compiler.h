@@ -114,7 +114,10 @@ public:
     // --- services for the parsers of the compiler and the code generator
     // Sends "[<unit>, <line>] <text>" to OnOutput when level <= Verbosity and not SymbolsOnly; line -1
     // means the scanner's current line.
-    void Output(int level, const std::string& text, std::int32_t line = -1);
+    void Output(int level, std::string_view text, std::int32_t line = -1);
+    // Whether Output passes a message of that level on: for the callers that would otherwise build the text
+    // of a message at every expression only to have it dropped.
+    bool Wants(int level) const { return OnOutput && level <= Verbosity && !SymbolsOnly; }
     // "ERROR: <text>" and the "  raised in ..." line at level 0, ErrorLine set, ErrorCount raised; then
     // ECompiler when halting, else "recovering from error..." and tokens skipped up to the next ";".
     void Error(const std::string& text, std::int32_t line = -1,
