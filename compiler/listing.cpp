@@ -12,51 +12,67 @@ TListing::TListing(const std::vector<std::string>& lines) {
     for (const auto& line : lines) push_back(line);
 }
 
-std::string_view TListing::operator[](std::size_t index) const {
-    const std::size_t begin = index == 0 ? 0 : ends_[index - 1];
-    return std::string_view(text_).substr(begin, ends_[index] - begin);
+TListing::TListing(const TListing& other) {
+    Append(other);
+}
+
+TListing& TListing::operator=(const TListing& other) {
+    if (this != &other) {
+        TListing copy(other);
+        *this = std::move(copy);
+    }
+    return *this;
+}
+
+char* TListing::Take(std::size_t n) {
+    if (blocks_.empty() || blocks_.back().capacity - blocks_.back().used < n) {
+        const std::size_t capacity = std::max(kBlockSize, n);
+        blocks_.push_back({std::make_unique_for_overwrite<char[]>(capacity), 0, capacity});
+    }
+    Block& block = blocks_.back();
+    char* at = block.chars.get() + block.used;
+    block.used += n;
+    textSize_ += n;
+    return at;
 }
 
 void TListing::push_back(std::string_view line) {
-    text_ += line;
-    ends_.push_back(text_.size());
+    push_back({}, line);
 }
 
 void TListing::push_back(std::string_view indent, std::string_view text) {
-    text_ += indent;
-    text_ += text;
-    ends_.push_back(text_.size());
+    char* at = Take(indent.size() + text.size());
+    std::copy_n(indent.data(), indent.size(), at);
+    std::copy_n(text.data(), text.size(), at + indent.size());
+    lines_.emplace_back(at, indent.size() + text.size());
 }
 
 void TListing::insert(std::size_t index, const std::vector<std::string>& lines) {
-    index = std::min(index, size());
-    const std::size_t at = index == 0 ? 0 : ends_[index - 1];
-    std::string joined;
-    std::vector<std::size_t> ends;
+    std::vector<std::string_view> stored;
+    stored.reserve(lines.size());
     for (const auto& line : lines) {
-        joined += line;
-        ends.push_back(at + joined.size());
+        char* at = Take(line.size());
+        std::copy_n(line.data(), line.size(), at);
+        stored.emplace_back(at, line.size());
     }
-    text_.insert(at, joined);
-    for (std::size_t i = index; i < ends_.size(); ++i) ends_[i] += joined.size();
-    ends_.insert(ends_.begin() + static_cast<std::ptrdiff_t>(index), ends.begin(), ends.end());
+    const auto before = lines_.begin() + static_cast<std::ptrdiff_t>(std::min(index, lines_.size()));
+    lines_.insert(before, stored.begin(), stored.end());
 }
 
 void TListing::Append(const TListing& other) {
-    const std::size_t base = text_.size();
-    text_ += other.text_;
-    for (std::size_t end : other.ends_) ends_.push_back(base + end);
+    for (std::string_view line : other) push_back(line);
 }
 
 void TListing::clear() {
-    text_.clear();
-    ends_.clear();
+    lines_.clear();
+    blocks_.clear();
+    textSize_ = 0;
 }
 
 std::vector<std::string> TListing::Lines() const {
     std::vector<std::string> lines;
     lines.reserve(size());
-    for (std::string_view line : *this) lines.emplace_back(line);
+    for (std::string_view line : lines_) lines.emplace_back(line);
     return lines;
 }
 

@@ -41,7 +41,6 @@ public:
         for (const auto& l : lines) Indented(l, blanks);
     }
     void Verbatim(const TListing& lines, std::size_t blanks) {
-        text_.reserve(text_.size() + lines.TextSize() + lines.size() * (blanks + 2));
         for (std::string_view l : lines) Indented(l, blanks);
     }
 
