@@ -3,6 +3,7 @@
 #include "platform/strings.h"
 #include "platform/text_file.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstring>
@@ -57,12 +58,28 @@ bool IsIdentChar(char c) {
     return Is(c, ccLetter | ccDigit | ccUnderscore);
 }
 
+// The keywords by first letter, so that an identifier is compared with at most three of them: every
+// identifier of the text is looked up here.
+constexpr std::size_t kKeywordsPerLetter = 3;
+constexpr auto kKeywordsByLetter = [] {
+    std::array<std::array<std::int8_t, kKeywordsPerLetter>, 26> byLetter{};
+    for (auto& letter : byLetter) letter.fill(-1);
+    for (std::size_t i = 0; i < kKeywords.size(); ++i) {
+        auto& letter = byLetter[static_cast<std::size_t>(kKeywords[i].word[0] - 'a')];
+        *std::find(letter.begin(), letter.end(), -1) = static_cast<std::int8_t>(i);
+    }
+    return byLetter;
+}();
+
 std::int32_t KeywordKind(std::string_view word) {
     if (word.empty() || word.size() > 9) return tkIdentifier; // the longest keyword is "objective"
-    // Every identifier comes here: the length and first letter rule out nearly all keywords cheaply.
     const char first = word[0] >= 'A' && word[0] <= 'Z' ? static_cast<char>(word[0] - 'A' + 'a') : word[0];
-    for (const auto& k : kKeywords)
-        if (k.word.size() == word.size() && k.word[0] == first && SameText(k.word, word)) return k.kind;
+    if (first < 'a' || first > 'z') return tkIdentifier;
+    for (std::int8_t i : kKeywordsByLetter[static_cast<std::size_t>(first - 'a')]) {
+        if (i < 0) break;
+        const ScannerKeyword& k = kKeywords[static_cast<std::size_t>(i)];
+        if (k.word.size() == word.size() && SameText(k.word, word)) return k.kind;
+    }
     return tkIdentifier;
 }
 
@@ -284,30 +301,36 @@ void TFastScanner::LoadFromStream(std::string_view content) {
 
 void TFastScanner::SkipBlanks() {
     const size_t len = text_.size();
-    while (pos_ < len) {
-        const char c = At(pos_);
+    const char* const text = text_.data();
+    auto at = [text](size_t p) { return text[p - 1]; }; // 1-based, as positions are
+    size_t p = pos_;
+    std::int32_t line = line_;
+    while (p < len) {
+        const char c = at(p);
         if (c == ' ' || c == '\t') {
-            ++pos_;
+            ++p;
         } else if (c == '\r') {
-            ++pos_;
-            if (pos_ <= len && At(pos_) == '\n') ++pos_;
-            ++line_;
-        } else if (c == '/' && At(pos_ + 1) == '/') {
-            while (pos_ <= len && At(pos_) != '\r') ++pos_;
-        } else if (c == '/' && At(pos_ + 1) == '*') {
-            pos_ += 2;
-            while (pos_ <= len && !(At(pos_) == '*' && pos_ < len && At(pos_ + 1) == '/')) {
-                if (At(pos_) == '\r') {
-                    ++line_;
-                    if (pos_ < len && At(pos_ + 1) == '\n') ++pos_;
+            ++p;
+            if (p <= len && at(p) == '\n') ++p;
+            ++line;
+        } else if (c == '/' && at(p + 1) == '/') {
+            while (p <= len && at(p) != '\r') ++p;
+        } else if (c == '/' && at(p + 1) == '*') {
+            p += 2;
+            while (p <= len && !(at(p) == '*' && p < len && at(p + 1) == '/')) {
+                if (at(p) == '\r') {
+                    ++line;
+                    if (p < len && at(p + 1) == '\n') ++p;
                 }
-                ++pos_;
+                ++p;
             }
-            pos_ = std::min(pos_ + 2, len + 1);
+            p = std::min(p + 2, len + 1);
         } else {
-            return;
+            break;
         }
     }
+    pos_ = p;
+    line_ = line;
 }
 
 void SetScannerClass(ScannerClass cls) { gScannerClass.store(cls); }
