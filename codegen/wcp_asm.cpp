@@ -137,7 +137,10 @@ std::uint32_t TIffCompiler::ReadOperand(int kind) {
 }
 
 void TIffCompiler::EmitWord(std::uint32_t word) {
-    for (int i = 0; i < 4; ++i) code_.push_back(static_cast<std::uint8_t>(word >> (8 * i)));
+    const std::uint8_t bytes[4] = {static_cast<std::uint8_t>(word), static_cast<std::uint8_t>(word >> 8),
+                                   static_cast<std::uint8_t>(word >> 16),
+                                   static_cast<std::uint8_t>(word >> 24)};
+    code_.insert(code_.end(), bytes, bytes + 4);
 }
 
 } // namespace velkor
