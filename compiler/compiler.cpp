@@ -110,9 +110,9 @@ void TCompiler::Error(const std::string& text, std::int32_t line, SourceLocation
     Report(text, line, where);
     Output(0, "recovering from error...");
     while (!AtEnd()) {
-        PeekToken();
+        PeekView();
         if (TokenKind() == tkSemicolon) break;
-        NextToken();
+        NextView();
     }
 }
 
@@ -143,25 +143,33 @@ bool TCompiler::Expect(const std::string& wanted, SourceLocation where) {
 // character as the text's last character); reading it as the end keeps every parsing loop finite.
 
 namespace {
-bool Stuck(const TScanner& s, const std::string& token) {
+bool Stuck(const TScanner& s, std::string_view token) {
     return s.TokenKind() == tkOther && token.empty();
 }
 } // namespace
 
 std::string TCompiler::NextToken() {
-    std::string token = scanner_->NextToken();
+    return std::string(NextView());
+}
+
+std::string TCompiler::PeekToken() {
+    return std::string(PeekView());
+}
+
+std::string_view TCompiler::NextView() {
+    const std::string_view token = scanner_->NextTokenView();
     stuck_ = Stuck(*scanner_, token);
     return token;
 }
 
-std::string TCompiler::PeekToken() {
-    std::string token = scanner_->PeekToken();
+std::string_view TCompiler::PeekView() {
+    const std::string_view token = scanner_->PeekTokenView();
     stuck_ = Stuck(*scanner_, token);
     return token;
 }
 
 std::string TCompiler::PeekAhead(int n) {
-    std::string token = scanner_->PeekAhead(n);
+    const std::string token = scanner_->PeekAhead(n);
     stuck_ = Stuck(*scanner_, token);
     return token;
 }
@@ -175,7 +183,7 @@ std::int32_t TCompiler::Line() const {
 }
 
 bool TCompiler::AtEnd() {
-    PeekToken();
+    PeekView();
     return TokenKind() == tkEndOfText;
 }
 

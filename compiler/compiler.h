@@ -141,6 +141,10 @@ public:
     // Token access; never loops forever: a scanner that cannot move on reads as the end of the text.
     std::string NextToken();
     std::string PeekToken();
+    // The same as views into the unit's text, valid while it compiles: for the expression parser, which
+    // peeks several times at every operand and operator.
+    std::string_view NextView();
+    std::string_view PeekView();
     std::string PeekAhead(int n);
     std::int32_t TokenKind() const;
     std::int32_t Line() const;
@@ -149,7 +153,7 @@ public:
     // Number conversion for constants and command arguments: "%" binary, "$" hexadecimal, else decimal,
     // with the errors of the language ("<digits> doesn't fit into a long", "<char> in binary constant ?!?
     // What are you smoking?", `"<text>" is not a valid integer value`). Nothing after a reported error.
-    std::optional<std::int32_t> ConvertNumber(const std::string& text);
+    std::optional<std::int32_t> ConvertNumber(std::string_view text);
     // The value reader: kind 0 integer, 1 floating-point number, 2 text; signs joined, constants and
     // string-table references resolved. Returns the value text.
     std::string ReadValue(int kind);
