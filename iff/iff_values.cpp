@@ -112,6 +112,7 @@ std::int32_t TIffCompiler::ConvertInt(std::string_view text) {
 
 std::int32_t TIffCompiler::ReadInt() {
     std::string_view text = Next();
+    if (kind_ == tkNumber) return ConvertInt(text); // the usual case: a number token never starts with a sign
     std::string joined;
     if (StartsWithSign(text)) { // "-" and "5" are two tokens
         joined = text;
