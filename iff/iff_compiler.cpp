@@ -166,16 +166,13 @@ void TIffCompiler::ExpectError(std::string_view expected, std::string_view found
 
 // ---- constant and type tables ----
 
-void TIffCompiler::AddEntry(std::unordered_map<std::uint32_t, std::string>& table, std::string_view name,
-                            std::string value) {
-    table.emplace(LowerNameHash(name), std::move(value));
+void TIffCompiler::AddEntry(TNameTable& table, std::string_view name, std::string value) {
+    table.Add(LowerNameHash(name), std::move(value));
 }
 
-const std::string* TIffCompiler::Lookup(const std::unordered_map<std::uint32_t, std::string>& table,
-                                        std::string_view name) const {
+const std::string* TIffCompiler::Lookup(const TNameTable& table, std::string_view name) const {
     if (table.empty()) return nullptr;
-    auto it = table.find(LowerNameHash(name));
-    return it == table.end() ? nullptr : &it->second;
+    return table.Find(LowerNameHash(name));
 }
 
 std::string_view TIffCompiler::ResolveConstant(std::string_view text) const {

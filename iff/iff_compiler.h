@@ -4,6 +4,7 @@
 // EIffCompiler with that text.
 #pragma once
 
+#include "iff/name_table.h"
 #include "platform/exception.h"
 #include "platform/source_location.h"
 
@@ -14,7 +15,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace velkor {
@@ -80,10 +80,8 @@ private:
                                   SourceLocation where = SourceLocation::current());
 
     // Constant and type tables: keyed by the name checksum of the lower-cased name, first definition wins.
-    void AddEntry(std::unordered_map<std::uint32_t, std::string>& table, std::string_view name,
-                  std::string value);
-    const std::string* Lookup(const std::unordered_map<std::uint32_t, std::string>& table,
-                              std::string_view name) const;
+    void AddEntry(TNameTable& table, std::string_view name, std::string value);
+    const std::string* Lookup(const TNameTable& table, std::string_view name) const;
     // The constant's value, or the text itself when it names no constant.
     std::string_view ResolveConstant(std::string_view text) const;
 
@@ -119,8 +117,8 @@ private:
     std::string outputName_;                                   // the output file of the block being assembled
     std::unique_ptr<TIffWriter> writer_;                       // the writer of the block being assembled
     std::unique_ptr<TScanner> scanner_;                        // the token reader of the run
-    std::unordered_map<std::uint32_t, std::string> constants_; // constant values by name checksum
-    std::unordered_map<std::uint32_t, std::string> types_;     // type aliases by name checksum
+    TNameTable constants_;                                     // constant values by name checksum
+    TNameTable types_;                                         // type aliases by name checksum
     std::int32_t kind_ = 0;                                    // kind of the last token read or peeked
     bool handingOver_ = false;                                 // true while OnBinaryOutput runs
     std::vector<std::uint8_t> pending_;                        // items of the value being assembled
