@@ -200,7 +200,7 @@ void TIffCompiler::OutputBlock() {
     writer_ = std::make_unique<TIffWriter>("_velkor.iff", TIffWriter::InMemory);
     // What a block assembles is usually smaller than the text that is left; room that stays unwritten
     // costs address space only. The cap keeps a huge text from asking for that much at once.
-    constexpr std::size_t kMaxReserve = std::size_t{64} << 20;
+    constexpr std::size_t kMaxReserve = std::size_t{256} << 20;
     const std::size_t read = static_cast<std::size_t>(std::max(scanner_->Position(), 0));
     const std::size_t size = scanner_->Text().size();
     writer_->Reserve(std::min(size - std::min(read, size), kMaxReserve));
