@@ -36,6 +36,9 @@ int RunBuild(const Options& options) {
     }
     // A unit with errors is not assembled: its text may name files it would then overwrite half-made.
     if (c.ErrorCount > 0) return kExitReported;
+    // The unit's listing and lists are in the linked text now: their memory is given back before the
+    // assembler needs its own.
+    run.compiler.reset();
 
     bool writeFailed = false;
     TIffCompiler assembler;
@@ -52,7 +55,7 @@ int RunBuild(const Options& options) {
             writeFailed = true;
         }
     };
-    assembler.SetInputText(linked, run.folder);
+    assembler.TakeInputText(std::move(linked), run.folder);
     try {
         assembler.Compile();
     } catch (const EIffCompiler&) {

@@ -10,21 +10,18 @@ namespace velkor {
 
 TCodeGen::TCodeGen(TCompiler& compiler) : compiler_(compiler) {}
 
-void TCodeGen::EmitLine(const std::string& line) {
+void TCodeGen::EmitLine(std::string_view line) {
     if (line == "}" && indent_.size() >= 2) indent_.resize(indent_.size() - 2);
-    compiler_.Data().CodeList.push_back(indent_ + line);
+    compiler_.Data().CodeList.push_back(indent_, line);
     if (line == "{") indent_ += "  ";
 }
 
 void TCodeGen::InsertLine(std::size_t index, const std::string& line) {
-    auto& code = compiler_.Data().CodeList;
-    code.insert(code.begin() + static_cast<std::ptrdiff_t>(std::min(index, code.size())), line);
+    compiler_.Data().CodeList.insert(index, {line});
 }
 
 void TCodeGen::InsertLines(std::size_t index, const std::vector<std::string>& lines) {
-    auto& code = compiler_.Data().CodeList;
-    code.insert(code.begin() + static_cast<std::ptrdiff_t>(std::min(index, code.size())), lines.begin(),
-                lines.end());
+    compiler_.Data().CodeList.insert(index, lines);
 }
 
 bool TCodeGen::ErrorSince(int errorCount) const {

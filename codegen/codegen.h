@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace velkor {
@@ -26,7 +27,7 @@ public:
     // --- the listing writer
     // Appends a line with the current indentation, which grows by two blanks after "{" and shrinks by two
     // before "}".
-    void EmitLine(const std::string& line);
+    void EmitLine(std::string_view line);
     // Inserts a line at a CodeList index, without indentation.
     void InsertLine(std::size_t index, const std::string& line);
     // Inserts several lines at once, in the given order, without indentation.

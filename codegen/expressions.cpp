@@ -15,22 +15,22 @@ namespace velkor {
 namespace {
 
 // A keyword operator is a plain word; a string token that happens to read "or" is none.
-bool IsWord(const TCompiler& c, const std::string& token, std::string_view word) {
+bool IsWord(const TCompiler& c, std::string_view token, std::string_view word) {
     return c.TokenKind() != tkString && SameText(token, word);
 }
 
-bool IsRelation(const TCompiler& c, const std::string& token) {
+bool IsRelation(const TCompiler& c, std::string_view token) {
     if (c.TokenKind() == tkOperator) return token == "=" || token == "<" || token == ">" || token == "<>";
     return IsWord(c, token, "AINT");
 }
 
 // The operators of the simple-expression level, and the signs. XOR is deliberately not among them.
-bool IsAdditive(const TCompiler& c, const std::string& token) {
+bool IsAdditive(const TCompiler& c, std::string_view token) {
     if (c.TokenKind() == tkOperator) return token == "+" || token == "-";
     return IsWord(c, token, "OR");
 }
 
-bool IsMultiplicative(const TCompiler& c, const std::string& token) {
+bool IsMultiplicative(const TCompiler& c, std::string_view token) {
     if (c.TokenKind() == tkOperator) return token == "*" || token == "/";
     return IsWord(c, token, "AND") || IsWord(c, token, "MOD");
 }
@@ -45,11 +45,11 @@ bool IsBinaryLiteral(const std::string& text) {
 
 void TCodeGen::CompileExpression() {
     NestingGuard guard(*this);
-    const bool negate = IsWord(compiler_, compiler_.PeekToken(), "NOT");
-    if (negate) compiler_.NextToken();
+    const bool negate = IsWord(compiler_, compiler_.PeekView(), "NOT");
+    if (negate) compiler_.NextView();
     CompileSimpleExpression();
-    for (std::string op = compiler_.PeekToken(); IsRelation(compiler_, op); op = compiler_.PeekToken()) {
-        compiler_.NextToken();
+    for (std::string_view op = compiler_.PeekView(); IsRelation(compiler_, op); op = compiler_.PeekView()) {
+        compiler_.NextView();
         CompileBinaryOperator(UpperCase(op));
     }
     if (negate) {
@@ -60,16 +60,16 @@ void TCodeGen::CompileExpression() {
 
 void TCodeGen::CompileSimpleExpression() {
     CompileSignedTerm();
-    for (std::string op = compiler_.PeekToken(); IsAdditive(compiler_, op); op = compiler_.PeekToken()) {
-        compiler_.NextToken();
+    for (std::string_view op = compiler_.PeekView(); IsAdditive(compiler_, op); op = compiler_.PeekView()) {
+        compiler_.NextView();
         CompileBinaryOperator(UpperCase(op));
     }
 }
 
 void TCodeGen::CompileSignedTerm() {
-    const std::string sign = compiler_.PeekToken();
+    const std::string_view sign = compiler_.PeekView();
     const bool isSign = IsAdditive(compiler_, sign);
-    if (isSign) compiler_.NextToken();
+    if (isSign) compiler_.NextView();
     CompileTerm();
     if (isSign && sign == "-") {
         EmitLine("movc v9 0;");
@@ -79,17 +79,17 @@ void TCodeGen::CompileSignedTerm() {
 
 void TCodeGen::CompileTerm() {
     CompileSignedFactor();
-    for (std::string op = compiler_.PeekToken(); IsMultiplicative(compiler_, op);
-         op = compiler_.PeekToken()) {
-        compiler_.NextToken();
+    for (std::string_view op = compiler_.PeekView(); IsMultiplicative(compiler_, op);
+         op = compiler_.PeekView()) {
+        compiler_.NextView();
         CompileBinaryOperator(UpperCase(op));
     }
 }
 
 void TCodeGen::CompileSignedFactor() {
-    const std::string sign = compiler_.PeekToken();
+    const std::string_view sign = compiler_.PeekView();
     const bool isSign = IsAdditive(compiler_, sign);
-    if (isSign) compiler_.NextToken();
+    if (isSign) compiler_.NextView();
     CompileFactor();
     if (isSign && sign == "-") {
         EmitLine("movc v9 0;");
@@ -143,26 +143,26 @@ void TCodeGen::CompileBinaryOperator(const std::string& op) {
 }
 
 void TCodeGen::CompileFactor() {
-    const std::string token = compiler_.PeekToken();
+    const std::string_view token = compiler_.PeekView();
     const std::int32_t kind = compiler_.TokenKind();
     if (kind == tkOpenParen) {
-        compiler_.NextToken();
+        compiler_.NextView();
         CompileExpression();
         compiler_.Expect(")");
         return;
     }
     if (kind == tkNumber) {
-        compiler_.NextToken();
+        compiler_.NextView();
         if (auto value = compiler_.ConvertNumber(token)) EmitLine("movc v8 " + std::to_string(*value) + ";");
         return;
     }
     // A delimiter that ends the statement stays for the recovery to stop at.
     const bool ends = kind == tkSemicolon || kind == tkComma || kind == tkCloseParen || kind == tkEnd ||
                       kind == tkEndOfText;
-    if (!ends) compiler_.NextToken();
+    if (!ends) compiler_.NextView();
     const int index = ends || kind == tkString ? -1 : compiler_.Symbols().Find(token);
     if (index < 0) {
-        compiler_.Expected("<symbol>", token);
+        compiler_.Expected("<symbol>", std::string(token));
         return;
     }
     // A copy: compiling a call may add symbols and move the table's records.
@@ -220,7 +220,7 @@ int TCodeGen::PushAccumulator() {
     auto& symbols = compiler_.Symbols();
     const int index = symbols.Find(name);
     const TSymbol slot = index >= 0 ? symbols.Get(index) : symbols.AddVariable(name, skStackVar, 0);
-    compiler_.Output(2, "push " + name);
+    if (compiler_.Wants(2)) compiler_.Output(2, "push " + name);
     EmitLine("movv v" + std::to_string(slot.Register) + " v8;");
     ++StackDepth;
     return slot.Register;
@@ -229,7 +229,7 @@ int TCodeGen::PushAccumulator() {
 void TCodeGen::PopAccumulator() {
     --StackDepth;
     const std::string name = "__ST" + std::to_string(StackDepth);
-    compiler_.Output(2, "pop " + name);
+    if (compiler_.Wants(2)) compiler_.Output(2, "pop " + name);
     const int index = compiler_.Symbols().Find(name);
     if (index < 0) {
         compiler_.Error("stack over/under-flow (" + name + ")");

@@ -28,9 +28,9 @@ void TIffCompiler::AssembleWcpAsm() {
     Expect("{");
     for (int r = 0; r < 32; ++r) AddEntry(constants_, "v" + std::to_string(r), std::to_string(r));
     for (;;) {
-        std::string token = Next();
+        const std::string_view token = Next();
         if (token == "}" && kind_ == tkDelimiter) return;
-        if (LowerCase(token) == "func")
+        if (SameText(token, "func"))
             AssembleFunction();
         else
             ExpectError("<func>", token);
@@ -38,7 +38,7 @@ void TIffCompiler::AssembleWcpAsm() {
 }
 
 void TIffCompiler::AssembleFunction() {
-    std::string name = Next();
+    const std::string_view name = Next();
     if (!IsNameKind(kind_)) ExpectError("<name>", name);
     code_.clear();
     EmitWord(NameHash(name));
@@ -72,7 +72,7 @@ void TIffCompiler::AssembleBlock() {
             ++depth;
             continue;
         }
-        std::string token = Next();
+        const std::string_view token = Next();
         if (kind_ == tkEndOfText) ExpectError("}", token);
         if (token == "}" && kind_ == tkDelimiter) {
             if (depth == 0) return;
@@ -80,7 +80,7 @@ void TIffCompiler::AssembleBlock() {
             --depth;
             continue;
         }
-        if (const WcpMnemonic* m = FindWcpMnemonic(LowerCase(token)))
+        if (const WcpMnemonic* m = FindWcpMnemonicNoCase(token))
             EmitInstruction(m->index, m->Kinds(), m->semicolonRequired);
         else
             EmitNativeCall(token);
@@ -98,7 +98,7 @@ void TIffCompiler::EmitInstruction(int index, std::span<const std::uint8_t> kind
         NextIs(';');
 }
 
-void TIffCompiler::EmitNativeCall(const std::string& name) {
+void TIffCompiler::EmitNativeCall(std::string_view name) {
     std::array<std::uint32_t, kWcpMaxNativeOperands> operands{};
     std::uint32_t count = 0;
     while (!NextIs(';')) {
@@ -111,9 +111,13 @@ void TIffCompiler::EmitNativeCall(const std::string& name) {
 }
 
 std::uint32_t TIffCompiler::ReadOperand(int kind) {
-    std::string text = ResolveConstant(Next());
-    if (kind == okConstant && !text.empty() && (text[0] == '+' || text[0] == '-'))
-        text += ResolveConstant(Next()); // "- 5" is "-5"
+    std::string_view text = ResolveConstant(Next());
+    std::string joined;
+    if (kind == okConstant && !text.empty() && (text[0] == '+' || text[0] == '-')) {
+        joined = text; // "- 5" is "-5"
+        joined += ResolveConstant(Next());
+        text = joined;
+    }
     std::uint32_t word;
     if (kind == okLabel) {
         if (text.size() == 4) {
@@ -133,7 +137,10 @@ std::uint32_t TIffCompiler::ReadOperand(int kind) {
 }
 
 void TIffCompiler::EmitWord(std::uint32_t word) {
-    for (int i = 0; i < 4; ++i) code_.push_back(static_cast<std::uint8_t>(word >> (8 * i)));
+    const std::uint8_t bytes[4] = {static_cast<std::uint8_t>(word), static_cast<std::uint8_t>(word >> 8),
+                                   static_cast<std::uint8_t>(word >> 16),
+                                   static_cast<std::uint8_t>(word >> 24)};
+    code_.insert(code_.end(), bytes, bytes + 4);
 }
 
 } // namespace velkor

@@ -47,6 +47,24 @@ constexpr std::array<WcpMnemonic, 25> kMnemonics{{
     {"else", 23, 0, {}, false},
 }};
 
+// A name of up to eight characters packed into one word, first character lowest: the mnemonic table is
+// searched once for every instruction of a listing, and comparing words is cheaper than comparing strings.
+constexpr std::uint64_t PackedName(std::string_view name) {
+    std::uint64_t packed = 0;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        const char c = name[i] >= 'A' && name[i] <= 'Z' ? static_cast<char>(name[i] - 'A' + 'a') : name[i];
+        packed |= std::uint64_t{static_cast<unsigned char>(c)} << (8 * i);
+    }
+    return packed;
+}
+
+constexpr std::array<std::uint64_t, kMnemonics.size()> MakePackedNames() {
+    std::array<std::uint64_t, kMnemonics.size()> packed{};
+    for (std::size_t i = 0; i < kMnemonics.size(); ++i) packed[i] = PackedName(kMnemonics[i].name);
+    return packed;
+}
+constexpr auto kPackedNames = MakePackedNames();
+
 } // namespace
 
 std::span<const std::uint32_t> WcpOpcodeWords() {
@@ -60,6 +78,15 @@ std::span<const WcpMnemonic> WcpMnemonics() {
 const WcpMnemonic* FindWcpMnemonic(std::string_view lowerName) {
     for (const auto& m : kMnemonics)
         if (m.name == lowerName) return &m;
+    return nullptr;
+}
+
+const WcpMnemonic* FindWcpMnemonicNoCase(std::string_view name) {
+    constexpr std::size_t kLongest = 6; // "return"
+    if (name.empty() || name.size() > kLongest) return nullptr;
+    const std::uint64_t packed = PackedName(name);
+    for (std::size_t i = 0; i < kMnemonics.size(); ++i)
+        if (kPackedNames[i] == packed && kMnemonics[i].name.size() == name.size()) return &kMnemonics[i];
     return nullptr;
 }
 

@@ -33,6 +33,8 @@ std::span<const std::uint32_t> WcpOpcodeWords();
 
 // The built-in instruction of that lower-case name, or null for a game-function call.
 const WcpMnemonic* FindWcpMnemonic(std::string_view lowerName);
+// The same for a name in any case, as the listing may write it.
+const WcpMnemonic* FindWcpMnemonicNoCase(std::string_view name);
 
 // Every built-in mnemonic, in table order.
 std::span<const WcpMnemonic> WcpMnemonics();

@@ -1,6 +1,8 @@
 // The six text lists a unit's compilation fills and Link reads.
 #pragma once
 
+#include "compiler/listing.h"
+
 #include <string>
 #include <vector>
 
@@ -13,7 +15,7 @@ struct TCompData {
     explicit TCompData(TCompiler& owner) : Owner(owner) {}
 
     TCompiler& Owner;      // the compiler of the unit
-    StringList CodeList;   // instruction lines of all functions; the optimiser's input and output
+    TListing CodeList;     // instruction lines of all functions; the optimiser's input and output
     StringList CrcNames;   // names whose CRCs go into the editor form's CRCS chunk
     StringList Globals;    // global and static variable names, for the FLGS chunk
     StringList Objects;    // object form lines, for the OBJS form
@@ -23,10 +25,11 @@ struct TCompData {
     std::string MainProc;  // set by #MAINPROC
     std::string Source;    // a copy of the source text
 
-    static constexpr int kListCount = 6;
-    // The lists by position, in the order above: include children's lists are appended position by position.
+    static constexpr int kListCount = 5;
+    // The lists of names and lines after CodeList by position, in the order above: include children's lists
+    // are appended position by position.
     StringList& List(int index) {
-        StringList* lists[kListCount] = {&CodeList, &CrcNames, &Globals, &Objects, &Objectives, &RawList};
+        StringList* lists[kListCount] = {&CrcNames, &Globals, &Objects, &Objectives, &RawList};
         return *lists[index];
     }
 };

@@ -72,10 +72,12 @@ void TCompiler::SetFileName(const std::string& name) {
 
 // --- messages
 
-void TCompiler::Output(int level, const std::string& text, std::int32_t line) {
-    if (!OnOutput || level > Verbosity || SymbolsOnly) return;
+void TCompiler::Output(int level, std::string_view text, std::int32_t line) {
+    if (!Wants(level)) return;
     if (line < 0) line = Line();
-    OnOutput("[" + UnitName + ", " + std::to_string(line) + "] " + text);
+    std::string message = "[" + UnitName + ", " + std::to_string(line) + "] ";
+    message += text;
+    OnOutput(message);
 }
 
 void TCompiler::Report(const std::string& text, std::int32_t line, const SourceLocation& where) {
@@ -97,9 +99,9 @@ void TCompiler::Error(const std::string& text, std::int32_t line, SourceLocation
     Report(text, line, where);
     Output(0, "recovering from error...");
     while (!AtEnd()) {
-        PeekToken();
+        PeekView();
         if (TokenKind() == tkSemicolon) break;
-        NextToken();
+        NextView();
     }
 }
 
@@ -122,25 +124,33 @@ bool TCompiler::Expect(const std::string& wanted, SourceLocation where) {
 // character as the text's last character); reading it as the end keeps every parsing loop finite.
 
 namespace {
-bool Stuck(const TScanner& s, const std::string& token) {
+bool Stuck(const TScanner& s, std::string_view token) {
     return s.TokenKind() == tkOther && token.empty();
 }
 } // namespace
 
 std::string TCompiler::NextToken() {
-    std::string token = scanner_->NextToken();
+    return std::string(NextView());
+}
+
+std::string TCompiler::PeekToken() {
+    return std::string(PeekView());
+}
+
+std::string_view TCompiler::NextView() {
+    const std::string_view token = scanner_->NextTokenView();
     stuck_ = Stuck(*scanner_, token);
     return token;
 }
 
-std::string TCompiler::PeekToken() {
-    std::string token = scanner_->PeekToken();
+std::string_view TCompiler::PeekView() {
+    const std::string_view token = scanner_->PeekTokenView();
     stuck_ = Stuck(*scanner_, token);
     return token;
 }
 
 std::string TCompiler::PeekAhead(int n) {
-    std::string token = scanner_->PeekAhead(n);
+    const std::string token = scanner_->PeekAhead(n);
     stuck_ = Stuck(*scanner_, token);
     return token;
 }
@@ -154,7 +164,7 @@ std::int32_t TCompiler::Line() const {
 }
 
 bool TCompiler::AtEnd() {
-    PeekToken();
+    PeekView();
     return TokenKind() == tkEndOfText;
 }
 
@@ -215,26 +225,45 @@ void TCompiler::Finish() {
         TOptimizer optimizer;
         optimizer.Verbosity = Verbosity;
         optimizer.OnOutput = OnOutput;
-        optimizer.Load(data_->CodeList);
+        optimizer.Load(data_->CodeList.Lines());
         optimizer.Run();
-        data_->CodeList = optimizer.Result();
+        data_->CodeList = TListing(optimizer.Result());
     }
 }
 
+namespace {
+// Room for the linked text, reserved at once: a text of many megabytes grown by doubling would be copied
+// several times over. Generous per line (indentation, keyword, CR LF; names of globals appear in several
+// lines): room that stays unused costs address space, not memory.
+std::size_t LinkedTextBound(const TCompData& data, std::size_t rooms, std::size_t killBoard) {
+    constexpr std::size_t kPerLine = 128;
+    std::size_t size = std::size_t{1} << 16;
+    size += data.CodeList.TextSize() + data.CodeList.size() * 16;
+    for (const StringList* list :
+         {&data.CrcNames, &data.Globals, &data.Objects, &data.Objectives, &data.RawList})
+        for (const auto& line : *list) size += 2 * line.size() + kPerLine;
+    return size + (rooms + killBoard) * kPerLine;
+}
+} // namespace
+
 std::string TCompiler::Link() {
     Output(1, "now linking it all together...");
-    StringList lines;
+    std::string text;
+    text.reserve(LinkedTextBound(*data_, Rooms->size(), KillBoard->size()));
     switch (UnitKind) {
-    case ukMission: LinkMission(*this, lines); break;
-    case ukSector: LinkSector(*this, lines); break;
-    case ukSeries: LinkSeries(*this, lines); break;
+    case ukMission: LinkMission(*this, text); break;
+    case ukSector: LinkSector(*this, text); break;
+    case ukSeries: LinkSeries(*this, text); break;
     case ukUnit:
     case ukIff:
     case ukProject: break;
     default: Error("unknown unit type: " + std::to_string(static_cast<int>(UnitKind))); break;
     }
-    for (const auto& l : data_->RawList) lines.push_back(l);
-    return JoinLinesCrLf(lines);
+    for (const auto& l : data_->RawList) {
+        text += l;
+        text += "\r\n";
+    }
+    return text;
 }
 
 } // namespace velkor

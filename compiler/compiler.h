@@ -117,7 +117,10 @@ public:
     // --- services for the parsers of the compiler and the code generator
     // Sends "[<unit>, <line>] <text>" to OnOutput when level <= Verbosity and not SymbolsOnly; line -1
     // means the scanner's current line.
-    void Output(int level, const std::string& text, std::int32_t line = -1);
+    void Output(int level, std::string_view text, std::int32_t line = -1);
+    // Whether Output passes a message of that level on: for the callers that would otherwise build the text
+    // of a message at every expression only to have it dropped.
+    bool Wants(int level) const { return OnOutput && level <= Verbosity && !SymbolsOnly; }
     // "ERROR: <text>" and the "  raised in ..." line at level 0, ErrorLine set, ErrorCount raised; then
     // ECompiler when halting, else "recovering from error..." and tokens skipped up to the next ";".
     void Error(const std::string& text, std::int32_t line = -1,
@@ -138,6 +141,10 @@ public:
     // Token access; never loops forever: a scanner that cannot move on reads as the end of the text.
     std::string NextToken();
     std::string PeekToken();
+    // The same as views into the unit's text, valid while it compiles: for the expression parser, which
+    // peeks several times at every operand and operator.
+    std::string_view NextView();
+    std::string_view PeekView();
     std::string PeekAhead(int n);
     std::int32_t TokenKind() const;
     std::int32_t Line() const;
@@ -146,7 +153,7 @@ public:
     // Number conversion for constants and command arguments: "%" binary, "$" hexadecimal, else decimal,
     // with the errors of the language ("<digits> doesn't fit into a long", "<char> in binary constant ?!?
     // What are you smoking?", `"<text>" is not a valid integer value`). Nothing after a reported error.
-    std::optional<std::int32_t> ConvertNumber(const std::string& text);
+    std::optional<std::int32_t> ConvertNumber(std::string_view text);
     // The value reader: kind 0 integer, 1 floating-point number, 2 text; signs joined, constants and
     // string-table references resolved. Returns the value text.
     std::string ReadValue(int kind);

@@ -170,6 +170,7 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
         }
     }
     ErrorCount += child.ErrorCount;
+    data_->CodeList.Append(child.Data().CodeList);
     for (int i = 0; i < TCompData::kListCount; ++i) {
         auto& from = child.Data().List(i);
         auto& to = data_->List(i);

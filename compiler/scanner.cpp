@@ -3,6 +3,7 @@
 #include "platform/strings.h"
 #include "platform/text_file.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstring>
@@ -20,29 +21,65 @@ constexpr std::array<ScannerKeyword, 21> kKeywords{{
     {"end", tkEnd},
 }};
 
-bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsIdentChar(char c) { return IsLetter(c) || IsDigit(c) || c == '_'; }
-bool IsHexLetter(char c) { return (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f'); }
-bool IsBlank(char c) { return c == '\t' || c == '\n' || c == '\r' || c == ' '; }
-bool IsOperatorChar(char c) {
-    switch (c) {
-    case '!': case '&': case '*': case '+': case '-': case '/':
-    case ':': case '<': case '=': case '>': case '@': case '|': return true;
-    default: return false;
-    }
+// Character classes, one table look-up each: the scanner asks them for every character of the text.
+enum : std::uint8_t {
+    ccLetter = 1,
+    ccDigit = 2,
+    ccUnderscore = 4,
+    ccNumberTail = 8, // digits, "." and the hexadecimal letters: what continues a number
+    ccOperator = 16,
+    ccDelimiter = 32,
+    ccBlank = 64,
+};
+
+constexpr std::array<std::uint8_t, 256> MakeCharClasses() {
+    std::array<std::uint8_t, 256> t{};
+    for (int c = 'A'; c <= 'Z'; ++c) t[c] |= ccLetter;
+    for (int c = 'a'; c <= 'z'; ++c) t[c] |= ccLetter;
+    for (int c = '0'; c <= '9'; ++c) t[c] |= ccDigit | ccNumberTail;
+    for (int c = 'A'; c <= 'F'; ++c) t[c] |= ccNumberTail;
+    for (int c = 'a'; c <= 'f'; ++c) t[c] |= ccNumberTail;
+    t['.'] |= ccNumberTail;
+    t['_'] |= ccUnderscore;
+    for (unsigned char c : std::string_view("!&*+-/:<=>@|")) t[c] |= ccOperator;
+    for (unsigned char c : std::string_view("(),.;[]{}")) t[c] |= ccDelimiter;
+    for (unsigned char c : std::string_view("\t\n\r ")) t[c] |= ccBlank;
+    return t;
 }
-bool IsDelimiterChar(char c) {
-    switch (c) {
-    case '(': case ')': case ',': case '.': case ';': case '[': case ']': case '{': case '}': return true;
-    default: return false;
-    }
+constexpr auto kCharClasses = MakeCharClasses();
+
+bool Is(char c, std::uint8_t classes) {
+    return (kCharClasses[static_cast<unsigned char>(c)] & classes) != 0;
+}
+bool IsDigit(char c) {
+    return Is(c, ccDigit);
+}
+bool IsIdentChar(char c) {
+    return Is(c, ccLetter | ccDigit | ccUnderscore);
 }
 
+// The keywords by first letter, so that an identifier is compared with at most three of them: every
+// identifier of the text is looked up here.
+constexpr std::size_t kKeywordsPerLetter = 3;
+constexpr auto kKeywordsByLetter = [] {
+    std::array<std::array<std::int8_t, kKeywordsPerLetter>, 26> byLetter{};
+    for (auto& letter : byLetter) letter.fill(-1);
+    for (std::size_t i = 0; i < kKeywords.size(); ++i) {
+        auto& letter = byLetter[static_cast<std::size_t>(kKeywords[i].word[0] - 'a')];
+        *std::find(letter.begin(), letter.end(), -1) = static_cast<std::int8_t>(i);
+    }
+    return byLetter;
+}();
+
 std::int32_t KeywordKind(std::string_view word) {
-    if (word.size() > 9) return tkIdentifier; // the longest keyword is "objective"
-    for (const auto& k : kKeywords)
+    if (word.empty() || word.size() > 9) return tkIdentifier; // the longest keyword is "objective"
+    const char first = word[0] >= 'A' && word[0] <= 'Z' ? static_cast<char>(word[0] - 'A' + 'a') : word[0];
+    if (first < 'a' || first > 'z') return tkIdentifier;
+    for (std::int8_t i : kKeywordsByLetter[static_cast<std::size_t>(first - 'a')]) {
+        if (i < 0) break;
+        const ScannerKeyword& k = kKeywords[static_cast<std::size_t>(i)];
         if (k.word.size() == word.size() && SameText(k.word, word)) return k.kind;
+    }
     return tkIdentifier;
 }
 
@@ -62,6 +99,7 @@ std::span<const ScannerKeyword> ScannerKeywords() { return kKeywords; }
 
 void TScanner::SetText(std::string text) {
     text_ = std::move(text);
+    ForgetPeek();
     pos_ = 1;
     line_ = 1;
     Rewrite();
@@ -73,7 +111,14 @@ void TScanner::LoadFromStream(std::string_view content) {
     SetText(std::move(text));
 }
 
-void TScanner::LoadFromFile(const std::filesystem::path& path) { LoadFromStream(LoadTextFile(path)); }
+void TScanner::LoadFromString(std::string content) {
+    content.push_back('\0');
+    SetText(std::move(content));
+}
+
+void TScanner::LoadFromFile(const std::filesystem::path& path) {
+    LoadFromString(LoadTextFile(path));
+}
 
 // One pass to insert the markers and one to blank the comments: linear in the text.
 void TScanner::Rewrite() {
@@ -117,73 +162,88 @@ void TScanner::Rewrite() {
 }
 
 void TScanner::SkipBlanks() {
+    const size_t len = text_.size();
+    const char* const text = text_.data();
+    size_t p = pos_; // 1-based: the character at p is text[p - 1]
     for (;;) {
-        while (pos_ <= text_.size() && IsBlank(At(pos_))) ++pos_;
-        if (!LineMarkers || pos_ + 1 > text_.size() || At(pos_) != '#' || At(pos_ + 1) != '#') return;
+        while (p <= len && Is(text[p - 1], ccBlank)) ++p;
+        if (!LineMarkers || p + 6 > len || text[p - 1] != '#' || text[p] != '#') break;
         // Only "##" and five digits is a marker; a "##" the user wrote stays text for the parser to see.
+        const char* const digits = text + p + 1;
         std::int32_t value = 0;
-        if (pos_ + 6 > text_.size()) return;
-        for (size_t k = 2; k < 7; ++k) {
-            char c = At(pos_ + k);
-            if (!IsDigit(c)) return;
-            value = value * 10 + (c - '0');
-        }
+        int k = 0;
+        for (; k < 5 && IsDigit(digits[k]); ++k) value = value * 10 + (digits[k] - '0');
+        if (k < 5) break;
         line_ = value;
-        pos_ += 7;
-        markerEnd_ = pos_;
+        p += 7;
+        markerEnd_ = p;
     }
+    pos_ = p;
 }
 
-std::string TScanner::NextToken() {
+void TScanner::TakePeekedState() {
+    tokenKind_ = peeked_.kind;
+    if (peeked_.passedMarker) markerEnd_ = peeked_.markerEnd;
+}
+
+std::string_view TScanner::NextTokenView() {
+    if (HasPeeked()) {
+        TakePeekedState();
+        pos_ = peeked_.to;
+        line_ = peeked_.line;
+        return peeked_.token;
+    }
     SkipBlanks();
     const size_t len = text_.size();
     if (pos_ > len || At(pos_) == '\0') {
         tokenKind_ = tkEndOfText;
         return {};
     }
-    // Every loop stops before the text's last character (pos_ < len): that character never extends a
-    // token of more than one character.
-    const char first = At(pos_);
-    const size_t start = pos_; // 1-based position of the token's first character
-    auto take = [&](size_t from) { return text_.substr(from - 1, pos_ - from); };
+    // Indices here count from 0. Every loop stops before the text's last character (index `last`): that
+    // character never extends a token of more than one character.
+    const char* const text = text_.data();
+    const size_t last = len - 1;
+    const size_t start = pos_ - 1;
+    const char first = text[start];
+    size_t i = start + 1;
+    auto take = [&](size_t from) {
+        pos_ = i + 1;
+        return std::string_view(text + from, i - from);
+    };
     if (first == '"') {
-        ++pos_;
-        const size_t from = pos_;
-        if (pos_ < len) {
-            const void* quote = std::memchr(text_.data() + pos_ - 1, '"', len - pos_);
-            pos_ = quote ? static_cast<size_t>(static_cast<const char*>(quote) - text_.data()) + 1 : len;
+        const size_t from = i;
+        if (i < last) {
+            const void* quote = std::memchr(text + i, '"', last - i);
+            i = quote ? static_cast<size_t>(static_cast<const char*>(quote) - text) : last;
         }
-        std::string token = pos_ > from ? take(from) : std::string();
-        ++pos_;
+        const std::string_view token =
+            i > from ? std::string_view(text + from, i - from) : std::string_view();
+        pos_ = i + 2; // behind the closing quote
         tokenKind_ = tkString;
         return token;
     }
-    if (IsDigit(first) || first == '$' || first == '%') {
-        ++pos_;
-        while (pos_ < len && (IsDigit(At(pos_)) || At(pos_) == '.' || IsHexLetter(At(pos_)))) ++pos_;
-        const char last = At(pos_ - 1);
-        if (pos_ < len && (At(pos_) == '+' || At(pos_) == '-') && (last == 'E' || last == 'e')) {
-            ++pos_;
-            while (pos_ < len && IsDigit(At(pos_))) ++pos_;
+    if (Is(first, ccDigit) || first == '$' || first == '%') {
+        while (i < last && Is(text[i], ccNumberTail)) ++i;
+        const char before = text[i - 1];
+        if (i < last && (text[i] == '+' || text[i] == '-') && (before == 'E' || before == 'e')) {
+            ++i;
+            while (i < last && IsDigit(text[i])) ++i;
         }
         tokenKind_ = tkNumber;
         return take(start);
     }
-    if (IsLetter(first) || first == '_') {
-        ++pos_;
-        while (pos_ < len && IsIdentChar(At(pos_))) ++pos_;
-        std::string token = take(start);
+    if (Is(first, ccLetter | ccUnderscore)) {
+        while (i < last && IsIdentChar(text[i])) ++i;
+        const std::string_view token = take(start);
         tokenKind_ = KeywordKind(token);
         return token;
     }
-    if (IsOperatorChar(first)) {
-        ++pos_;
-        while (pos_ < len && IsOperatorChar(At(pos_))) ++pos_;
+    if (Is(first, ccOperator)) {
+        while (i < last && Is(text[i], ccOperator)) ++i;
         tokenKind_ = tkOperator;
         return take(start);
     }
-    if (IsDelimiterChar(first)) {
-        ++pos_;
+    if (Is(first, ccDelimiter)) {
         switch (first) {
         case ';': tokenKind_ = tkSemicolon; break;
         case ',': tokenKind_ = tkComma; break;
@@ -191,22 +251,34 @@ std::string TScanner::NextToken() {
         case ')': tokenKind_ = tkCloseParen; break;
         default: tokenKind_ = tkDelimiter; break;
         }
-        return std::string(1, first);
+        return take(start);
     }
-    while (pos_ < len) {
-        const char c = At(pos_);
-        if (IsBlank(c) || IsIdentChar(c) || IsOperatorChar(c) || IsDelimiterChar(c)) break;
-        ++pos_;
-    }
+    // Other characters start at the first one again: a blank the skipping left (the text's last character,
+    // or a line feed for TFastScanner) makes an empty token that does not move on.
+    i = start;
+    while (i < last && !Is(text[i], ccBlank | ccLetter | ccDigit | ccUnderscore | ccOperator | ccDelimiter))
+        ++i;
     tokenKind_ = tkOther;
     return take(start);
 }
 
-std::string TScanner::PeekAhead(int n) {
+std::string_view TScanner::PeekAheadView(int n) {
+    if (n == 0 && HasPeeked()) {
+        TakePeekedState();
+        return peeked_.token;
+    }
     const size_t savedPos = pos_;
     const std::int32_t savedLine = line_;
-    for (int i = 0; i < n; ++i) NextToken();
-    std::string token = NextToken();
+    for (int i = 0; i < n; ++i) NextTokenView();
+    // markerEnd_ is 0 only before any marker, so that a peek can tell whether its blanks held one.
+    const size_t markerBefore = markerEnd_;
+    if (n == 0) markerEnd_ = 0;
+    const std::string_view token = NextTokenView();
+    if (n == 0) {
+        peeked_ = {savedPos,   savedLine,       LineMarkers, pos_, line_,
+                   tokenKind_, markerEnd_ != 0, markerEnd_,  token};
+        if (markerEnd_ == 0) markerEnd_ = markerBefore;
+    }
     pos_ = savedPos;
     line_ = savedLine;
     return token;
@@ -214,6 +286,7 @@ std::string TScanner::PeekAhead(int n) {
 
 void TFastScanner::SetText(std::string text) {
     text_ = std::move(text);
+    ForgetPeek();
     pos_ = 1;
     line_ = 1;
 }
@@ -221,36 +294,43 @@ void TFastScanner::SetText(std::string text) {
 void TFastScanner::LoadFromStream(std::string_view content) {
     text_.assign(content);
     text_.push_back('\0');
+    ForgetPeek();
     pos_ = 1;
     line_ = 1;
 }
 
 void TFastScanner::SkipBlanks() {
     const size_t len = text_.size();
-    while (pos_ < len) {
-        const char c = At(pos_);
+    const char* const text = text_.data();
+    auto at = [text](size_t p) { return text[p - 1]; }; // 1-based, as positions are
+    size_t p = pos_;
+    std::int32_t line = line_;
+    while (p < len) {
+        const char c = at(p);
         if (c == ' ' || c == '\t') {
-            ++pos_;
+            ++p;
         } else if (c == '\r') {
-            ++pos_;
-            if (pos_ <= len && At(pos_) == '\n') ++pos_;
-            ++line_;
-        } else if (c == '/' && At(pos_ + 1) == '/') {
-            while (pos_ <= len && At(pos_) != '\r') ++pos_;
-        } else if (c == '/' && At(pos_ + 1) == '*') {
-            pos_ += 2;
-            while (pos_ <= len && !(At(pos_) == '*' && pos_ < len && At(pos_ + 1) == '/')) {
-                if (At(pos_) == '\r') {
-                    ++line_;
-                    if (pos_ < len && At(pos_ + 1) == '\n') ++pos_;
+            ++p;
+            if (p <= len && at(p) == '\n') ++p;
+            ++line;
+        } else if (c == '/' && at(p + 1) == '/') {
+            while (p <= len && at(p) != '\r') ++p;
+        } else if (c == '/' && at(p + 1) == '*') {
+            p += 2;
+            while (p <= len && !(at(p) == '*' && p < len && at(p + 1) == '/')) {
+                if (at(p) == '\r') {
+                    ++line;
+                    if (p < len && at(p + 1) == '\n') ++p;
                 }
-                ++pos_;
+                ++p;
             }
-            pos_ = std::min(pos_ + 2, len + 1);
+            p = std::min(p + 2, len + 1);
         } else {
-            return;
+            break;
         }
     }
+    pos_ = p;
+    line_ = line;
 }
 
 void SetScannerClass(ScannerClass cls) { gScannerClass.store(cls); }

@@ -72,11 +72,20 @@ public:
     // Loads a file through the text loader (line breaks normalised) and calls LoadFromStream.
     void LoadFromFile(const std::filesystem::path& path);
 
-    std::string NextToken();
+    // Takes a whole content as LoadFromStream does, without copying it.
+    void LoadFromString(std::string content);
+
+    // The token reads below come in two forms. The views point into the scanner's text and stay valid until
+    // the text is replaced: the assembler reads millions of tokens and should not copy each one.
+    std::string_view NextTokenView();
     // The next token's text without consuming it; TokenKind is left at the peeked token's kind.
-    std::string PeekToken() { return PeekAhead(0); }
+    std::string_view PeekTokenView() { return PeekAheadView(0); }
     // Skips n tokens, then as PeekToken; position and line are restored, TokenKind is not.
-    std::string PeekAhead(int n);
+    std::string_view PeekAheadView(int n);
+
+    std::string NextToken() { return std::string(NextTokenView()); }
+    std::string PeekToken() { return std::string(PeekTokenView()); }
+    std::string PeekAhead(int n) { return std::string(PeekAheadView(n)); }
 
     std::int32_t Position() const { return static_cast<std::int32_t>(pos_); }
     std::int32_t Line() const { return line_; }
@@ -90,6 +99,7 @@ public:
 
 protected:
     char At(size_t p) const { return text_[p - 1]; } // 1-based, as positions are
+    void ForgetPeek() { peeked_.from = 0; }          // the text changed under the kept peek
 
     std::string text_;          // the source text (TScanner: rewritten)
     size_t pos_ = 1;            // 1-based index of the next character
@@ -98,7 +108,27 @@ protected:
     size_t markerEnd_ = 0;      // position just behind the last line marker read
 
 private:
+    // The parsers peek at nearly every token before they read it. The last peek is kept, so that a peek or
+    // a read from the same place takes its result instead of scanning the token again.
+    struct PeekedToken {
+        size_t from = 0;           // position the peek started at; 0 when none is kept
+        std::int32_t fromLine = 0; // the line there
+        bool markers = false;      // LineMarkers then
+        size_t to = 0;             // position behind the token
+        std::int32_t line = 0;     // line behind the token
+        std::int32_t kind = 0;     // the token's kind
+        bool passedMarker = false; // the blanks before the token held a line marker, which set markerEnd_
+        size_t markerEnd = 0;      // markerEnd_ then
+        std::string_view token;    // the token's text
+    };
+    bool HasPeeked() const {
+        return peeked_.from == pos_ && peeked_.fromLine == line_ && peeked_.markers == LineMarkers;
+    }
+    void TakePeekedState();
+
     void Rewrite();
+
+    PeekedToken peeked_; // the last peek, valid while the text stays
 };
 
 class TFastScanner : public TScanner {

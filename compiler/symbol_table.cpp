@@ -43,14 +43,74 @@ void TSymbolTable::Add(TSymbol symbol, std::string_view writtenName) {
              "\" redeclared");
     const int position = Count();
     if (IsLocalKind(symbol.Kind) && firstLocal_ < 0) firstLocal_ = position;
-    index_[symbol.Name].push_back(position);
     ++kindCounts_[symbol.Kind];
     symbols_.push_back(std::move(symbol));
+    IndexAdd(position);
+}
+
+std::size_t TSymbolTable::IndexHash(std::string_view name) {
+    std::size_t hash = 14695981039346656037u; // FNV-1a over the upper-cased bytes
+    for (char c : name) {
+        hash ^= static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+        hash *= 1099511628211u;
+    }
+    return hash;
+}
+
+std::size_t TSymbolTable::SlotOf(std::string_view name, std::size_t hash) const {
+    const std::size_t mask = index_.size() - 1;
+    std::size_t i = hash & mask;
+    for (;;) {
+        const IndexSlot& slot = index_[i];
+        if (slot.position < 0) return i;
+        if (slot.hash == hash && SameText(symbols_[static_cast<size_t>(slot.position)].Name, name)) return i;
+        i = (i + 1) & mask;
+    }
+}
+
+void TSymbolTable::IndexAdd(int position) {
+    if (2 * (indexed_ + 1) > index_.size()) {
+        std::vector<IndexSlot> old(std::max<std::size_t>(64, 2 * index_.size()));
+        old.swap(index_);
+        for (const IndexSlot& slot : old) {
+            if (slot.position < 0) continue;
+            std::size_t i = slot.hash & (index_.size() - 1);
+            while (index_[i].position >= 0) i = (i + 1) & (index_.size() - 1);
+            index_[i] = slot;
+        }
+    }
+    const std::string& name = symbols_[static_cast<size_t>(position)].Name;
+    const std::size_t hash = IndexHash(name);
+    IndexSlot& slot = index_[SlotOf(name, hash)];
+    if (slot.position >= 0) return; // an earlier record of that name stays the one found
+    slot = {hash, position};
+    ++indexed_;
+}
+
+void TSymbolTable::IndexRemove(int position) {
+    if (index_.empty()) return;
+    const std::string& name = symbols_[static_cast<size_t>(position)].Name;
+    std::size_t hole = SlotOf(name, IndexHash(name));
+    if (index_[hole].position != position) return;
+    // Backward-shift deletion: later slots of the same probe run move up into the hole, so that every
+    // name stays reachable from its home slot without markers for deleted entries.
+    const std::size_t mask = index_.size() - 1;
+    for (std::size_t j = (hole + 1) & mask; index_[j].position >= 0; j = (j + 1) & mask) {
+        const std::size_t home = index_[j].hash & mask;
+        // The entry at j may fill the hole unless its home lies cyclically in (hole, j].
+        const bool homeBetween = hole <= j ? (hole < home && home <= j) : (hole < home || home <= j);
+        if (homeBetween) continue;
+        index_[hole] = index_[j];
+        hole = j;
+    }
+    index_[hole] = {};
+    --indexed_;
 }
 
 int TSymbolTable::Find(std::string_view name) const {
-    auto it = index_.find(ShortString(UpperCase(name)));
-    return it == index_.end() || it->second.empty() ? -1 : it->second.front();
+    if (index_.empty()) return -1;
+    name = name.substr(0, kShortStringMax);
+    return index_[SlotOf(name, IndexHash(name))].position;
 }
 
 const TSymbol& TSymbolTable::Get(int index) const {
@@ -68,10 +128,11 @@ int TSymbolTable::CountOfKind(std::int32_t kind) const {
 
 void TSymbolTable::Reindex() {
     index_.clear();
+    indexed_ = 0;
     kindCounts_.clear();
     firstLocal_ = -1;
     for (int i = 0; i < Count(); ++i) {
-        index_[symbols_[static_cast<size_t>(i)].Name].push_back(i);
+        IndexAdd(i);
         ++kindCounts_[symbols_[static_cast<size_t>(i)].Kind];
         if (firstLocal_ < 0 && IsLocalKind(symbols_[static_cast<size_t>(i)].Kind)) firstLocal_ = i;
     }
@@ -86,11 +147,7 @@ void TSymbolTable::RemoveLocals() {
     if (firstLocal_ < 0) return;
     const auto first = static_cast<size_t>(firstLocal_);
     // Unhook every record from the first local on, then put the survivors back at their new positions.
-    for (size_t i = first; i < symbols_.size(); ++i) {
-        auto& positions = index_[symbols_[i].Name];
-        std::erase(positions, static_cast<int>(i));
-        if (positions.empty()) index_.erase(symbols_[i].Name);
-    }
+    for (size_t i = first; i < symbols_.size(); ++i) IndexRemove(static_cast<int>(i));
     size_t out = first;
     for (size_t i = first; i < symbols_.size(); ++i) {
         if (IsLocalKind(symbols_[i].Kind)) {
@@ -98,7 +155,7 @@ void TSymbolTable::RemoveLocals() {
             continue;
         }
         if (out != i) symbols_[out] = std::move(symbols_[i]);
-        index_[symbols_[out].Name].push_back(static_cast<int>(out));
+        IndexAdd(static_cast<int>(out));
         ++out;
     }
     symbols_.resize(out);

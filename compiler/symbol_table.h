@@ -90,9 +90,26 @@ private:
     void Message(int level, const std::string& text);
     void Fail(const std::string& text);
 
-    TCompiler* owner_;                                        // none for a copy
-    std::vector<TSymbol> symbols_;                            // in declaration order
-    std::unordered_map<std::string, std::vector<int>> index_; // upper-cased name -> positions, ascending
+    // The index: for each name, the position of its first record. Open addressing with linear probing in
+    // one array, because a compile looks up a name for nearly every operand and a node-based map spent that
+    // time chasing pointers. Names are hashed and compared without regard to ASCII case, so a name is looked
+    // up as written, without an upper-case copy; the records' names are upper-cased, so the same are found.
+    struct IndexSlot {
+        std::size_t hash = 0; // the name's hash
+        int position = -1;    // its first record; -1 for an empty slot
+    };
+    static std::size_t IndexHash(std::string_view name);
+    // The slot that holds the name, or the empty slot where it would go.
+    std::size_t SlotOf(std::string_view name, std::size_t hash) const;
+    // Indexes the record unless its name already has an earlier one.
+    void IndexAdd(int position);
+    // Forgets the record's name when the record is the one its name is indexed by.
+    void IndexRemove(int position);
+
+    TCompiler* owner_;             // none for a copy
+    std::vector<TSymbol> symbols_; // in declaration order
+    std::vector<IndexSlot> index_; // a power of two in size, at most half full; empty before any record
+    std::size_t indexed_ = 0;      // names in the index
     std::unordered_map<std::int32_t, int> kindCounts_;        // records per kind
     int firstLocal_ = -1; // position of the first function-local record, -1 when none: RemoveLocals only
                           // touches the table from there, so a unit's compile stays linear

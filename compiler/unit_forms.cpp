@@ -16,15 +16,16 @@ constexpr std::string_view kGfProcProperty = "CHUNK $59F32AC2";
 constexpr std::string_view kMainProcProperty = "CHUNK $164A8982";
 constexpr std::string_view kNoFlags = "must_have_at_least_one_flag";
 
-// Writes the textual IFF with two blanks of indentation per open block.
+// Writes the textual IFF with two blanks of indentation per open block, straight into the linked text:
+// the function listing alone can run to hundreds of thousands of lines.
 class TextWriter {
 public:
-    explicit TextWriter(StringList& lines) : lines_(lines) {}
+    explicit TextWriter(std::string& text) : text_(text) {}
 
     void Line(std::string_view text) {
-        std::string line(indent_, ' ');
-        line += text;
-        lines_.push_back(std::move(line));
+        text_.append(indent_, ' ');
+        text_ += text;
+        text_ += "\r\n";
     }
     void Open(std::string_view header) {
         Line(header);
@@ -37,11 +38,21 @@ public:
     }
     // Lines of another list, each behind a fixed number of blanks whatever the current level.
     void Verbatim(const StringList& lines, std::size_t blanks) {
-        for (const auto& l : lines) lines_.push_back(std::string(blanks, ' ') + l);
+        for (const auto& l : lines) Indented(l, blanks);
+    }
+    void Verbatim(const TListing& lines, std::size_t blanks) {
+        for (std::string_view l : lines) Indented(l, blanks);
     }
 
 private:
-    StringList& lines_;      // the linked text being built
+    void Indented(std::string_view line, std::size_t blanks) {
+        text_.append(blanks, ' ');
+        text_ += line;
+        text_ += "\r\n";
+    }
+
+private:
+    std::string& text_;      // the linked text being built
     std::size_t indent_ = 0; // blanks in front of the next line
 };
 
@@ -138,8 +149,8 @@ void MissionObjectives(TextWriter& w, TCompiler& c) {
 
 } // namespace
 
-void LinkMission(TCompiler& c, StringList& lines) {
-    TextWriter w(lines);
+void LinkMission(TCompiler& c, std::string& text) {
+    TextWriter w(text);
     auto& data = c.Data();
 
     FileHeader(w, c, ".mis");
@@ -182,8 +193,8 @@ void LinkMission(TCompiler& c, StringList& lines) {
     w.Close();
 }
 
-void LinkSector(TCompiler& c, StringList& lines) {
-    TextWriter w(lines);
+void LinkSector(TCompiler& c, std::string& text) {
+    TextWriter w(text);
     FileHeader(w, c, ".sec");
     w.Open("FORM \"MED_\"");
     w.Open("CHUNK \"VERS\"");
@@ -198,8 +209,8 @@ void LinkSector(TCompiler& c, StringList& lines) {
     EditorForm(w, c);
 }
 
-void LinkSeries(TCompiler& c, StringList& lines) {
-    TextWriter w(lines);
+void LinkSeries(TCompiler& c, std::string& text) {
+    TextWriter w(text);
     FileHeader(w, c, ".srs");
     w.Open("FORM \"SERS\"");
     VersionChunk(w);

@@ -4,13 +4,15 @@
 
 #include "compiler/comp_data.h"
 
+#include <string>
+
 namespace velkor {
 
 class TCompiler;
 
-// Each appends the unit's forms to `lines` (RawList is appended by Link itself).
-void LinkMission(TCompiler& compiler, StringList& lines);
-void LinkSector(TCompiler& compiler, StringList& lines);
-void LinkSeries(TCompiler& compiler, StringList& lines);
+// Each appends the unit's forms to `text`, every line ended by CR LF (RawList is appended by Link itself).
+void LinkMission(TCompiler& compiler, std::string& text);
+void LinkSector(TCompiler& compiler, std::string& text);
+void LinkSeries(TCompiler& compiler, std::string& text);
 
 } // namespace velkor

@@ -7,9 +7,9 @@
 
 namespace velkor {
 
-std::optional<std::int32_t> TCompiler::ConvertNumber(const std::string& text) {
+std::optional<std::int32_t> TCompiler::ConvertNumber(std::string_view text) {
     if (!text.empty() && text[0] == '%') {
-        const std::string digits = text.substr(1);
+        const std::string digits(text.substr(1));
         if (digits.size() > 31) {
             Error(digits + " doesn't fit into a long");
             return std::nullopt;
@@ -27,7 +27,7 @@ std::optional<std::int32_t> TCompiler::ConvertNumber(const std::string& text) {
         return static_cast<std::int32_t>(value);
     }
     if (auto v = StrToInt(text)) return v;
-    Error("\"" + text + "\" is not a valid integer value");
+    Error("\"" + std::string(text) + "\" is not a valid integer value");
     return std::nullopt;
 }
 

@@ -7,6 +7,11 @@
 namespace velkor {
 
 void MemoryStream::Write(std::span<const std::uint8_t> bytes) {
+    if (pos_ == data_.size()) { // appending, as nearly every write does: no zero-filling first
+        data_.insert(data_.end(), bytes.begin(), bytes.end());
+        pos_ = data_.size();
+        return;
+    }
     const auto end = pos_ + bytes.size();
     if (end > data_.size()) data_.resize(end);
     std::copy(bytes.begin(), bytes.end(), data_.begin() + static_cast<std::ptrdiff_t>(pos_));

@@ -23,6 +23,9 @@ public:
     void Seek(std::uint64_t position) override { pos_ = position; }
     std::uint64_t Position() const override { return pos_; }
     const std::vector<std::uint8_t>& Bytes() const { return data_; }
+    // Room for that many bytes in all, so that a content whose size is roughly known is not copied again
+    // and again as it grows.
+    void Reserve(std::uint64_t bytes) { data_.reserve(static_cast<std::size_t>(bytes)); }
 
 private:
     std::vector<std::uint8_t> data_; // the whole content

@@ -9,5 +9,7 @@
 namespace velkor {
 
 std::uint32_t NameHash(std::string_view text);
+// NameHash of the text with its ASCII letters in lower case, without making the lower-case copy.
+std::uint32_t LowerNameHash(std::string_view text);
 
 } // namespace velkor

@@ -7,6 +7,9 @@
 #include "platform/strings.h"
 #include "platform/text_file.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace velkor {
 
 namespace {
@@ -40,9 +43,14 @@ void TIffCompiler::SetInputFile(const std::string& fileName) {
 }
 
 void TIffCompiler::SetInputText(std::string_view text, const std::filesystem::path& baseFolder) {
+    TakeInputText(std::string(text), baseFolder);
+}
+
+void TIffCompiler::TakeInputText(std::string text, const std::filesystem::path& baseFolder) {
     inputName_.clear();
     inputPath_.clear();
-    inputText_ = NormaliseLineBreaks(text);
+    NormaliseLineBreaksInPlace(text);
+    inputText_ = std::move(text);
     baseFolder_ = baseFolder;
     fromMemory_ = true;
 }
@@ -59,9 +67,9 @@ void TIffCompiler::Compile() {
         handingOver_ = false;
     });
     if (fromMemory_)
-        scanner_->LoadFromStream(inputText_);
+        scanner_->LoadFromString(std::exchange(inputText_, {}));
     else
-        scanner_->LoadFromStream(LoadTextFile(inputPath_));
+        scanner_->LoadFromString(LoadTextFile(inputPath_));
     constants_.clear();
     types_.clear();
     try {
@@ -79,19 +87,19 @@ void TIffCompiler::Compile() {
 
 // A stray character that is the text's very last one reads as an empty token of other characters, which
 // does not advance; it is a token like any other, so the grammar refuses it where it stands.
-std::string TIffCompiler::Next() {
-    std::string token = scanner_->NextToken();
+std::string_view TIffCompiler::Next() {
+    const std::string_view token = scanner_->NextTokenView();
     kind_ = scanner_->TokenKind();
     return token;
 }
 
-std::string TIffCompiler::Peek() {
-    std::string token = scanner_->PeekToken();
+std::string_view TIffCompiler::Peek() {
+    const std::string_view token = scanner_->PeekTokenView();
     kind_ = scanner_->TokenKind();
     return token;
 }
 
-bool TIffCompiler::Stuck(const std::string& token) const {
+bool TIffCompiler::Stuck(std::string_view token) const {
     return kind_ == tkEndOfText || (kind_ == tkOther && token.empty());
 }
 
@@ -120,12 +128,12 @@ bool TIffCompiler::IsNameKind(std::int32_t kind) {
 }
 
 void TIffCompiler::Expect(std::string_view punctuation) {
-    std::string token = Next();
+    const std::string_view token = Next();
     if (token != punctuation || kind_ == tkString) ExpectError(punctuation, token);
 }
 
-std::string TIffCompiler::ReadName(std::string_view expected) {
-    std::string token = Next();
+std::string_view TIffCompiler::ReadName(std::string_view expected) {
+    const std::string_view token = Next();
     if (!IsNameKind(kind_)) ExpectError(expected, token);
     return token;
 }
@@ -151,19 +159,16 @@ void TIffCompiler::ExpectError(std::string_view expected, std::string_view found
 
 // ---- constant and type tables ----
 
-void TIffCompiler::AddEntry(std::unordered_map<std::uint32_t, std::string>& table, std::string_view name,
-                            std::string value) {
-    table.emplace(NameHash(LowerCase(name)), std::move(value));
+void TIffCompiler::AddEntry(TNameTable& table, std::string_view name, std::string value) {
+    table.Add(LowerNameHash(name), std::move(value));
 }
 
-const std::string* TIffCompiler::Lookup(const std::unordered_map<std::uint32_t, std::string>& table,
-                                        std::string_view name) const {
+const std::string* TIffCompiler::Lookup(const TNameTable& table, std::string_view name) const {
     if (table.empty()) return nullptr;
-    auto it = table.find(NameHash(LowerCase(name)));
-    return it == table.end() ? nullptr : &it->second;
+    return table.Find(LowerNameHash(name));
 }
 
-std::string TIffCompiler::ResolveConstant(std::string text) const {
+std::string_view TIffCompiler::ResolveConstant(std::string_view text) const {
     if (const std::string* value = Lookup(constants_, text)) return *value;
     return text;
 }
@@ -172,12 +177,11 @@ std::string TIffCompiler::ResolveConstant(std::string text) const {
 
 void TIffCompiler::Run() {
     for (;;) {
-        std::string token = Next();
+        const std::string_view token = Next();
         if (kind_ == tkEndOfText) return;
-        std::string keyword = UpperCase(token);
-        if (keyword == "IFF")
+        if (SameText(token, "IFF"))
             OutputBlock();
-        else if (keyword == "TRE" || keyword == "FLAT")
+        else if (SameText(token, "TRE") || SameText(token, "FLAT"))
             continue; // reserved for output kinds still to come
         else
             ExpectError("IFF, TRE or FLAT", token);
@@ -187,17 +191,23 @@ void TIffCompiler::Run() {
 void TIffCompiler::OutputBlock() {
     outputName_ = ReadName("<filename>");
     writer_ = std::make_unique<TIffWriter>("_velkor.iff", TIffWriter::InMemory);
+    // What a block assembles is usually smaller than the text that is left; room that stays unwritten
+    // costs address space only. The cap keeps a huge text from asking for that much at once.
+    constexpr std::size_t kMaxReserve = std::size_t{256} << 20;
+    const std::size_t read = static_cast<std::size_t>(std::max(scanner_->Position(), 0));
+    const std::size_t size = scanner_->Text().size();
+    writer_->Reserve(std::min(size - std::min(read, size), kMaxReserve));
     Expect("{");
     while (!PeekIs('}')) {
-        std::string keyword = LowerCase(Peek());
-        if (keyword == "form") {
+        const std::string_view keyword = Peek();
+        if (SameText(keyword, "form")) {
             Form();
-        } else if (keyword == "const") {
+        } else if (SameText(keyword, "const")) {
             ConstSection();
-        } else if (keyword == "type") {
+        } else if (SameText(keyword, "type")) {
             TypeSection();
         } else {
-            std::string token = Next(); // consumed so that the message names its line
+            const std::string_view token = Next(); // consumed so that the message names its line
             ExpectError("CONST, TYPE or FORM", token);
         }
     }
@@ -211,22 +221,22 @@ void TIffCompiler::OutputBlock() {
 }
 
 void TIffCompiler::ConstSection() {
-    std::string keyword = Next();
-    if (LowerCase(keyword) != "const") ExpectError("const", keyword);
+    const std::string_view keyword = Next();
+    if (!SameText(keyword, "const")) ExpectError("const", keyword);
     do {
-        std::string name = ReadName("<name>");
+        const std::string_view name = ReadName("<name>");
         Expect("=");
-        AddEntry(constants_, name, Next());
+        AddEntry(constants_, name, std::string(Next()));
     } while (NextIs(','));
 }
 
 void TIffCompiler::TypeSection() {
-    std::string keyword = Next();
-    if (LowerCase(keyword) != "type") ExpectError("type", keyword);
+    const std::string_view keyword = Next();
+    if (!SameText(keyword, "type")) ExpectError("type", keyword);
     do {
-        std::string name = ReadName("<name>");
+        const std::string_view name = ReadName("<name>");
         Expect("=");
-        AddEntry(types_, name, ReadName("<name>"));
+        AddEntry(types_, name, std::string(ReadName("<name>")));
     } while (NextIs(','));
 }
 
@@ -240,18 +250,17 @@ void TIffCompiler::Form() {
             --depth;
             continue;
         }
-        std::string token = Peek();
-        std::string keyword = LowerCase(token);
-        if (keyword == "form") {
+        const std::string_view token = Peek();
+        if (SameText(token, "form")) {
             if (depth >= kMaxNesting) {
                 Next();
                 Error("forms nested deeper than " + std::to_string(kMaxNesting) + " levels");
             }
             OpenFormHeader();
             ++depth;
-        } else if (keyword == "chunk") {
+        } else if (SameText(token, "chunk")) {
             Chunk();
-        } else if (keyword == "file") {
+        } else if (SameText(token, "file")) {
             Next();
             WriteFileContents(ReadName("<filename>"));
         } else {
@@ -262,18 +271,18 @@ void TIffCompiler::Form() {
 }
 
 void TIffCompiler::OpenFormHeader() {
-    std::string keyword = Next();
-    if (LowerCase(keyword) != "form") ExpectError("FORM", keyword);
-    std::string name = ReadName("<name>");
+    const std::string_view keyword = Next();
+    if (!SameText(keyword, "form")) ExpectError("FORM", keyword);
+    const std::string_view name = ReadName("<name>");
     if (name.size() < 4) Error(ERangeError().what());
-    writer_->OpenForm(std::string_view(name).substr(0, 4));
+    writer_->OpenForm(name.substr(0, 4));
     Expect("{");
 }
 
 void TIffCompiler::Chunk() {
-    std::string keyword = Next();
-    if (LowerCase(keyword) != "chunk") ExpectError("chunk", keyword);
-    std::string token = Next();
+    const std::string_view keyword = Next();
+    if (!SameText(keyword, "chunk")) ExpectError("chunk", keyword);
+    const std::string_view token = Next();
     std::string id;
     if (kind_ == tkNumber) {
         // The id is the number's four bytes in little-endian order: $44434241 is "ABCD".
@@ -291,10 +300,11 @@ void TIffCompiler::Chunk() {
     writer_->CloseChunk();
 }
 
-void TIffCompiler::WriteFileContents(const std::string& name) {
+void TIffCompiler::WriteFileContents(std::string_view name) {
     auto found = FindExisting(name, baseFolder_);
     std::error_code ec;
-    if (!found || !std::filesystem::is_regular_file(*found, ec)) Error("Couldn't find file " + name);
+    if (!found || !std::filesystem::is_regular_file(*found, ec))
+        Error("Couldn't find file " + std::string(name));
     CheckOutputSize(std::filesystem::file_size(*found, ec));
     std::vector<std::uint8_t> bytes = ReadFileBytes(*found);
     writer_->Write(bytes);

@@ -4,6 +4,7 @@
 // EIffCompiler with that text.
 #pragma once
 
+#include "iff/name_table.h"
 #include "platform/exception.h"
 #include "platform/source_location.h"
 
@@ -14,7 +15,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace velkor {
@@ -43,7 +43,10 @@ public:
     void SetInputFile(const std::string& fileName);
     // Assembles a text held in memory instead of a file; FILE values are looked up relative to baseFolder
     // (the current folder when empty).
+    // The text is handed to the next Compile, which takes it over.
     void SetInputText(std::string_view text, const std::filesystem::path& baseFolder = {});
+    // As SetInputText, taking over the caller's text instead of copying it.
+    void TakeInputText(std::string text, const std::filesystem::path& baseFolder = {});
     const std::string& InputFile() const { return inputName_; }
 
     // Assembles the whole input, handing each output block to OnBinaryOutput. Throws EIffCompiler on the
@@ -61,15 +64,16 @@ public:
 
 private:
     // Token reading.
-    std::string Next();
-    std::string Peek();
+    // Views into the scanner's text, which stays put for the whole run.
+    std::string_view Next();
+    std::string_view Peek();
     bool PeekIs(char punctuation);
     bool NextIs(char punctuation);
     bool AtEndOfText();
     // True for the end of the text and for the empty token that does not advance: reading on gets nothing.
-    bool Stuck(const std::string& token) const;
+    bool Stuck(std::string_view token) const;
     void Expect(std::string_view punctuation);
-    std::string ReadName(std::string_view expected);
+    std::string_view ReadName(std::string_view expected);
     static bool IsNameKind(std::int32_t kind);
 
     // Error path.
@@ -78,11 +82,10 @@ private:
                                   SourceLocation where = SourceLocation::current());
 
     // Constant and type tables: keyed by the name checksum of the lower-cased name, first definition wins.
-    void AddEntry(std::unordered_map<std::uint32_t, std::string>& table, std::string_view name,
-                  std::string value);
-    const std::string* Lookup(const std::unordered_map<std::uint32_t, std::string>& table,
-                              std::string_view name) const;
-    std::string ResolveConstant(std::string text) const;
+    void AddEntry(TNameTable& table, std::string_view name, std::string value);
+    const std::string* Lookup(const TNameTable& table, std::string_view name) const;
+    // The constant's value, or the text itself when it names no constant.
+    std::string_view ResolveConstant(std::string_view text) const;
 
     // The textual-IFF grammar.
     void Run();
@@ -93,10 +96,10 @@ private:
     void OpenFormHeader();
     void Chunk();
     void Value();
-    void WriteFileContents(const std::string& name);
+    void WriteFileContents(std::string_view name);
     void CheckOutputSize(std::uint64_t adding);
     std::int32_t ReadInt();
-    std::int32_t ConvertInt(const std::string& text);
+    std::int32_t ConvertInt(std::string_view text);
     double ReadFloat();
 
     // The instruction assembler of WCP_ASM blocks (codegen/wcp_asm.cpp).
@@ -104,7 +107,7 @@ private:
     void AssembleFunction();
     void AssembleBlock();
     void EmitInstruction(int index, std::span<const std::uint8_t> kinds, bool semicolonRequired);
-    void EmitNativeCall(const std::string& name);
+    void EmitNativeCall(std::string_view name);
     std::uint32_t ReadOperand(int kind);
     void EmitWord(std::uint32_t word);
 
@@ -116,8 +119,8 @@ private:
     std::string outputName_;                                   // the output file of the block being assembled
     std::unique_ptr<TIffWriter> writer_;                       // the writer of the block being assembled
     std::unique_ptr<TScanner> scanner_;                        // the token reader of the run
-    std::unordered_map<std::uint32_t, std::string> constants_; // constant values by name checksum
-    std::unordered_map<std::uint32_t, std::string> types_;     // type aliases by name checksum
+    TNameTable constants_;                                     // constant values by name checksum
+    TNameTable types_;                                         // type aliases by name checksum
     std::int32_t kind_ = 0;                                    // kind of the last token read or peeked
     bool handingOver_ = false;                                 // true while OnBinaryOutput runs
     std::vector<std::uint8_t> pending_;                        // items of the value being assembled

@@ -20,16 +20,16 @@ constexpr std::int32_t kNotAnInteger = 0x0F00AAFF;
 
 enum class ValueType { Byte, Word, Long, Float, Double, Crc32, CString, File, WcpAsm, Unknown };
 
-ValueType TypeOf(std::string_view upper) {
-    if (upper == "BYTE") return ValueType::Byte;
-    if (upper == "WORD") return ValueType::Word;
-    if (upper == "LONG") return ValueType::Long;
-    if (upper == "FLOAT") return ValueType::Float;
-    if (upper == "DOUBLE") return ValueType::Double;
-    if (upper == "CRC32") return ValueType::Crc32;
-    if (upper == "CSTRING") return ValueType::CString;
-    if (upper == "FILE") return ValueType::File;
-    if (upper == "WCP_ASM") return ValueType::WcpAsm;
+ValueType TypeOf(std::string_view name) {
+    if (SameText(name, "BYTE")) return ValueType::Byte;
+    if (SameText(name, "WORD")) return ValueType::Word;
+    if (SameText(name, "LONG")) return ValueType::Long;
+    if (SameText(name, "FLOAT")) return ValueType::Float;
+    if (SameText(name, "DOUBLE")) return ValueType::Double;
+    if (SameText(name, "CRC32")) return ValueType::Crc32;
+    if (SameText(name, "CSTRING")) return ValueType::CString;
+    if (SameText(name, "FILE")) return ValueType::File;
+    if (SameText(name, "WCP_ASM")) return ValueType::WcpAsm;
     return ValueType::Unknown;
 }
 
@@ -37,16 +37,16 @@ void AppendLittleEndian(std::vector<std::uint8_t>& out, std::uint64_t value, int
     for (int i = 0; i < bytes; ++i) out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
 }
 
-bool StartsWithSign(const std::string& text) {
+bool StartsWithSign(std::string_view text) {
     return !text.empty() && (text[0] == '+' || text[0] == '-');
 }
 
 } // namespace
 
 void TIffCompiler::Value() {
-    std::string token = Next();
+    const std::string_view token = Next();
     const std::string* alias = Lookup(types_, token);
-    const ValueType type = TypeOf(UpperCase(alias ? *alias : token));
+    const ValueType type = TypeOf(alias ? std::string_view(*alias) : token);
     if (type == ValueType::Unknown) ExpectError("<type>", token);
 
     std::int32_t count = 1;
@@ -81,15 +81,15 @@ void TIffCompiler::Value() {
             AppendLittleEndian(pending_, std::bit_cast<std::uint64_t>(ReadFloat()), 8);
             break;
         case ValueType::Crc32: {
-            std::string text = Next();
+            const std::string_view text = Next();
             if (Stuck(text)) ExpectError("<value>", text); // a count of a billion must not loop on it
             AppendLittleEndian(pending_, NameHash(text), 4);
             break;
         }
         case ValueType::CString: {
-            std::string text = Next();
+            std::string_view text = Next();
             if (!IsNameKind(kind_)) ExpectError("<string>", text);
-            text = ResolveConstant(std::move(text));
+            text = ResolveConstant(text);
             CheckOutputSize(pending_.size() + text.size() + 1);
             pending_.insert(pending_.end(), text.begin(), text.end());
             pending_.push_back(0);
@@ -104,34 +104,45 @@ void TIffCompiler::Value() {
     if (!pending_.empty()) writer_->Write(pending_);
 }
 
-std::int32_t TIffCompiler::ConvertInt(const std::string& text) {
+std::int32_t TIffCompiler::ConvertInt(std::string_view text) {
     std::int32_t value = StrToIntDef(text, kNotAnInteger);
-    if (value == kNotAnInteger) Error(text + " is not a valid integer value.");
+    if (value == kNotAnInteger) Error(std::string(text) + " is not a valid integer value.");
     return value;
 }
 
 std::int32_t TIffCompiler::ReadInt() {
-    std::string text = Next();
-    if (StartsWithSign(text)) text += Next(); // "-" and "5" are two tokens
+    std::string_view text = Next();
+    if (kind_ == tkNumber) return ConvertInt(text); // the usual case: a number token never starts with a sign
+    std::string joined;
+    if (StartsWithSign(text)) { // "-" and "5" are two tokens
+        joined = text;
+        joined += Next();
+        text = joined;
+    }
     if (kind_ == tkNumber) return ConvertInt(text);
     if (IsNameKind(kind_)) {
         std::int32_t value = StrToIntDef(ResolveConstant(text), kNotAnInteger);
-        if (value == kNotAnInteger) Error(text + " is not a valid integer value.");
+        if (value == kNotAnInteger) Error(std::string(text) + " is not a valid integer value.");
         return value;
     }
-    Error(text + " is not a valid integer value.");
+    Error(std::string(text) + " is not a valid integer value.");
 }
 
 double TIffCompiler::ReadFloat() {
-    std::string text = Next();
-    if (StartsWithSign(text)) text += Next();
+    std::string_view text = Next();
+    std::string joined;
+    if (StartsWithSign(text)) {
+        joined = text;
+        joined += Next();
+        text = joined;
+    }
     if (kind_ == tkNumber) {
         if (auto v = StrToFloat(text)) return *v;
     } else if (IsNameKind(kind_)) {
         if (auto v = StrToFloat(ResolveConstant(text))) return *v;
-        Error(text + ") is not a valid floating point value.");
+        Error(std::string(text) + ") is not a valid floating point value.");
     }
-    Error(text + " is not a valid floating point value.");
+    Error(std::string(text) + " is not a valid floating point value.");
 }
 
 } // namespace velkor

@@ -136,6 +136,10 @@ void TIffWriter::Discard() {
     if (std::filesystem::exists(fileName_, ec)) std::filesystem::remove(fileName_, ec);
 }
 
+void TIffWriter::Reserve(std::uint64_t bytes) {
+    if (mode_ == InMemory && stream_) static_cast<MemoryStream*>(stream_.get())->Reserve(bytes);
+}
+
 const std::vector<std::uint8_t>& TIffWriter::Bytes() const {
     static const std::vector<std::uint8_t> kEmpty;
     if (mode_ != InMemory || !stream_) return kEmpty;

@@ -68,6 +68,8 @@ public:
 
     // The bytes written so far (memory mode).
     const std::vector<std::uint8_t>& Bytes() const;
+    // Memory mode: room for about that many bytes, a hint that spares the copies of a growing buffer.
+    void Reserve(std::uint64_t bytes);
     const std::filesystem::path& FileName() const { return fileName_; }
     bool FormOpen() const { return !forms_.empty(); }
     bool ChunkOpen() const { return chunk_.has_value(); }

@@ -2,7 +2,9 @@
 
 #include "platform/exception.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <system_error>
 
@@ -23,24 +25,59 @@ std::string NormaliseLineBreaks(std::string_view text) {
 }
 
 namespace {
+// True when every line break of the text is a CR LF pair. memchr looks through the text in long strides,
+// from one CR to the next.
+bool OnlyCrLfBreaks(std::string_view text) {
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    while (p < end) {
+        const char* cr = static_cast<const char*>(std::memchr(p, '\r', static_cast<size_t>(end - p)));
+        const char* const stop = cr ? cr : end;
+        if (std::memchr(p, '\n', static_cast<size_t>(stop - p))) return false; // a LF without its CR
+        if (!cr) return true;
+        if (cr + 1 == end || cr[1] != '\n') return false; // a CR alone
+        p = cr + 2;
+    }
+    return true;
+}
+} // namespace
+
+void NormaliseLineBreaksInPlace(std::string& text) {
+    if (!OnlyCrLfBreaks(text)) text = NormaliseLineBreaks(text);
+}
+
+namespace {
 template <typename Container>
 Container ReadAll(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
     std::error_code ec;
     if (!in || std::filesystem::is_directory(path, ec))
         throw EInOutError("Cannot open file \"" + path.string() + "\"");
+    // Read straight into the container. One byte more than the file's size lets a file that keeps its size
+    // end in one read; one that grows meanwhile is read on in larger steps.
+    constexpr std::size_t kStep = std::size_t{1} << 16;
+    std::size_t want = kStep;
+    if (const auto size = std::filesystem::file_size(path, ec); !ec)
+        want = static_cast<std::size_t>(size) + 1;
     Container data;
-    if (const auto size = std::filesystem::file_size(path, ec); !ec) data.reserve(size);
-    char buf[65536];
-    while (in.read(buf, sizeof buf) || in.gcount() > 0)
-        data.insert(data.end(), buf, buf + in.gcount());
+    std::size_t got = 0;
+    for (;;) {
+        data.resize(got + want);
+        in.read(reinterpret_cast<char*>(data.data()) + got, static_cast<std::streamsize>(want));
+        got += static_cast<std::size_t>(in.gcount());
+        if (!in) break;
+        want = std::max(got, kStep);
+    }
     if (in.bad()) throw EInOutError("Cannot read file \"" + path.string() + "\"");
+    data.resize(got);
     return data;
 }
 } // namespace
 
 std::string LoadTextFile(const std::filesystem::path& path) {
-    return NormaliseLineBreaks(ReadAll<std::string>(path));
+    std::string text = ReadAll<std::string>(path);
+    NormaliseLineBreaksInPlace(text);
+    return text;
 }
 
 std::vector<std::uint8_t> ReadFileBytes(const std::filesystem::path& path) {

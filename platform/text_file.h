@@ -14,6 +14,9 @@ namespace velkor {
 
 // Every line break (CR LF, a lone LF or a lone CR) becomes CR LF; nothing else changes.
 std::string NormaliseLineBreaks(std::string_view text);
+// The same in place: a text whose breaks all are CR LF already, as the compiler's own output is, is left
+// as it is without being copied.
+void NormaliseLineBreaksInPlace(std::string& text);
 
 // The file's bytes with normalised line breaks. Throws EInOutError when the file cannot be read.
 std::string LoadTextFile(const std::filesystem::path& path);

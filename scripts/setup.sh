@@ -20,7 +20,7 @@ packages=(
     qt6-base-dev libgl-dev libqscintilla2-qt6-dev fonts-dejavu-core  # the IDE
     xvfb xauth                               # GUI tests under a real X server
     clang libclang-rt-14-dev                 # libFuzzer and sanitizer builds
-    libbenchmark-dev xxd                     # benchmarks
+    libbenchmark-dev xxd time                # benchmarks (time: peak memory in scripts/bench.py)
 )
 if ((bench)); then packages+=(python3 fp-compiler); fi
 missing=()

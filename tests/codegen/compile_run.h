@@ -48,7 +48,7 @@ struct CompileRun {
             if (m.find("] ERROR: ") != std::string::npos) errors.push_back(m);
         return errors;
     }
-    const StringList& Code() const { return compiler->Data().CodeList; }
+    StringList Code() const { return compiler->Data().CodeList.Lines(); }
     const StringList& Objects() const { return compiler->Data().Objects; }
     const StringList& Objectives() const { return compiler->Data().Objectives; }
     const TSymbol* Symbol(const std::string& name) const {

@@ -162,7 +162,8 @@ TEST(Objects, ForwardDeclarationsAndReferences) {
                  false, 3, true);
     EXPECT_TRUE(r.Has("[M, 2] #adding object forward declaration:Later"));
     EXPECT_EQ(r.Errors(), (StringList{"[M, 3] ERROR: object Never not implemented"}));
-    EXPECT_NE(std::find(r.Code().begin(), r.Code().end(), "  movc v8 Later;"), r.Code().end());
+    const StringList code = r.Code();
+    EXPECT_NE(std::find(code.begin(), code.end(), "  movc v8 Later;"), code.end());
     CompileRun twice(
         {"mission M;", "object A (A) x: 0; y: 0; z: 0; end;", "object A (A) x: 0; y: 0; z: 0; end;"});
     EXPECT_EQ(twice.failure, "identifier \"A\" redeclared");
@@ -201,7 +202,8 @@ TEST(Objectives, NumberedInDeclarationOrder) {
     ASSERT_TRUE(r.Symbol("second"));
     EXPECT_EQ(r.Symbol("second")->Kind, skNumber);
     EXPECT_EQ(r.Symbol("second")->Text, "1");
-    EXPECT_NE(std::find(r.Code().begin(), r.Code().end(), "  movc v8 1;"), r.Code().end());
+    const StringList code = r.Code();
+    EXPECT_NE(std::find(code.begin(), code.end(), "  movc v8 1;"), code.end());
 }
 
 TEST(Objectives, FieldsInTheirFixedOrder) {

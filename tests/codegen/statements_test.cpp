@@ -131,8 +131,9 @@ TEST(Statements, LabelsFromLine1000OnHaveFiveCharacters) {
     lines.push_back("end;");
     CompileRun r(lines);
     EXPECT_EQ(r.failure, "");
-    EXPECT_NE(std::find(r.Code().begin(), r.Code().end(), "  label \"1234w\";"), r.Code().end());
-    EXPECT_NE(std::find(r.Code().begin(), r.Code().end(), "  label \"1234e\";"), r.Code().end());
+    const StringList code = r.Code();
+    EXPECT_NE(std::find(code.begin(), code.end(), "  label \"1234w\";"), code.end());
+    EXPECT_NE(std::find(code.begin(), code.end(), "  label \"1234e\";"), code.end());
 }
 
 TEST(Statements, BreakJumpsToTheInnermostLoopsEnd) {

@@ -178,7 +178,7 @@ TEST(StringFiles, MissingStringInAnExpressionRecoversAtTheSemicolon) {
     ASSERT_GE(error, 0) << r.All();
     EXPECT_EQ(r.messages.at(static_cast<size_t>(error) + 2), "[M, 6] recovering from error...");
     EXPECT_EQ(r.compiler->ErrorCount, 1) << r.All();
-    const StringList& code = r.compiler->Data().CodeList;
+    const StringList code = r.compiler->Data().CodeList.Lines();
     EXPECT_NE(std::find(code.begin(), code.end(), "  movc v8 1;"), code.end());
 }
 

@@ -1,0 +1,66 @@
+// The instruction listing of a unit. A large mission has close to a million lines: one string per line would
+// cost as many allocations and twice the memory, and one growing buffer would be copied again and again as
+// it grows. The characters go into blocks of a megabyte that never move, and the lines are views into them.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velkor {
+
+class TListing {
+public:
+    using const_iterator = std::deque<std::string_view>::const_iterator;
+
+    TListing() = default;
+    TListing(std::initializer_list<std::string_view> lines);
+    explicit TListing(const std::vector<std::string>& lines);
+    TListing(const TListing& other);
+    TListing& operator=(const TListing& other);
+    // Blocks keep their addresses when the listing moves, so the lines stay valid.
+    TListing(TListing&&) noexcept = default;
+    TListing& operator=(TListing&&) noexcept = default;
+    ~TListing() = default;
+
+    std::size_t size() const { return lines_.size(); }
+    bool empty() const { return lines_.empty(); }
+    std::string_view operator[](std::size_t index) const { return lines_[index]; }
+    const_iterator begin() const { return lines_.begin(); }
+    const_iterator end() const { return lines_.end(); }
+    // The characters of all lines together: what a writer of the listing has to reserve.
+    std::size_t TextSize() const { return textSize_; }
+
+    void push_back(std::string_view line);
+    // Appends one line made of an indentation and a text, without joining them first.
+    void push_back(std::string_view indent, std::string_view text);
+    // Inserts lines before the line at `index` (at the end when past it).
+    void insert(std::size_t index, const std::vector<std::string>& lines);
+    void Append(const TListing& other);
+    void clear();
+
+    std::vector<std::string> Lines() const;
+
+    friend bool operator==(const TListing& a, const TListing& b) { return a.lines_ == b.lines_; }
+
+private:
+    struct Block {
+        std::unique_ptr<char[]> chars; // never reallocated: lines point into it
+        std::size_t used = 0;          // characters taken
+        std::size_t capacity = 0;      // characters it holds
+    };
+    static constexpr std::size_t kBlockSize = std::size_t{1} << 20;
+
+    // Room for n more characters of one line, in the last block or a new one.
+    char* Take(std::size_t n);
+
+    std::vector<Block> blocks_;          // the characters of every line
+    std::deque<std::string_view> lines_; // the lines in order, each within one block
+    std::size_t textSize_ = 0;           // characters of all lines
+};
+
+} // namespace velkor
