@@ -7,9 +7,9 @@
 namespace velkor::cli {
 
 // Exit statuses of every command.
-inline constexpr int kExitOk = 0;          // no error reported
-inline constexpr int kExitReported = 1;    // the compiler or the assembler reported an error
-inline constexpr int kExitUsage = 2;       // usage or input/output error
+inline constexpr int kExitOk = 0;       // no error reported
+inline constexpr int kExitReported = 1; // the compiler or the assembler reported an error
+inline constexpr int kExitUsage = 2;    // usage or input/output error
 
 struct Options {
     std::string command;                  // compile, build, asm, decode, tokens, symbols

@@ -28,8 +28,10 @@ std::string Escape(const std::string& text) {
 int RunTokens(const Options& options) {
     std::string text = LoadTextFile(options.files.front());
     std::unique_ptr<TScanner> scanner;
-    if (options.fastScanner) scanner = std::make_unique<TFastScanner>();
-    else scanner = std::make_unique<TScanner>();
+    if (options.fastScanner)
+        scanner = std::make_unique<TFastScanner>();
+    else
+        scanner = std::make_unique<TScanner>();
     scanner->LineMarkers = !options.noLineMarkers;
     scanner->SetText(std::move(text));
 

@@ -17,7 +17,8 @@ constexpr const char* kToolHelp =
     "Usage: velkorc COMMAND [OPTIONS] ARGS\n"
     "\n"
     "Commands:\n"
-    "  compile [OPTIONS] UNIT      Compile, Finish, Link; the linked textual IFF goes to stdout (or -o FILE)\n"
+    "  compile [OPTIONS] UNIT      Compile, Finish, Link; the linked textual IFF goes to stdout (or -o "
+    "FILE)\n"
     "  build   [OPTIONS] UNIT      compile, then assemble the linked text into the binary files it names\n"
     "  asm     [OPTIONS] TEXT      assemble a textual-IFF file into the binary files it names\n"
     "  decode  [OPTIONS] FILE...   decode binary IFF files into FILE + \".pas\" (or -o OUT for one file)\n"
@@ -175,4 +176,6 @@ int Main(int argc, char** argv) {
 
 } // namespace velkor::cli
 
-int main(int argc, char** argv) { return velkor::cli::Main(argc, argv); }
+int main(int argc, char** argv) {
+    return velkor::cli::Main(argc, argv);
+}

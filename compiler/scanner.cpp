@@ -13,11 +13,11 @@ namespace velkor {
 namespace {
 
 constexpr std::array<ScannerKeyword, 21> kKeywords{{
-    {"and", tkAnd},         {"or", tkOr},           {"unit", tkUnit},           {"include", tkInclude},
-    {"var", tkVar},         {"const", tkConst},     {"function", tkFunction},   {"wcp", tkWcp},
-    {"object", tkObject},   {"forward", tkForward}, {"objective", tkObjective}, {"mission", tkMission},
-    {"sector", tkSector},   {"series", tkSeries},   {"external", tkExternal},   {"static", tkStatic},
-    {"iff", tkIff},         {"project", tkProject}, {"property", tkProperty},   {"begin", tkBegin},
+    {"and", tkAnd},       {"or", tkOr},           {"unit", tkUnit},           {"include", tkInclude},
+    {"var", tkVar},       {"const", tkConst},     {"function", tkFunction},   {"wcp", tkWcp},
+    {"object", tkObject}, {"forward", tkForward}, {"objective", tkObjective}, {"mission", tkMission},
+    {"sector", tkSector}, {"series", tkSeries},   {"external", tkExternal},   {"static", tkStatic},
+    {"iff", tkIff},       {"project", tkProject}, {"property", tkProperty},   {"begin", tkBegin},
     {"end", tkEnd},
 }};
 
@@ -95,7 +95,9 @@ std::atomic<ScannerClass> gScannerClass{ScannerClass::Standard};
 
 } // namespace
 
-std::span<const ScannerKeyword> ScannerKeywords() { return kKeywords; }
+std::span<const ScannerKeyword> ScannerKeywords() {
+    return kKeywords;
+}
 
 void TScanner::SetText(std::string text) {
     text_ = std::move(text);
@@ -140,7 +142,8 @@ void TScanner::Rewrite() {
         text_ = std::move(out);
     }
 
-    for (size_t i = text_.find('/'); i != std::string::npos && i + 1 < text_.size(); i = text_.find('/', i + 1)) {
+    for (size_t i = text_.find('/'); i != std::string::npos && i + 1 < text_.size();
+         i = text_.find('/', i + 1)) {
         if (text_[i + 1] == '/') {
             size_t j = i;
             while (j < text_.size() && text_[j] != '\r') text_[j++] = ' ';
@@ -333,8 +336,12 @@ void TFastScanner::SkipBlanks() {
     line_ = line;
 }
 
-void SetScannerClass(ScannerClass cls) { gScannerClass.store(cls); }
-ScannerClass GetScannerClass() { return gScannerClass.load(); }
+void SetScannerClass(ScannerClass cls) {
+    gScannerClass.store(cls);
+}
+ScannerClass GetScannerClass() {
+    return gScannerClass.load();
+}
 
 std::unique_ptr<TScanner> CreateScanner() {
     if (GetScannerClass() == ScannerClass::Fast) return std::make_unique<TFastScanner>();

@@ -101,11 +101,11 @@ protected:
     char At(size_t p) const { return text_[p - 1]; } // 1-based, as positions are
     void ForgetPeek() { peeked_.from = 0; }          // the text changed under the kept peek
 
-    std::string text_;          // the source text (TScanner: rewritten)
-    size_t pos_ = 1;            // 1-based index of the next character
-    std::int32_t line_ = 1;     // current line
+    std::string text_;                     // the source text (TScanner: rewritten)
+    size_t pos_ = 1;                       // 1-based index of the next character
+    std::int32_t line_ = 1;                // current line
     std::int32_t tokenKind_ = tkEndOfText; // kind of the last token read or peeked
-    size_t markerEnd_ = 0;      // position just behind the last line marker read
+    size_t markerEnd_ = 0;                 // position just behind the last line marker read
 
 private:
     // The parsers peek at nearly every token before they read it. The last peek is kept, so that a peek or

@@ -110,7 +110,7 @@ private:
     std::vector<TSymbol> symbols_; // in declaration order
     std::vector<IndexSlot> index_; // a power of two in size, at most half full; empty before any record
     std::size_t indexed_ = 0;      // names in the index
-    std::unordered_map<std::int32_t, int> kindCounts_;        // records per kind
+    std::unordered_map<std::int32_t, int> kindCounts_; // records per kind
     int firstLocal_ = -1; // position of the first function-local record, -1 when none: RemoveLocals only
                           // touches the table from there, so a unit's compile stays linear
 };

@@ -37,8 +37,10 @@ void DecodeIffFile(const std::string& input, const std::string& output, std::int
         const std::lock_guard<std::mutex> guard(DecodeLock());
         decode = Override();
     }
-    if (decode) decode(input, output, limit);
-    else RealDecode(input, output, limit);
+    if (decode)
+        decode(input, output, limit);
+    else
+        RealDecode(input, output, limit);
 }
 
 std::vector<TSpecialDecoderState> SpecialDecoders() {

@@ -180,7 +180,8 @@ void TfrmMain::ConnectMenus() {
     });
     on("MenuCompileBuildIff", [this] {
         TfrmEdit* page = ActivePage();
-        BuildIffFromView(*this, page ? std::filesystem::path(page->FileName()).parent_path() : std::filesystem::path());
+        BuildIffFromView(*this, page ? std::filesystem::path(page->FileName()).parent_path()
+                                     : std::filesystem::path());
     });
 
     on("MenuExtLoad", &TfrmMain::LoadExtensionDialog);

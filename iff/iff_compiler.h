@@ -111,20 +111,20 @@ private:
     std::uint32_t ReadOperand(int kind);
     void EmitWord(std::uint32_t word);
 
-    std::string inputName_;                                    // the input file name as given
-    std::filesystem::path inputPath_;                          // the input file as found on disk
-    std::string inputText_;                                    // the text when assembling from memory
-    bool fromMemory_ = false;                                  // true when SetInputText gave the text
-    std::filesystem::path baseFolder_;                         // where relative FILE names are looked up
-    std::string outputName_;                                   // the output file of the block being assembled
-    std::unique_ptr<TIffWriter> writer_;                       // the writer of the block being assembled
-    std::unique_ptr<TScanner> scanner_;                        // the token reader of the run
-    TNameTable constants_;                                     // constant values by name checksum
-    TNameTable types_;                                         // type aliases by name checksum
-    std::int32_t kind_ = 0;                                    // kind of the last token read or peeked
-    bool handingOver_ = false;                                 // true while OnBinaryOutput runs
-    std::vector<std::uint8_t> pending_;                        // items of the value being assembled
-    std::vector<std::uint8_t> code_;                           // the function record being assembled
+    std::string inputName_;              // the input file name as given
+    std::filesystem::path inputPath_;    // the input file as found on disk
+    std::string inputText_;              // the text when assembling from memory
+    bool fromMemory_ = false;            // true when SetInputText gave the text
+    std::filesystem::path baseFolder_;   // where relative FILE names are looked up
+    std::string outputName_;             // the output file of the block being assembled
+    std::unique_ptr<TIffWriter> writer_; // the writer of the block being assembled
+    std::unique_ptr<TScanner> scanner_;  // the token reader of the run
+    TNameTable constants_;               // constant values by name checksum
+    TNameTable types_;                   // type aliases by name checksum
+    std::int32_t kind_ = 0;              // kind of the last token read or peeked
+    bool handingOver_ = false;           // true while OnBinaryOutput runs
+    std::vector<std::uint8_t> pending_;  // items of the value being assembled
+    std::vector<std::uint8_t> code_;     // the function record being assembled
 };
 
 } // namespace velkor

@@ -113,7 +113,8 @@ private:
             const auto here = static_cast<std::size_t>(at);
             const std::int64_t size = BigEndian(bytes_, here + 4);
             const std::string_view type = Chars(bytes_, here + 8, 4);
-            if (Chars(bytes_, here, 4) != "FORM" || size < 4 || size > total - at - 8 || !IsWritableId(type)) break;
+            if (Chars(bytes_, here, 4) != "FORM" || size < 4 || size > total - at - 8 || !IsWritableId(type))
+                break;
             OpenForm(std::string(type), at + 8 + size);
             pos_ = at + 12;
             Items();

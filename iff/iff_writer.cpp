@@ -13,8 +13,8 @@ namespace velkor {
 
 namespace {
 std::array<std::uint8_t, 4> LittleEndian(std::uint32_t v) {
-    return {static_cast<std::uint8_t>(v), static_cast<std::uint8_t>(v >> 8), static_cast<std::uint8_t>(v >> 16),
-            static_cast<std::uint8_t>(v >> 24)};
+    return {static_cast<std::uint8_t>(v), static_cast<std::uint8_t>(v >> 8),
+            static_cast<std::uint8_t>(v >> 16), static_cast<std::uint8_t>(v >> 24)};
 }
 } // namespace
 
@@ -28,11 +28,17 @@ void TBasicWriter::WriteCompressed(std::span<const std::uint8_t> bytes) {
     Write(std::span(out.data(), capacity));
 }
 
-void TBasicWriter::WriteLong(std::int32_t value) { Write(LittleEndian(static_cast<std::uint32_t>(value))); }
+void TBasicWriter::WriteLong(std::int32_t value) {
+    Write(LittleEndian(static_cast<std::uint32_t>(value)));
+}
 
-void TBasicWriter::WriteFloat(float value) { Write(LittleEndian(std::bit_cast<std::uint32_t>(value))); }
+void TBasicWriter::WriteFloat(float value) {
+    Write(LittleEndian(std::bit_cast<std::uint32_t>(value)));
+}
 
-void TBasicWriter::WriteCrc(std::string_view text) { Write(LittleEndian(NameHash(text))); }
+void TBasicWriter::WriteCrc(std::string_view text) {
+    Write(LittleEndian(NameHash(text)));
+}
 
 void TBasicWriter::WriteCString(std::string_view text) {
     Write(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
@@ -40,9 +46,12 @@ void TBasicWriter::WriteCString(std::string_view text) {
     Write(std::span(&zero, 1));
 }
 
-TIffWriter::TIffWriter(std::filesystem::path fileName, Mode mode) : fileName_(std::move(fileName)), mode_(mode) {
-    if (mode_ == ToFile) stream_ = std::make_unique<FileStream>(fileName_);
-    else stream_ = std::make_unique<MemoryStream>();
+TIffWriter::TIffWriter(std::filesystem::path fileName, Mode mode)
+    : fileName_(std::move(fileName)), mode_(mode) {
+    if (mode_ == ToFile)
+        stream_ = std::make_unique<FileStream>(fileName_);
+    else
+        stream_ = std::make_unique<MemoryStream>();
 }
 
 void TIffWriter::WriteId(std::string_view id) {
@@ -62,7 +71,8 @@ std::uint64_t TIffWriter::OpenForm(std::string_view id) {
 }
 
 std::uint64_t TIffWriter::OpenChunk(std::string_view id) {
-    if (forms_.empty()) throw EIffWriter("TIffWriter.OpenChunk (" + std::string(id) + "): Chunk outside form!");
+    if (forms_.empty())
+        throw EIffWriter("TIffWriter.OpenChunk (" + std::string(id) + "): Chunk outside form!");
     if (chunk_) throw EIffWriter("TIffWriter.OpenChunk (" + std::string(id) + "): Chunk inside chunk!");
     const std::uint64_t header = stream_->Position();
     WriteId(id);

@@ -37,7 +37,7 @@ public:
     void WriteCompressed(std::span<const std::uint8_t> bytes);
     void WriteLong(std::int32_t value);
     void WriteFloat(float value);
-    void WriteCrc(std::string_view text);    // the name checksum of the text
+    void WriteCrc(std::string_view text);     // the name checksum of the text
     void WriteCString(std::string_view text); // the bytes and one zero byte
 
 protected:
@@ -77,9 +77,9 @@ public:
 
 private:
     struct Record {
-        std::string id;             // the chunk id or form type
-        std::uint64_t header = 0;   // stream position of the item's header
-        std::uint64_t size = 0;     // bytes counted so far (a form starts with its 4-byte type)
+        std::string id;           // the chunk id or form type
+        std::uint64_t header = 0; // stream position of the item's header
+        std::uint64_t size = 0;   // bytes counted so far (a form starts with its 4-byte type)
     };
     void AddToForms(std::uint64_t n);
     void PatchSize(std::uint64_t header, std::uint64_t size);

@@ -8,7 +8,9 @@
 namespace velkor {
 
 namespace {
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 // The value of every hexadecimal digit, 0xFF for any other character. One look-up instead of range tests:
 // on hexadecimal data, which mixes digits and letters at random, the tests mispredicted half the time.
@@ -92,7 +94,8 @@ std::optional<double> StrToFloat(std::string_view text) {
     auto [ptr, ec] = std::from_chars(body.data(), body.data() + body.size(), value);
     if (ec == std::errc::result_out_of_range) {
         // Underflow reads as zero, overflow is refused, as a conversion to a finite number would be.
-        bool expNegative = body.find("e-") != std::string_view::npos || body.find("E-") != std::string_view::npos;
+        bool expNegative =
+            body.find("e-") != std::string_view::npos || body.find("E-") != std::string_view::npos;
         if (!expNegative) return std::nullopt;
         return body[0] == '-' ? -0.0 : 0.0;
     }
@@ -102,18 +105,20 @@ std::optional<double> StrToFloat(std::string_view text) {
 
 namespace {
 struct PatternSection {
-    int minInt = 0;     // '0' digits before the point
+    int minInt = 0; // '0' digits before the point
     bool grouping = false;
-    int minFrac = 0;    // '0' digits after the point
-    int maxFrac = 0;    // '0' and '#' digits after the point
+    int minFrac = 0; // '0' digits after the point
+    int maxFrac = 0; // '0' and '#' digits after the point
 };
 
 PatternSection ParsePattern(std::string_view pattern) {
     PatternSection p;
     bool afterPoint = false;
     for (char c : pattern) {
-        if (c == '.') afterPoint = true;
-        else if (c == ',' && !afterPoint) p.grouping = true;
+        if (c == '.')
+            afterPoint = true;
+        else if (c == ',' && !afterPoint)
+            p.grouping = true;
         else if (c == '0') {
             if (afterPoint) {
                 ++p.minFrac;
@@ -204,7 +209,9 @@ std::string FormatFloat(std::string_view pattern, double value) {
     return out;
 }
 
-std::string FormatThousands(std::int64_t value) { return FormatFloat("#,##0", static_cast<double>(value)); }
+std::string FormatThousands(std::int64_t value) {
+    return FormatFloat("#,##0", static_cast<double>(value));
+}
 
 std::string IntToHex(std::uint32_t value, int digits) {
     static const char kHex[] = "0123456789ABCDEF";

@@ -17,7 +17,8 @@ std::filesystem::path ToNativePath(std::string_view path);
 
 // The existing file or folder the path names, relative paths taken from `base` (the current folder when
 // empty): exact match first, else a case-insensitive match per component. Nothing when none exists.
-std::optional<std::filesystem::path> FindExisting(std::string_view path, const std::filesystem::path& base = {});
+std::optional<std::filesystem::path> FindExisting(std::string_view path,
+                                                  const std::filesystem::path& base = {});
 
 // As FindExisting, but for a path that need not exist (an output file): the longest existing prefix is
 // matched as above and the rest is kept as written.

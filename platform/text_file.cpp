@@ -14,7 +14,8 @@ std::string NormaliseLineBreaks(std::string_view text) {
     std::string out;
     out.reserve(text.size() + text.size() / 32);
     size_t copied = 0;
-    for (size_t i = text.find_first_of("\r\n"); i != std::string_view::npos; i = text.find_first_of("\r\n", i)) {
+    for (size_t i = text.find_first_of("\r\n"); i != std::string_view::npos;
+         i = text.find_first_of("\r\n", i)) {
         out.append(text, copied, i - copied);
         out += "\r\n";
         i += (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ? 2 : 1;

@@ -79,7 +79,8 @@ TEST(CompilerSpine, RecoveryTerminatesOnTextsThatEndBadly) {
 
 // Pascal-style blocks: a list goes on past its ";" while a plain name follows.
 TEST(Declarations, ListsGoOnWhileANameFollows) {
-    CompileRun r("unit U;\r\nvar a;\r\n  b = 2;\r\nconst c = 1;\r\n  d = 2;\r\nvar e, f;\r\nenum G;\r\n", false);
+    CompileRun r("unit U;\r\nvar a;\r\n  b = 2;\r\nconst c = 1;\r\n  d = 2;\r\nvar e, f;\r\nenum G;\r\n",
+                 false);
     EXPECT_EQ(r.compiler->ErrorCount, 0) << r.All();
     EXPECT_TRUE(r.Symbol("a") && r.Symbol("b") && r.Symbol("c") && r.Symbol("d") && r.Symbol("e") &&
                 r.Symbol("f") && r.Symbol("G"));

@@ -52,15 +52,13 @@ TEST(Scanner, EmptyTextAndCommentsOnlyAreEndOfText) {
 TEST(Scanner, TokenClassesAndKeywordsKeepTheirSpelling) {
     auto toks = ScanStandard("Mission m; MISSION x:=-1 $1F %1010 2.5E+3 1e5 (a,b) [.] {} \"s t\" # ?!x\r\n");
     std::vector<Tok> want = {
-        {1, tkMission, "Mission"}, {1, tkIdentifier, "m"}, {1, tkSemicolon, ";"},
-        {1, tkMission, "MISSION"}, {1, tkIdentifier, "x"}, {1, tkOperator, ":=-"},
-        {1, tkNumber, "1"},        {1, tkNumber, "$1F"},   {1, tkNumber, "%1010"},
-        {1, tkNumber, "2.5E+3"},   {1, tkNumber, "1e5"},   {1, tkOpenParen, "("},
-        {1, tkIdentifier, "a"},    {1, tkComma, ","},      {1, tkIdentifier, "b"},
-        {1, tkCloseParen, ")"},    {1, tkDelimiter, "["},  {1, tkDelimiter, "."},
-        {1, tkDelimiter, "]"},     {1, tkDelimiter, "{"},  {1, tkDelimiter, "}"},
-        {1, tkString, "s t"},      {1, tkOther, "#"},      {1, tkOther, "?"},
-        {1, tkOperator, "!"},      {1, tkIdentifier, "x"}, {2, tkEndOfText, ""},
+        {1, tkMission, "Mission"}, {1, tkIdentifier, "m"},  {1, tkSemicolon, ";"},  {1, tkMission, "MISSION"},
+        {1, tkIdentifier, "x"},    {1, tkOperator, ":=-"},  {1, tkNumber, "1"},     {1, tkNumber, "$1F"},
+        {1, tkNumber, "%1010"},    {1, tkNumber, "2.5E+3"}, {1, tkNumber, "1e5"},   {1, tkOpenParen, "("},
+        {1, tkIdentifier, "a"},    {1, tkComma, ","},       {1, tkIdentifier, "b"}, {1, tkCloseParen, ")"},
+        {1, tkDelimiter, "["},     {1, tkDelimiter, "."},   {1, tkDelimiter, "]"},  {1, tkDelimiter, "{"},
+        {1, tkDelimiter, "}"},     {1, tkString, "s t"},    {1, tkOther, "#"},      {1, tkOther, "?"},
+        {1, tkOperator, "!"},      {1, tkIdentifier, "x"},  {2, tkEndOfText, ""},
     };
     EXPECT_EQ(toks, want);
 }
@@ -77,8 +75,8 @@ TEST(Scanner, EveryKeywordHasItsKind) {
 TEST(Scanner, LastCharacterNeverExtendsAToken) {
     // The unit's final identifier loses its last character to a token of its own.
     auto std1 = ScanStandard("unit abc");
-    std::vector<Tok> want = {{1, tkUnit, "unit"}, {1, tkIdentifier, "ab"}, {1, tkIdentifier, "c"},
-                             {1, tkEndOfText, ""}};
+    std::vector<Tok> want = {
+        {1, tkUnit, "unit"}, {1, tkIdentifier, "ab"}, {1, tkIdentifier, "c"}, {1, tkEndOfText, ""}};
     EXPECT_EQ(std1, want);
     EXPECT_EQ(ScanFast("unit abc"), want);
     // A one-character token at the end is unaffected.
@@ -92,8 +90,8 @@ TEST(Scanner, LastCharacterNeverExtendsAToken) {
 
 TEST(Scanner, LineMarkersGiveLineNumbers) {
     auto toks = ScanStandard("a\r\nb\r\n\r\nc\r\n");
-    std::vector<Tok> want = {{1, tkIdentifier, "a"}, {2, tkIdentifier, "b"}, {4, tkIdentifier, "c"},
-                             {5, tkEndOfText, ""}};
+    std::vector<Tok> want = {
+        {1, tkIdentifier, "a"}, {2, tkIdentifier, "b"}, {4, tkIdentifier, "c"}, {5, tkEndOfText, ""}};
     EXPECT_EQ(toks, want);
     EXPECT_EQ(ScanFast("a\r\nb\r\n\r\nc\r\n"), want);
     // Without markers TScanner stays on line 1.
@@ -155,7 +153,8 @@ TEST(Scanner, StreamTextEndsInNul) {
 
 TEST(Scanner, PeekRestoresPositionAndLineButNotKind) {
     for (bool fast : {false, true}) {
-        std::unique_ptr<TScanner> s = fast ? std::unique_ptr<TScanner>(new TFastScanner) : std::make_unique<TScanner>();
+        std::unique_ptr<TScanner> s =
+            fast ? std::unique_ptr<TScanner>(new TFastScanner) : std::make_unique<TScanner>();
         s->LineMarkers = true;
         s->SetText("a;\r\n42 x");
         EXPECT_EQ(s->NextToken(), "a");

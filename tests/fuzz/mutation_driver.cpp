@@ -25,8 +25,8 @@ Bytes ReadAll(const std::filesystem::path& p) {
 
 void Mutate(Bytes& data, const std::vector<Bytes>& seeds, std::mt19937_64& rng) {
     auto pick = [&](std::size_t n) { return n == 0 ? 0 : static_cast<std::size_t>(rng() % n); };
-    static const std::uint8_t kInteresting[] = {0, 1, 0x7F, 0x80, 0xFF, '"', '{', '}', ';', '/', '*', '\r', '\n',
-                                                '#', '$', '%', '-', '[', ']', ',', ' '};
+    static const std::uint8_t kInteresting[] = {0,    1,    0x7F, 0x80, 0xFF, '"', '{', '}', ';', '/', '*',
+                                                '\r', '\n', '#',  '$',  '%',  '-', '[', ']', ',', ' '};
     int rounds = 1 + static_cast<int>(rng() % 4);
     for (int r = 0; r < rounds; ++r) {
         switch (rng() % 7) {
@@ -84,8 +84,10 @@ int main(int argc, char** argv) {
     std::vector<std::filesystem::path> inputs;
     for (int i = 1; i < argc; ++i) {
         std::string a = argv[i];
-        if (a == "--seconds" && i + 1 < argc) seconds = std::atof(argv[++i]);
-        else inputs.emplace_back(a);
+        if (a == "--seconds" && i + 1 < argc)
+            seconds = std::atof(argv[++i]);
+        else
+            inputs.emplace_back(a);
     }
     std::vector<Bytes> seeds;
     for (const auto& in : inputs) {

@@ -137,9 +137,7 @@ TEST(IffReaderScan, FailuresNameTheSourceAndOffset) {
         "TIffReader: x.iffnot a valid .iff file!");
     // An item in the last 8 bytes of the outermost form's span has no form above to go to.
     ExpectError<EIffReader>(
-        [] {
-            TIffReader r = TIffReader::FromCopy(Cat({Form("ONE_", {Chunk("EMPT", {})})}), "end.iff");
-        },
+        [] { TIffReader r = TIffReader::FromCopy(Cat({Form("ONE_", {Chunk("EMPT", {})})}), "end.iff"); },
         "TIffReader: end.iff, error at offset 0000000C!");
     ExpectError<EIffReader_ErrorInForm>([] { TIffReader r = TIffReader::FromCopy(Str("FORM")); },
                                         "EIffReader_ErrorInForm: Error in Form \"\" at offset 0");
@@ -160,7 +158,8 @@ TEST(IffReaderScan, FailuresNameTheSourceAndOffset) {
 TEST(IffReaderScan, OnlyTheFirstTopLevelItemIsIndexed) {
     // A linked mission file: the game's form, then the editor form as a second top-level form.
     TIffReader r = TIffReader::FromCopy(
-        Cat({Form("MISN", {Chunk("VERS", Str("abcd"))}), Form("EDTR", {Chunk("CRCS", Str("xy"))})}), "two.iff");
+        Cat({Form("MISN", {Chunk("VERS", Str("abcd"))}), Form("EDTR", {Chunk("CRCS", Str("xy"))})}),
+        "two.iff");
     EXPECT_EQ(r.Root().ID, "MISN");
     ASSERT_EQ(r.Root().Chunks.size(), 1u);
     EXPECT_TRUE(r.Root().Forms.empty());

@@ -12,7 +12,9 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-Bytes B(std::string_view s) { return Bytes(s.begin(), s.end()); }
+Bytes B(std::string_view s) {
+    return Bytes(s.begin(), s.end());
+}
 
 Bytes Span(std::initializer_list<int> v) {
     Bytes b;
@@ -58,12 +60,12 @@ TEST(IffWriter, NestedSizesCountEveryHeaderAndPad) {
     const Bytes& b = w.Bytes();
     auto be = [&](size_t at) { return (b[at] << 24) | (b[at + 1] << 16) | (b[at + 2] << 8) | b[at + 3]; };
     ASSERT_EQ(b.size(), 12u + 12 + 12 + 12 + 12);
-    EXPECT_EQ(be(4), 4 + 12 + 12 + 12 + 12);  // OUTR: type, EMPT, INNR header, two chunks
-    EXPECT_EQ(be(16), 4);                     // EMPT
-    EXPECT_EQ(be(28), 4 + 12 + 12);           // INNR
-    EXPECT_EQ(be(40), 4);                     // ONE_
+    EXPECT_EQ(be(4), 4 + 12 + 12 + 12 + 12); // OUTR: type, EMPT, INNR header, two chunks
+    EXPECT_EQ(be(16), 4);                    // EMPT
+    EXPECT_EQ(be(28), 4 + 12 + 12);          // INNR
+    EXPECT_EQ(be(40), 4);                    // ONE_
     EXPECT_EQ(Bytes(b.begin() + 44, b.begin() + 48), Span({4, 3, 2, 1}));
-    EXPECT_EQ(be(52), 3);                     // TWO_ keeps its true length
+    EXPECT_EQ(be(52), 3); // TWO_ keeps its true length
     EXPECT_EQ(Bytes(b.begin() + 56, b.end()), Span({'a', 'b', 0, 0}));
 }
 

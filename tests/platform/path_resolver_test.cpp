@@ -34,7 +34,8 @@ TEST_F(PathResolverTest, MatchesEachComponentWithoutCase) {
 TEST_F(PathResolverTest, OutputPathsKeepTheMissingRestAsWritten) {
     EXPECT_EQ(ResolvePath("missions\\New.mis", dir.path()), dir.path() / "Missions" / "New.mis");
     EXPECT_EQ(ResolvePath("out\\sub\\a.iff", dir.path()), dir.path() / "out" / "sub" / "a.iff");
-    EXPECT_EQ(ResolvePath("missions\\lib\\COMMON.PAS", dir.path()), dir.path() / "Missions" / "Lib" / "Common.PAS");
+    EXPECT_EQ(ResolvePath("missions\\lib\\COMMON.PAS", dir.path()),
+              dir.path() / "Missions" / "Lib" / "Common.PAS");
 }
 
 TEST_F(PathResolverTest, DriveLettersMapIntoTheWinePrefix) {
@@ -43,10 +44,13 @@ TEST_F(PathResolverTest, DriveLettersMapIntoTheWinePrefix) {
     const char* old = std::getenv("WINEPREFIX");
     std::string saved = old ? old : "";
     setenv("WINEPREFIX", (dir.path() / "prefix").c_str(), 1);
-    EXPECT_EQ(FindExisting("C:\\games\\so\\E.SEC"), dir.path() / "prefix" / "drive_c" / "Games" / "SO" / "e.sec");
+    EXPECT_EQ(FindExisting("C:\\games\\so\\E.SEC"),
+              dir.path() / "prefix" / "drive_c" / "Games" / "SO" / "e.sec");
     EXPECT_EQ(FindExisting("D:\\games"), std::nullopt);
-    if (old) setenv("WINEPREFIX", saved.c_str(), 1);
-    else unsetenv("WINEPREFIX");
+    if (old)
+        setenv("WINEPREFIX", saved.c_str(), 1);
+    else
+        unsetenv("WINEPREFIX");
 }
 
 TEST(PathNames, FolderAndAbsoluteTests) {

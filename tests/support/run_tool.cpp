@@ -74,7 +74,9 @@ TempDir::~TempDir() {
     std::filesystem::remove_all(path_, ec);
 }
 
-std::string ReadFile(const std::filesystem::path& path) { return Slurp(path); }
+std::string ReadFile(const std::filesystem::path& path) {
+    return Slurp(path);
+}
 
 void WriteFile(const std::filesystem::path& path, const std::string& bytes) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
