@@ -22,9 +22,6 @@ import sys
 import tempfile
 import time
 
-GAME_CALLS = ["Distance", "OrderAttack", "WaitSeconds", "IsAlive", "SetObjective", "ShowTextFrom"]
-
-
 class Twin:
     """Writes the mission and its Free Pascal twin line by line, so both have the same shape and size."""
 
@@ -35,6 +32,9 @@ class Twin:
     def both(self, mission_line, pascal_line):
         self.mis.append(mission_line)
         self.pas.append(pascal_line)
+
+    def same(self, line):
+        self.both(line, line)
 
     def __len__(self):
         return len(self.mis)
@@ -55,11 +55,11 @@ def generate_sources(lines, seed=7):
     w.both("", "type TGoal = record hidden, kind, text, status, counter: longint; end;")
 
     globals_ = [f"g{i}" for i in range(150)]
-    w.both("var", "var")
+    w.same("var")
     for g in globals_:
         v = rnd.randrange(100)
         w.both(f"  {g} = {v};", f"  {g}: longint = {v};")
-    w.both("", "")
+    w.same("")
 
     n_objects = max(10, lines // 250)
     objects = [f"Obj{i}" for i in range(n_objects)]
@@ -69,24 +69,24 @@ def generate_sources(lines, seed=7):
         x, y, z = rnd.randrange(-50000, 50000), rnd.randrange(-5000, 5000), rnd.randrange(0, 90000)
         w.both(f"object {name} ({name}) AS {kind}", f"const {name} = {i}; {name}_data: TObj = (")
         w.both('  OBJ: "fighter";', f"  kind: {i % len(kinds)};")
-        w.both(f"  x: {x}; y: {y}; z: {z};", f"  x: {x}; y: {y}; z: {z};")
+        w.same(f"  x: {x}; y: {y}; z: {z};")
         if kind == "NAVPOINT":
             w.both(f"  NAVDATA: {i}, 2000;", f"  pilot: {i}; team: 2000")
         else:
             w.both(f"  PILOT: {i % 30};", f"  pilot: {i % 30}; team: 2")
         w.both("end;", ");")
-    w.both("", "")
+    w.same("")
 
     n_goals = max(4, lines // 1600)
     for i in range(n_goals):
         w.both(f"objective Goal{i}", f"const Goal{i} = {i}; Goal{i}_data: TGoal = (")
-        w.both(f"  hidden: {i % 2};", f"  hidden: {i % 2};")
+        w.same(f"  hidden: {i % 2};")
         w.both(f"  type: {i % 4};", f"  kind: {i % 4};")
-        w.both(f"  text: {i};", f"  text: {i};")
-        w.both("  status: ObjStatusOpen;", "  status: ObjStatusOpen;")
+        w.same(f"  text: {i};")
+        w.same("  status: ObjStatusOpen;")
         w.both("  counter: 0;", "  counter: 0")
         w.both("end;", ");")
-    w.both("", "")
+    w.same("")
 
     def expr(depth, names):
         r = rnd.random()
@@ -151,30 +151,30 @@ def generate_sources(lines, seed=7):
                 g = rnd.choice(globals_)
                 k = rnd.randrange(1, 9)
                 w.both(f"  if ({m}) then", f"  if ({p}) then")
-                w.both(f"    {g} := t + 1", f"    {g} := t + 1")
-                w.both("  else", "  else")
-                w.both(f"    inc({g}, {k});", f"    inc({g}, {k});")
+                w.same(f"    {g} := t + 1")
+                w.same("  else")
+                w.same(f"    inc({g}, {k});")
             elif s < 0.5 and for_loops == 0:
                 for_loops += 1
                 a, b, k, top = rnd.choice(objects), rnd.choice(objects), rnd.randrange(2, 9), rnd.randrange(2, 20)
-                w.both(f"  for i := 1 to {top} do", f"  for i := 1 to {top} do")
-                w.both("  begin", "  begin")
-                w.both(f"    OrderAttack({a}, {b});", f"    OrderAttack({a}, {b});")
-                w.both(f"    t := t + i * {k};", f"    t := t + i * {k};")
-                w.both("  end;", "  end;")
+                w.same(f"  for i := 1 to {top} do")
+                w.same("  begin")
+                w.same(f"    OrderAttack({a}, {b});")
+                w.same(f"    t := t + i * {k};")
+                w.same("  end;")
             elif s < 0.6:
                 m, p = cond(names)
                 w.both(f"  while ({m}) do", f"  while ({p}) do")
-                w.both("  begin", "  begin")
-                w.both("    WaitSeconds(1);", "    WaitSeconds(1);")
-                w.both("    inc(t);", "    inc(t);")
-                w.both("    if (t > 100) then", "    if (t > 100) then")
-                w.both("      break;", "      break;")
-                w.both("  end;", "  end;")
+                w.same("  begin")
+                w.same("    WaitSeconds(1);")
+                w.same("    inc(t);")
+                w.same("    if (t > 100) then")
+                w.same("      break;")
+                w.same("  end;")
             elif s < 0.67:
                 o = rnd.choice(objects)
                 w.both(f"  until (IsAlive({o}) = 0) do", f"  while not (IsAlive({o}) = 0) do")
-                w.both("    WaitSeconds(2);", "    WaitSeconds(2);")
+                w.same("    WaitSeconds(2);")
             elif s < 0.8 and functions:
                 callee, arity = rnd.choice(functions[-50:])
                 args = [expr(1, names) for _ in range(arity)]
@@ -182,16 +182,16 @@ def generate_sources(lines, seed=7):
                     w.both(f"  t := {callee}({', '.join(a for a, _ in args)});",
                            f"  t := {callee}({', '.join(b for _, b in args)});")
                 else:
-                    w.both(f"  t := t + {callee};", f"  t := t + {callee};")
+                    w.same(f"  t := t + {callee};")
             elif s < 0.9:
                 g = rnd.randrange(n_goals)
-                w.both(f"  SetObjective(Goal{g}, ObjStatusDone);", f"  SetObjective(Goal{g}, ObjStatusDone);")
+                w.same(f"  SetObjective(Goal{g}, ObjStatusDone);")
             else:
                 k, o = rnd.randrange(50), rnd.choice(objects)
-                w.both(f"  ShowTextFrom({k}, {o});", f"  ShowTextFrom({k}, {o});")
+                w.same(f"  ShowTextFrom({k}, {o});")
         w.both("  result := t;", f"  result := t; {name} := result;")
-        w.both("end;", "end;")
-        w.both("", "")
+        w.same("end;")
+        w.same("")
         functions.append((name, len(params)))
 
     w.both("function Main;", "begin")
@@ -201,7 +201,7 @@ def generate_sources(lines, seed=7):
         call = f"  {name}({args});" if arity else f"  {name};"
         w.both(call, call)
     while len(w) < lines - 1:
-        w.both("  WaitSeconds(1);", "  WaitSeconds(1);")
+        w.same("  WaitSeconds(1);")
     w.both("end;", "end.")
     # The Pascal twin's main program needs one variable of its own.
     w.pas.insert(w.pas.index("var") + 1, "  t0: longint;")
