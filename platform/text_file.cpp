@@ -3,9 +3,11 @@
 #include "platform/exception.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <random>
 #include <system_error>
 
 namespace velkor {
@@ -85,9 +87,21 @@ std::vector<std::uint8_t> ReadFileBytes(const std::filesystem::path& path) {
     return ReadAll<std::vector<std::uint8_t>>(path);
 }
 
+namespace {
+// Writers of the same target, in this process or another (two builds share the temporary folder's
+// "_velkor.txt"), each need a temporary file of their own, or one renames the other's away.
+std::string TemporarySuffix() {
+    static const std::uint32_t process = std::random_device{}();
+    static std::atomic<std::uint32_t> count{0};
+    char text[40];
+    std::snprintf(text, sizeof text, ".velkor-tmp-%08x-%u", process, count.fetch_add(1) + 1);
+    return text;
+}
+} // namespace
+
 AtomicFileWriter::AtomicFileWriter(std::filesystem::path path) : path_(std::move(path)) {
     tmp_ = path_;
-    tmp_ += ".velkor-tmp";
+    tmp_ += TemporarySuffix();
     out_.open(tmp_, std::ios::binary | std::ios::trunc);
     if (!out_) throw EInOutError("Cannot create file \"" + path_.string() + "\"");
 }

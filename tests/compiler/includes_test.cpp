@@ -223,10 +223,7 @@ TEST(StringFiles, BrokenStringFileIsAnErrorNotACrash) {
 TEST(FileCommand, CompilesAndAssemblesEachUnit) {
     FileRun r;
     // The linked text of every #FILE unit lands in the temporary folder; keep this test's to itself.
-    fs::create_directories(r.dir / "tmp");
-    const char* oldTmp = std::getenv("TMPDIR");
-    const std::string savedTmp = oldTmp ? oldTmp : "";
-    setenv("TMPDIR", (r.dir / "tmp").c_str(), 1);
+    const test::PrivateTempFolder tmp(r.dir / "tmp");
     r.Add("campaign.pas",
           "series Campaign;\r\n#FILE \"missions\\M1.PAS\", \"nope.pas\", \"sec.pas\";\r\nvar after;\r\n");
     r.Add("Missions/m1.pas", "mission M1;\r\nvar done;\r\n");
@@ -253,10 +250,6 @@ TEST(FileCommand, CompilesAndAssemblesEachUnit) {
     EXPECT_FALSE(r.Symbol("done"));
     EXPECT_EQ(r.compiler->ErrorCount, 1);
     EXPECT_NE(test::ReadFile(r.dir / "tmp" / "_velkor.txt").find("IFF \"S1.sec\""), std::string::npos);
-    if (oldTmp)
-        setenv("TMPDIR", savedTmp.c_str(), 1);
-    else
-        unsetenv("TMPDIR");
 }
 
 TEST(FileCommand, ChildErrorsCountAndCyclesStop) {

@@ -13,6 +13,7 @@
 
 #include <csignal>
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace velkor::test {
 namespace {
@@ -148,14 +149,22 @@ TEST_F(EditPageTest, AFailedSaveLeavesTheOldFileIntact) {
     ASSERT_NE(page, nullptr);
     page->Memo()->SetText(QStringLiteral("unit changed;\r\n"));
 
-    // The temporary file cannot be created.
-    std::filesystem::create_directory(file + ".velkor-tmp");
-    EXPECT_FALSE(page->Save());
+    // The temporary file cannot be created: no file descriptor is left (a limit that holds for root too).
+    rlimit files{};
+    getrlimit(RLIMIT_NOFILE, &files);
+    const int lowestFree = dup(0);
+    ASSERT_GE(lowestFree, 0);
+    close(lowestFree);
+    rlimit none = files;
+    none.rlim_cur = static_cast<rlim_t>(lowestFree);
+    setrlimit(RLIMIT_NOFILE, &none);
+    const bool savedWithoutFiles = page->Save();
+    setrlimit(RLIMIT_NOFILE, &files);
+    EXPECT_FALSE(savedWithoutFiles);
     EXPECT_EQ(ReadFile(file), "unit keep;\r\n");
     EXPECT_TRUE(page->Modified());
     ASSERT_EQ(messages_.size(), 1);
     EXPECT_TRUE(messages_[0].startsWith(QStringLiteral("Cannot create file")));
-    std::filesystem::remove(file + ".velkor-tmp");
 
     // The disk fills up part-way through the write.
     QString big = QStringLiteral("unit big;\r\n");
@@ -172,7 +181,8 @@ TEST_F(EditPageTest, AFailedSaveLeavesTheOldFileIntact) {
     std::signal(SIGXFSZ, oldSignal);
     EXPECT_FALSE(saved);
     EXPECT_EQ(ReadFile(file), "unit keep;\r\n");
-    EXPECT_FALSE(std::filesystem::exists(file + ".velkor-tmp"));
+    for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::path(file).parent_path()))
+        EXPECT_EQ(entry.path().filename().string().find(".velkor-tmp"), std::string::npos) << entry.path();
     EXPECT_TRUE(page->Modified());
 }
 
@@ -239,13 +249,14 @@ TEST_F(EditPageTest, AutosaveSavesBeforeCompiling) {
 }
 
 TEST_F(EditPageTest, CompileAndBuildWritesTheMissionAndTheSizeLine) {
+    const PrivateTempFolder tmp(Dir() / "tmp");
     TfrmMain window({});
     ASSERT_NE(window.OpenFile(MakeFile("Demo.pas", kDemoMission), false), nullptr);
     window.MenuItem(QStringLiteral("MenuCompileBuild"))->trigger();
     const std::filesystem::path mission = Dir() / "Demo.mis";
     ASSERT_TRUE(std::filesystem::exists(mission)) << window.OutputView().Lines().join(u'\n').toStdString();
     EXPECT_EQ(ReadFile(mission).substr(0, 4), "FORM");
-    const std::string text = ReadFile(std::filesystem::temp_directory_path() / "_velkor.txt");
+    const std::string text = ReadFile(Dir() / "tmp" / "_velkor.txt");
     EXPECT_EQ(QString::fromStdString(text), window.IffView().Text());
     const auto size = std::filesystem::file_size(mission);
     const std::string line = "******* " + mission.string() + " (" +

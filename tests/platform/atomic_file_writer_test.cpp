@@ -30,6 +30,22 @@ TEST(AtomicFileWriter, TheTargetChangesOnlyAtCommit) {
               1); // no temporary file left
 }
 
+// Two builds write the same "_velkor.txt" in the temporary folder at once; both must succeed, the later
+// commit wins.
+TEST(AtomicFileWriter, OverlappingWritersOfOneTargetBothCommit) {
+    TempDir dir;
+    const auto target = dir / "shared.txt";
+    AtomicFileWriter first(target);
+    AtomicFileWriter second(target);
+    first.Write(std::string_view("first"));
+    second.Write(std::string_view("second"));
+    first.Commit();
+    EXPECT_EQ(ReadFile(target), "first");
+    second.Commit();
+    EXPECT_EQ(ReadFile(target), "second");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1);
+}
+
 TEST(AtomicFileWriter, AFolderThatDoesNotExistIsAnInputOutputError) {
     TempDir dir;
     const auto target = dir / "none" / "out.txt";

@@ -83,4 +83,20 @@ void WriteFile(const std::filesystem::path& path, const std::string& bytes) {
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
+PrivateTempFolder::PrivateTempFolder(const std::filesystem::path& folder) {
+    std::filesystem::create_directories(folder);
+    if (const char* old = std::getenv("TMPDIR")) {
+        had_ = true;
+        old_ = old;
+    }
+    setenv("TMPDIR", folder.c_str(), 1);
+}
+
+PrivateTempFolder::~PrivateTempFolder() {
+    if (had_)
+        setenv("TMPDIR", old_.c_str(), 1);
+    else
+        unsetenv("TMPDIR");
+}
+
 } // namespace velkor::test

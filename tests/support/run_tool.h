@@ -34,6 +34,20 @@ private:
     std::filesystem::path path_;
 };
 
+// Points TMPDIR at a folder of the caller's for the object's life, so a test that reads what the build
+// leaves in the temporary folder ("_velkor.txt") does not see a test running beside it.
+class PrivateTempFolder {
+public:
+    explicit PrivateTempFolder(const std::filesystem::path& folder);
+    ~PrivateTempFolder();
+    PrivateTempFolder(const PrivateTempFolder&) = delete;
+    PrivateTempFolder& operator=(const PrivateTempFolder&) = delete;
+
+private:
+    bool had_ = false; // TMPDIR was set before
+    std::string old_;  // and held this
+};
+
 std::string ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, const std::string& bytes);
 
