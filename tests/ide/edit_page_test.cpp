@@ -13,7 +13,6 @@
 
 #include <csignal>
 #include <sys/resource.h>
-#include <unistd.h>
 
 namespace velkor::test {
 namespace {
@@ -142,30 +141,27 @@ TEST_F(EditPageTest, SaveQueryAnswers) {
     EXPECT_EQ(fresh->FileName().substr(0, 8), "Untitled");
 }
 
-TEST_F(EditPageTest, AFailedSaveLeavesTheOldFileIntact) {
-    const std::string file = MakeFile("keep.pas", "unit keep;\r\n");
+TEST_F(EditPageTest, ATemporaryFileThatCannotBeCreatedLeavesTheOldFileIntact) {
+    // A name that just fits leaves no room for the temporary file's suffix: it cannot be created (a limit
+    // that holds for root too, unlike permissions).
+    const std::string file = MakeFile(std::string(236, 'k') + ".pas", "unit keep;\r\n");
     TfrmMain window({});
     TfrmEdit* page = window.OpenFile(file, false);
     ASSERT_NE(page, nullptr);
     page->Memo()->SetText(QStringLiteral("unit changed;\r\n"));
 
-    // The temporary file cannot be created: no file descriptor is left (a limit that holds for root too).
-    rlimit files{};
-    getrlimit(RLIMIT_NOFILE, &files);
-    const int lowestFree = dup(0);
-    ASSERT_GE(lowestFree, 0);
-    close(lowestFree);
-    rlimit none = files;
-    none.rlim_cur = static_cast<rlim_t>(lowestFree);
-    setrlimit(RLIMIT_NOFILE, &none);
-    const bool savedWithoutFiles = page->Save();
-    setrlimit(RLIMIT_NOFILE, &files);
-    EXPECT_FALSE(savedWithoutFiles);
+    EXPECT_FALSE(page->Save());
     EXPECT_EQ(ReadFile(file), "unit keep;\r\n");
     EXPECT_TRUE(page->Modified());
     ASSERT_EQ(messages_.size(), 1);
     EXPECT_TRUE(messages_[0].startsWith(QStringLiteral("Cannot create file")));
+}
 
+TEST_F(EditPageTest, AWriteThatFailsPartWayLeavesTheOldFileIntact) {
+    const std::string file = MakeFile("keep.pas", "unit keep;\r\n");
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(file, false);
+    ASSERT_NE(page, nullptr);
     // The disk fills up part-way through the write.
     QString big = QStringLiteral("unit big;\r\n");
     for (int i = 0; i < 20000; ++i) big += QStringLiteral("var v%1;\r\n").arg(i);
