@@ -246,12 +246,16 @@ def generate_iff(path, size):
 GNU_TIME = "/usr/bin/time" if os.access("/usr/bin/time", os.X_OK) else None
 
 
-def run(cmd, cwd, stdout=None):
+def run(cmd, cwd, stdout=None, outputs=()):
     """Runs cmd, its output into the file named stdout or nowhere; returns (wall seconds, CPU seconds, peak
-    RSS in MB)."""
+    RSS in MB). The files named in outputs are removed first: writing over a large file of an earlier run
+    would also time the kernel freeing it."""
+    for name in outputs:
+        if os.path.exists(os.path.join(cwd, name)):
+            os.remove(os.path.join(cwd, name))
     out = open(os.path.join(cwd, stdout), "wb") if stdout else subprocess.DEVNULL
     peak_file = os.path.join(cwd, ".bench-peak")
-    timed = [GNU_TIME, "-f", "%M %U %S", "-o", peak_file] + list(cmd) if GNU_TIME else cmd
+    timed = [GNU_TIME, "-f", "%M", "-o", peak_file] + list(cmd) if GNU_TIME else cmd
     t0 = time.perf_counter()
     proc = subprocess.Popen(timed, cwd=cwd, stdout=out, stderr=subprocess.PIPE)
     _, status, usage = os.wait4(proc.pid, 0)
@@ -262,17 +266,20 @@ def run(cmd, cwd, stdout=None):
     proc.stderr.close()
     if os.waitstatus_to_exitcode(status) != 0:
         sys.exit(f"{' '.join(map(str, cmd))} failed:\n{err[:2000]}")
+    # CPU time from wait4, which counts the program as a child of GNU time, to the microsecond; GNU time
+    # itself prints hundredths, too coarse for the short runs.
+    cpu = usage.ru_utime + usage.ru_stime
     if GNU_TIME:
         with open(peak_file) as f:
-            peak_kb, user, system = f.read().split()[-3:]
+            peak_kb = f.read().split()[-1]
         os.remove(peak_file)
-        return secs, float(user) + float(system), int(peak_kb) / 1024
-    return secs, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
+        return secs, cpu, int(peak_kb) / 1024
+    return secs, cpu, usage.ru_maxrss / 1024
 
 
-def best(cmd, cwd, times=3, stdout=None):
+def best(cmd, cwd, times=3, stdout=None, outputs=()):
     """The fastest of several runs: (wall seconds, CPU seconds, peak RSS in MB)."""
-    runs = [run(cmd, cwd, stdout) for _ in range(times)]
+    runs = [run(cmd, cwd, stdout, outputs) for _ in range(times)]
     return min(r[0] for r in runs), min(r[1] for r in runs), max(r[2] for r in runs)
 
 
@@ -320,7 +327,7 @@ def main():
             f.write(pas)
         # Five-digit line markers end at line 99,999, so inputs this long are read with the fast scanner.
         cmd = [velkorc, "build", "-v", "0", "--fast-scanner", "bench.pas"]
-        secs, cpu, peak = best(cmd, d, 3 if factor == 1 else 1)
+        secs, cpu, peak = best(cmd, d, 3, outputs=("bench.mis", "bench.iff"))
         times[("compile", factor)] = (secs, cpu)
         rate = n_mis / secs
         if factor == 1:
@@ -339,9 +346,9 @@ def main():
         os.makedirs(d, exist_ok=True)
         generate_rows(os.path.join(d, "bench.txt"), os.path.join(d, "bench.hex"), rows * factor)
         text = os.path.getsize(os.path.join(d, "bench.txt"))
-        secs, cpu, peak = best([velkorc, "asm", "bench.txt"], d, 3 if factor == 1 else 1)
+        secs, cpu, peak = best([velkorc, "asm", "bench.txt"], d, 3 if factor == 1 else 2, outputs=("bench.iff",))
         times[("asm", factor)] = (secs, cpu)
-        xsecs, _, _ = best(["xxd", "-r", "-p", "bench.hex"], d, 3 if factor == 1 else 1, stdout="bench.bin")
+        xsecs, _, _ = best(["xxd", "-r", "-p", "bench.hex"], d, 3 if factor == 1 else 2, stdout="bench.bin")
         with open(os.path.join(d, "bench.iff"), "rb") as a, open(os.path.join(d, "bench.bin"), "rb") as b:
             a.seek(20)
             if a.read() != b.read():
@@ -363,9 +370,9 @@ def main():
         generate_iff(os.path.join(d, "bench.iff"), size * factor)
         real = os.path.getsize(os.path.join(d, "bench.iff"))
         cmd = [velkorc, "decode", "--max-decode-size", str(1 << 30), "bench.iff"]
-        secs, cpu, peak = best(cmd, d, 3 if factor == 1 else 1)
+        secs, cpu, peak = best(cmd, d, 3, outputs=("bench.iff.pas",))
         times[("decode", factor)] = (secs, cpu)
-        xsecs, _, _ = best(["xxd", "-p", "bench.iff"], d, 3 if factor == 1 else 1, stdout="bench.hex")
+        xsecs, _, _ = best(["xxd", "-p", "bench.iff"], d, 3, stdout="bench.hex")
         os.rename(os.path.join(d, "bench.iff"), os.path.join(d, "original.iff"))
         run([velkorc, "asm", "--fast-scanner", "bench.iff.pas"], d)
         with open(os.path.join(d, "bench.iff"), "rb") as a, open(os.path.join(d, "original.iff"), "rb") as b:
@@ -380,7 +387,7 @@ def main():
     # Judged on CPU time: the wall time of one large run also counts whatever else the machine is doing.
     for what in ("compile", "asm", "decode"):
         (wall1, cpu1), (wall10, cpu10) = times[(what, 1)], times[(what, 10)]
-        ratio = cpu10 / max(cpu1, 0.01)  # GNU time counts in hundredths
+        ratio = cpu10 / max(cpu1, 1e-6)
         rep.line(f"scaling {what} 10x / 1x", f"CPU time ratio {ratio:.1f}", f"wall {wall10 / wall1:.1f}; linear: 10",
                  "at most 11", ratio <= 11)
 
