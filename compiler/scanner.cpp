@@ -85,10 +85,53 @@ std::int32_t KeywordKind(std::string_view word) {
 
 // Markers carry exactly five digits; beyond line 99999 they wrap rather than spill a sixth digit into
 // the token stream.
-void AppendMarker(std::string& out, std::int32_t line) {
-    char buf[7] = {'#', '#'};
-    for (int i = 6, v = line % 100000; i >= 2; --i, v /= 10) buf[i] = static_cast<char>('0' + v % 10);
-    out.append(buf, 7);
+constexpr std::size_t kMarkerSize = 7; // "##" and five digits
+
+void WriteMarker(char* at, std::int32_t line) {
+    at[0] = at[1] = '#';
+    for (int i = 6, v = line % 100000; i >= 2; --i, v /= 10) at[i] = static_cast<char>('0' + v % 10);
+}
+
+// memchr looks through the text in long strides; a plain counting loop goes byte by byte.
+size_t CountCrs(std::string_view text) {
+    size_t count = 0;
+    const char* const end = text.data() + text.size();
+    for (const char* p = text.data(); (p = static_cast<const char*>(std::memchr(p, '\r', end - p))); ++p)
+        ++count;
+    return count;
+}
+
+// The last CR before `end`; there is one.
+size_t LastCr(const char* text, size_t end) {
+#if defined(__GLIBC__)
+    return static_cast<size_t>(static_cast<const char*>(memrchr(text, '\r', end)) - text); // word-wide
+#else
+    return std::string_view(text, end).rfind('\r');
+#endif
+}
+
+// A marker goes at the start and two characters behind every CR, i.e. behind the CR LF pair. The text
+// grows in place, from its end backwards, so that a large text is not held twice.
+void InsertLineMarkers(std::string& text) {
+    const size_t n = text.size();
+    const size_t breaks = CountCrs(text);
+    const size_t grown = n + kMarkerSize * (breaks + 1);
+    text.resize(grown);
+    char* const t = text.data();
+    size_t src = n;     // the text before src is still where it was loaded
+    size_t dst = grown; // and the text from dst on is in its final place
+    size_t cr = n;
+    for (auto line = static_cast<std::int32_t>(breaks + 1); line > 1; --line) {
+        cr = LastCr(t, cr);
+        const size_t at = std::min(cr + 2, n); // a CR among the last two characters: at the very end
+        dst -= src - at;
+        std::memmove(t + dst, t + at, src - at);
+        dst -= kMarkerSize;
+        WriteMarker(t + dst, line);
+        src = at;
+    }
+    std::memmove(t + kMarkerSize, t, src);
+    WriteMarker(t, 1);
 }
 
 std::atomic<ScannerClass> gScannerClass{ScannerClass::Standard};
@@ -108,7 +151,10 @@ void TScanner::SetText(std::string text) {
 }
 
 void TScanner::LoadFromStream(std::string_view content) {
-    std::string text(content);
+    std::string text;
+    // Room for the NUL and the line markers, so that neither moves the text again.
+    text.reserve(content.size() + 1 + (LineMarkers ? kMarkerSize * (CountCrs(content) + 1) : 0));
+    text.append(content);
     text.push_back('\0');
     SetText(std::move(text));
 }
@@ -124,23 +170,7 @@ void TScanner::LoadFromFile(const std::filesystem::path& path) {
 
 // One pass to insert the markers and one to blank the comments: linear in the text.
 void TScanner::Rewrite() {
-    if (LineMarkers) {
-        std::string out;
-        out.reserve(text_.size() + text_.size() / 8 + 16);
-        std::int32_t nextLine = 2;
-        AppendMarker(out, 1);
-        // A marker goes two characters behind every CR, i.e. behind the CR LF pair.
-        const size_t n = text_.size();
-        size_t copied = 0;
-        for (size_t cr = text_.find('\r'); cr != std::string::npos; cr = text_.find('\r', cr + 1)) {
-            const size_t at = std::min(cr + 2, n); // a CR among the last two characters: at the very end
-            out.append(text_, copied, at - copied);
-            copied = at;
-            AppendMarker(out, nextLine++);
-        }
-        out.append(text_, copied, n - copied);
-        text_ = std::move(out);
-    }
+    if (LineMarkers) InsertLineMarkers(text_);
 
     for (size_t i = text_.find('/'); i != std::string::npos && i + 1 < text_.size();
          i = text_.find('/', i + 1)) {
@@ -156,10 +186,13 @@ void TScanner::Rewrite() {
         }
     }
 
+    // In place: the text ends in a NUL, so there is nearly always something to trim, and a copy of a large
+    // text would cost as much again in memory.
     std::string_view trimmed = Trim(text_);
     if (trimmed.size() != text_.size()) {
-        size_t start = static_cast<size_t>(trimmed.data() - text_.data());
-        text_ = text_.substr(start, trimmed.size());
+        const size_t start = static_cast<size_t>(trimmed.data() - text_.data());
+        text_.resize(start + trimmed.size());
+        text_.erase(0, start);
     }
     pos_ = 1;
 }
@@ -295,6 +328,8 @@ void TFastScanner::SetText(std::string text) {
 }
 
 void TFastScanner::LoadFromStream(std::string_view content) {
+    text_.clear();
+    text_.reserve(content.size() + 1);
     text_.assign(content);
     text_.push_back('\0');
     ForgetPeek();
