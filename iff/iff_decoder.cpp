@@ -250,14 +250,13 @@ private:
         result_.sideFiles.push_back({std::move(name), std::vector<std::uint8_t>(data.begin(), data.end())});
     }
 
-    // Letters, digits, "_" and "-" of an id; anything else becomes "_".
+    // The id as it stands, so that a side file is found by its chunk's id (blanks included, as in "TXT ").
+    // Only what a file name or a quoted string cannot hold becomes "_", and so does every byte outside
+    // ASCII: the id is no real file name, so such bytes need not be valid text on the file system.
     static std::string SafeId(std::string_view id) {
-        std::string out(id);
-        for (char& c : out) {
-            const bool keep = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
-                              c == '_' || c == '-';
-            if (!keep) c = '_';
-        }
+        std::string out = SafeFileName(id);
+        for (char& c : out)
+            if (static_cast<unsigned char>(c) > 0x7E) c = '_';
         return out;
     }
 

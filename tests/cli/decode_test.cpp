@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -79,6 +80,82 @@ TEST(VelkorcDecode, OutputFileSideFilesAndTheLimit) {
     const ToolResult back = RunVelkorc({"asm", "--out-dir", "again", "out/text.pas"}, dir.path());
     EXPECT_EQ(back.exitCode, 0) << back.err;
     EXPECT_EQ(ReadFile(dir / "again" / "in.iff"), file);
+}
+
+std::string Le(std::uint32_t v) {
+    std::string s;
+    for (int i = 0; i < 4; ++i) s += static_cast<char>(v >> (8 * i));
+    return s;
+}
+
+std::string Fl(float v) {
+    return Le(std::bit_cast<std::uint32_t>(v));
+}
+
+// The bullet record is exactly the limit of 40 bytes and stays inline; the chunk "TXT " has one byte more and
+// goes to a side file whose name keeps the id's blank.
+TEST(VelkorcDecode, TheWholeTextByteForByte) {
+    TempDir dir;
+    const std::string bullet = Le(7) + Le(1234) + Le(0xFFFFFFFF) + Fl(1500) + Fl(2000) + Fl(0.25f) + Fl(10) +
+                               Fl(20.5f) + Fl(0.75f) + Le(1);
+    const std::string file = Form(
+        "WEAP", Chunk(std::string("\x01ID\x7F", 4), std::string("\x0A\x1F\x00", 3)) +
+                    Form("BULL", Chunk("DATA", bullet)) + Form("TIME", Chunk("TIME", Fl(1.5f) + Fl(0.125f))) +
+                    Chunk("TXT ", Bytes(41, 1)) + Chunk("EDGE", Bytes(18, 2)));
+    WriteFile(dir / "w.iff", file);
+    const ToolResult r = RunVelkorc({"decode", "--max-decode-size", "40", "w.iff"}, dir.path());
+    EXPECT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_EQ(ReadFile(dir / "w.iff.pas"),
+              "IFF \"w.iff\"\r\n"
+              "{\r\n"
+              "  FORM \"WEAP\"\r\n"
+              "  {\r\n"
+              "    CHUNK $7F444901\r\n"
+              "    {\r\n"
+              "      BYTE [3] $0A $1F $00\r\n"
+              "    }\r\n"
+              "    FORM \"BULL\"\r\n"
+              "    {\r\n"
+              "      CHUNK \"DATA\"\r\n"
+              "      {\r\n"
+              "        long 7                //bullet ID\r\n"
+              "        long 1234             //name (points to a string in spacefli.eng)\r\n"
+              "        long -1               //sound\r\n"
+              "        float 1500.0          //speed\r\n"
+              "        float 2000.0          //range\r\n"
+              "        float 0.25            //charge time\r\n"
+              "        float 10.0            //energy\r\n"
+              "        float 20.5            //damage\r\n"
+              "        float 0.75            //refire delay\r\n"
+              "        long 1                //needs ammo\r\n"
+              "      }\r\n"
+              "    }\r\n"
+              "    FORM \"TIME\"\r\n"
+              "    {\r\n"
+              "      CHUNK \"TIME\"\r\n"
+              "      {\r\n"
+              "             float 1.50\r\n"
+              "             float 0.125\r\n"
+              "      }\r\n"
+              "    }\r\n"
+              "    CHUNK \"TXT \"\r\n"
+              "    {\r\n"
+              "      // offset: 70\r\n"
+              "      // size: 29\r\n"
+              "      file \"w.iff_TXT _70.bin\"\r\n"
+              "    }\r\n"
+              "    CHUNK \"EDGE\"\r\n"
+              "    {\r\n"
+              "      BYTE [16] $02 $09 $10 $17 $1E $25 $2C $33 $3A $41 $48 $4F $56 $5D $64 $6B\r\n"
+              "      BYTE [2] $72 $79\r\n"
+              "    }\r\n"
+              "  }\r\n"
+              "}\r\n");
+    EXPECT_EQ(ReadFile(dir / "w.iff_TXT _70.bin"), Bytes(41, 1));
+    std::filesystem::rename(dir / "w.iff", dir / "original.iff");
+    const ToolResult back = RunVelkorc({"asm", "w.iff.pas"}, dir.path());
+    EXPECT_EQ(back.exitCode, 0) << back.err;
+    EXPECT_EQ(ReadFile(dir / "w.iff"), file);
 }
 
 TEST(VelkorcDecode, ExactFloatsKeepEveryBit) {

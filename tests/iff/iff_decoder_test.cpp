@@ -137,6 +137,21 @@ TEST(IffDecoderText, SideFileNamesAreValidWhateverTheIdAndTheInputName) {
     EXPECT_EQ(Lines(decoded.text)[0], "IFF \"we_ird_name.iff\"");
 }
 
+TEST(IffDecoderText, SideFileNamesKeepTheIdWhereAFileNameCanHoldIt) {
+    const Bytes file = Form("TEST", {Chunk("TXT ", Seq(3)), Chunk("a.$(", Seq(3)), Chunk("\xE4:|Z", Seq(3))});
+    const DecodedIff decoded = DecodeIff(file, "t.iff", 2);
+    ASSERT_EQ(decoded.sideFiles.size(), 3u);
+    EXPECT_EQ(decoded.sideFiles[0].name, "t.iff_TXT _C.bin");
+    EXPECT_EQ(decoded.sideFiles[1].name, "t.iff_a.$(_18.bin");
+    EXPECT_EQ(decoded.sideFiles[2].name, "t.iff____Z_24.bin");
+    const std::vector<std::string> lines = Lines(decoded.text);
+    EXPECT_EQ(lines[4], "    CHUNK \"TXT \"");
+    EXPECT_EQ(lines[6], "      // offset: C");
+    EXPECT_EQ(lines[7], "      // size: 3");
+    EXPECT_EQ(lines[8], "      file \"t.iff_TXT _C.bin\"");
+    ExpectRoundTrip(file, 2);
+}
+
 TEST(IffDecoderText, ItemsInTheLastEightBytesOfAFormStayInIt) {
     // The reader gives the empty chunk, which starts in the last 8 bytes of SUBF's span, to TEST; the text
     // must keep it inside SUBF, or the sizes change.
