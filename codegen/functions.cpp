@@ -165,21 +165,11 @@ void TCodeGen::CompileFunctionBody() {
     compiler_.Output(1, "function used " + std::to_string(registers) + " registers");
 }
 
-void TCodeGen::SkipEmptyParentheses() {
-    compiler_.PeekToken();
-    if (compiler_.TokenKind() != tkOpenParen) return;
-    compiler_.PeekAhead(1);
-    if (compiler_.TokenKind() != tkCloseParen) return;
-    compiler_.NextToken();
-    compiler_.NextToken();
-}
-
 void TCodeGen::CompileUserCall(const TSymbol& function) {
     compiler_.Output(2, "doing USER function call...");
     const int parameters = function.Register;
-    if (parameters <= 0) {
-        SkipEmptyParentheses();
-    } else if (compiler_.Expect("(")) {
+    // A call without parameters is the bare name: a following "()" is left to the caller, which reports it.
+    if (parameters > 0 && compiler_.Expect("(")) {
         bool failed = false;
         for (int i = 0; i < parameters && !failed; ++i) {
             const int errors = compiler_.ErrorCount;
@@ -199,9 +189,7 @@ void TCodeGen::CompileGameCall(const TSymbol& function) {
     compiler_.Output(2, "doing WCP function call...");
     const int parameters = function.Register;
     std::string operands;
-    if (parameters <= 0) {
-        SkipEmptyParentheses();
-    } else if (compiler_.Expect("(")) {
+    if (parameters > 0 && compiler_.Expect("(")) {
         bool failed = false;
         int byName = 0;
         for (int i = 0; i < parameters && !failed; ++i) {
