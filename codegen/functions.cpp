@@ -152,12 +152,10 @@ void TCodeGen::CompileFunctionBody() {
     }
     InsertLines(insertAt, head);
 
+    // Whatever symbol the name finds returns its register field: a unit-level "result" has none, and every
+    // function then returns v0.
     const int result = symbols.Find("RESULT");
-    if (result >= 0) {
-        const TSymbol& s = symbols.Get(result);
-        if (s.Kind == skLocalVar || s.Kind == skPassVar)
-            InsertLine(code.size() - 1, "  return " + Reg(s.Register) + ";");
-    }
+    if (result >= 0) InsertLine(code.size() - 1, "  return " + Reg(symbols.Get(result).Register) + ";");
     if (code.size() == insertAt + 1) {
         compiler_.Output(0, "WARNING: Empty function body (" + CurrentFunction + ")");
         InsertLine(code.size() - 1, "  movc v8 0;");

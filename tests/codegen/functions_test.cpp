@@ -106,6 +106,16 @@ TEST(Functions, ResultReturnsFromEveryFunctionThatAssignsIt) {
     EXPECT_EQ(FunctionLines(r.Code(), "FUNC g 0"), (StringList{"FUNC g 0", "{", "  movc v8 0;", "}"}));
 }
 
+TEST(Functions, AUnitLevelResultMakesEveryFunctionReturnV0) {
+    CompileRun r({"unit U;", "var result;", "function f; begin result := 1 end;", "function g; begin end;"});
+    EXPECT_EQ(r.failure, "");
+    EXPECT_EQ(FunctionLines(r.Code(), "FUNC f 0"),
+              (StringList{"FUNC f 0", "{", "  movc v8 1;", "  movv result v8;", "  return v0;", "}"}));
+    // The return line fills the body before the emptiness test.
+    EXPECT_EQ(FunctionLines(r.Code(), "FUNC g 0"), (StringList{"FUNC g 0", "{", "  return v0;", "}"}));
+    EXPECT_FALSE(r.Has("[U, 4] WARNING: Empty function body (g)"));
+}
+
 TEST(Functions, GameCallsCountRegistersDownFromV15) {
     std::vector<std::string> unit{"unit U;", "function Nine(a1, a2, a3, a4, a5, a6, a7, a8, a9); external;",
                                   "function f;", "begin Nine(1, 2, 3, 4, 5, 6, 7, 8, 9) end;"};
