@@ -87,8 +87,9 @@ void TCodeGen::CompileFunctionDeclaration() {
     symbols.RemoveLocals();
 }
 
-// A body replaces an earlier declaration of the same user function; everything else is added, so that a
-// name declared twice is reported as redeclared.
+// A body replaces whatever symbol the name finds, whatever its kind: the checks read the old record's
+// fields as a function's, so a variable with an initial value counts as implemented. Declarations without
+// a body are added, so that a name declared twice is reported as redeclared.
 void TCodeGen::DeclareFunctionSymbol(const std::string& name, std::int32_t kind, int parameters,
                                      bool implemented) {
     auto& symbols = compiler_.Symbols();
@@ -102,7 +103,7 @@ void TCodeGen::DeclareFunctionSymbol(const std::string& name, std::int32_t kind,
     function.Value = implemented ? 1 : 0;
 
     const int existing = implemented ? symbols.Find(name) : -1;
-    if (existing >= 0 && symbols.Get(existing).Kind == skUserFunction) {
+    if (existing >= 0) {
         const TSymbol old = symbols.Get(existing);
         if (old.Value != 0) compiler_.ErrorNoSkip("\r\nfunction \"" + name + "\" already implemented");
         if (old.Register != parameters)

@@ -89,8 +89,18 @@ TEST(Functions, RedeclarationRules) {
               (StringList{"[U, 3] ERROR: \r\nfunction \"f\" already implemented",
                           "[U, 3] ERROR: parameter list differs from previous declaration"}));
     EXPECT_EQ(FunctionLines(recovered.Code(), "FUNC f 1").size(), 6u);
+    // A body replaces a symbol of any kind; the old record's fields are read as a function's.
     CompileRun variable({"unit U;", "var f;", "function f; begin end;"});
-    EXPECT_EQ(variable.failure, "identifier \"f\" redeclared");
+    EXPECT_EQ(variable.failure, "");
+    ASSERT_TRUE(variable.Symbol("f"));
+    EXPECT_EQ(variable.Symbol("f")->Kind, skUserFunction);
+    CompileRun initialised({"unit U;", "var f = 3;", "function f(a); begin end;"}, false, 0);
+    EXPECT_EQ(initialised.Errors(),
+              (StringList{"[U, 3] ERROR: \r\nfunction \"f\" already implemented",
+                          "[U, 3] ERROR: parameter list differs from previous declaration"}));
+    CompileRun external({"unit U;", "function f; external;", "function f; begin end;"});
+    EXPECT_EQ(external.failure, "");
+    EXPECT_EQ(external.Symbol("f")->Kind, skUserFunction);
 }
 
 TEST(Functions, ResultReturnsFromEveryFunctionThatAssignsIt) {
