@@ -83,7 +83,6 @@ private:
 
     // functions.cpp
     void DeclareFunctionSymbol(const std::string& name, std::int32_t kind, int parameters, bool implemented);
-    void SkipEmptyParentheses(); // "()" after a call of a function without parameters
     std::string ByNameOperand(const std::string& name, bool quoted); // a game call's "@name" operand
 
     // objects.cpp

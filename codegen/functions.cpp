@@ -87,8 +87,9 @@ void TCodeGen::CompileFunctionDeclaration() {
     symbols.RemoveLocals();
 }
 
-// A body replaces an earlier declaration of the same user function; everything else is added, so that a
-// name declared twice is reported as redeclared.
+// A body replaces whatever symbol the name finds, whatever its kind: the checks read the old record's
+// fields as a function's, so a variable with an initial value counts as implemented. Declarations without
+// a body are added, so that a name declared twice is reported as redeclared.
 void TCodeGen::DeclareFunctionSymbol(const std::string& name, std::int32_t kind, int parameters,
                                      bool implemented) {
     auto& symbols = compiler_.Symbols();
@@ -102,7 +103,7 @@ void TCodeGen::DeclareFunctionSymbol(const std::string& name, std::int32_t kind,
     function.Value = implemented ? 1 : 0;
 
     const int existing = implemented ? symbols.Find(name) : -1;
-    if (existing >= 0 && symbols.Get(existing).Kind == skUserFunction) {
+    if (existing >= 0) {
         const TSymbol old = symbols.Get(existing);
         if (old.Value != 0) compiler_.ErrorNoSkip("\r\nfunction \"" + name + "\" already implemented");
         if (old.Register != parameters)
@@ -152,12 +153,10 @@ void TCodeGen::CompileFunctionBody() {
     }
     InsertLines(insertAt, head);
 
+    // Whatever symbol the name finds returns its register field: a unit-level "result" has none, and every
+    // function then returns v0.
     const int result = symbols.Find("RESULT");
-    if (result >= 0) {
-        const TSymbol& s = symbols.Get(result);
-        if (s.Kind == skLocalVar || s.Kind == skPassVar)
-            InsertLine(code.size() - 1, "  return " + Reg(s.Register) + ";");
-    }
+    if (result >= 0) InsertLine(code.size() - 1, "  return " + Reg(symbols.Get(result).Register) + ";");
     if (code.size() == insertAt + 1) {
         compiler_.Output(0, "WARNING: Empty function body (" + CurrentFunction + ")");
         InsertLine(code.size() - 1, "  movc v8 0;");
@@ -165,21 +164,11 @@ void TCodeGen::CompileFunctionBody() {
     compiler_.Output(1, "function used " + std::to_string(registers) + " registers");
 }
 
-void TCodeGen::SkipEmptyParentheses() {
-    compiler_.PeekToken();
-    if (compiler_.TokenKind() != tkOpenParen) return;
-    compiler_.PeekAhead(1);
-    if (compiler_.TokenKind() != tkCloseParen) return;
-    compiler_.NextToken();
-    compiler_.NextToken();
-}
-
 void TCodeGen::CompileUserCall(const TSymbol& function) {
     compiler_.Output(2, "doing USER function call...");
     const int parameters = function.Register;
-    if (parameters <= 0) {
-        SkipEmptyParentheses();
-    } else if (compiler_.Expect("(")) {
+    // A call without parameters is the bare name: a following "()" is left to the caller, which reports it.
+    if (parameters > 0 && compiler_.Expect("(")) {
         bool failed = false;
         for (int i = 0; i < parameters && !failed; ++i) {
             const int errors = compiler_.ErrorCount;
@@ -199,9 +188,7 @@ void TCodeGen::CompileGameCall(const TSymbol& function) {
     compiler_.Output(2, "doing WCP function call...");
     const int parameters = function.Register;
     std::string operands;
-    if (parameters <= 0) {
-        SkipEmptyParentheses();
-    } else if (compiler_.Expect("(")) {
+    if (parameters > 0 && compiler_.Expect("(")) {
         bool failed = false;
         int byName = 0;
         for (int i = 0; i < parameters && !failed; ++i) {

@@ -89,8 +89,18 @@ TEST(Functions, RedeclarationRules) {
               (StringList{"[U, 3] ERROR: \r\nfunction \"f\" already implemented",
                           "[U, 3] ERROR: parameter list differs from previous declaration"}));
     EXPECT_EQ(FunctionLines(recovered.Code(), "FUNC f 1").size(), 6u);
+    // A body replaces a symbol of any kind; the old record's fields are read as a function's.
     CompileRun variable({"unit U;", "var f;", "function f; begin end;"});
-    EXPECT_EQ(variable.failure, "identifier \"f\" redeclared");
+    EXPECT_EQ(variable.failure, "");
+    ASSERT_TRUE(variable.Symbol("f"));
+    EXPECT_EQ(variable.Symbol("f")->Kind, skUserFunction);
+    CompileRun initialised({"unit U;", "var f = 3;", "function f(a); begin end;"}, false, 0);
+    EXPECT_EQ(initialised.Errors(),
+              (StringList{"[U, 3] ERROR: \r\nfunction \"f\" already implemented",
+                          "[U, 3] ERROR: parameter list differs from previous declaration"}));
+    CompileRun external({"unit U;", "function f; external;", "function f; begin end;"});
+    EXPECT_EQ(external.failure, "");
+    EXPECT_EQ(external.Symbol("f")->Kind, skUserFunction);
 }
 
 TEST(Functions, ResultReturnsFromEveryFunctionThatAssignsIt) {
@@ -104,6 +114,16 @@ TEST(Functions, ResultReturnsFromEveryFunctionThatAssignsIt) {
                     "  {", "    movc v8 2;", "    movv v24 v8;", "  }", "  return v24;", "}"}));
     // g knows no result any more: its own assignment fails, and nothing returns.
     EXPECT_EQ(FunctionLines(r.Code(), "FUNC g 0"), (StringList{"FUNC g 0", "{", "  movc v8 0;", "}"}));
+}
+
+TEST(Functions, AUnitLevelResultMakesEveryFunctionReturnV0) {
+    CompileRun r({"unit U;", "var result;", "function f; begin result := 1 end;", "function g; begin end;"});
+    EXPECT_EQ(r.failure, "");
+    EXPECT_EQ(FunctionLines(r.Code(), "FUNC f 0"),
+              (StringList{"FUNC f 0", "{", "  movc v8 1;", "  movv result v8;", "  return v0;", "}"}));
+    // The return line fills the body before the emptiness test.
+    EXPECT_EQ(FunctionLines(r.Code(), "FUNC g 0"), (StringList{"FUNC g 0", "{", "  return v0;", "}"}));
+    EXPECT_FALSE(r.Has("[U, 4] WARNING: Empty function body (g)"));
 }
 
 TEST(Functions, GameCallsCountRegistersDownFromV15) {

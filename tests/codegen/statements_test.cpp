@@ -225,7 +225,7 @@ TEST(Statements, NullStatementConsumesItsSemicolon) {
 TEST(Statements, CallStatements) {
     CompileRun r({"unit U;", "function two(x, y); forward;", "function ext(x1, x2); external;",
                   "function none; forward;", "function f;", "var a;",
-                  "begin two(1, a); two(1 2); ext(a, 2); none; none() end;"});
+                  "begin two(1, a); two(1 2); ext(a, 2); none end;"});
     EXPECT_EQ(r.failure, "");
     EXPECT_EQ(FunctionLines(r.Code(), "FUNC f 0"), (StringList{"FUNC f 0",
                                                                "{",
@@ -247,10 +247,18 @@ TEST(Statements, CallStatements) {
                                                                "  movv v14 v8;",
                                                                "  ext v15 v14;",
                                                                "  call none 0;",
-                                                               "  call none 0;",
                                                                "}"}));
     EXPECT_TRUE(r.Has("[U, 7] doing USER function call..."));
     EXPECT_TRUE(r.Has("[U, 7] doing WCP function call..."));
+}
+
+TEST(Statements, CallsWithoutParametersTakeNoParentheses) {
+    CompileRun user({"unit U;", "function none; forward;", "function f; begin none() end;"});
+    EXPECT_EQ(user.failure, "expected \";\" but found \"(\"");
+    CompileRun game({"unit U;", "function Now; external;", "function f;", "var a;", "begin a := Now() end;"});
+    EXPECT_EQ(game.failure, "expected \";\" but found \"(\"");
+    EXPECT_EQ(FunctionLines(game.Code(), "FUNC f 0"),
+              (StringList{"FUNC f 0", "{", "  Now;", "  movv v8 v0;", "  movv v24 v8;"}));
 }
 
 } // namespace
