@@ -82,7 +82,9 @@ void TIffCompiler::Value() {
             break;
         case ValueType::Crc32: {
             const std::string_view text = Next();
-            if (Stuck(text)) ExpectError("<value>", text); // a count of a billion must not loop on it
+            // Reading on would take the same empty token for every further item and then refuse it as the
+            // chunk's next type name; that refusal comes at once, so a count of a billion does not loop.
+            if (Stuck(text)) ExpectError("<type>", text);
             AppendLittleEndian(pending_, NameHash(text), 4);
             break;
         }

@@ -155,6 +155,12 @@ TEST_P(IffCompiler, Crc32AndCStrings) {
                   .second,
               OneChunkFile("TEST", "DATA", B(std::string("hi there\0", 9))));
     EXPECT_EQ(ChunkError("cstring 5"), "[error] line 1: expected <string>, but found 5");
+    // CRC32 takes any token, the end of the text too; what stops the text is the type name that should
+    // follow it.
+    EXPECT_EQ(Run("IFF a { form TEST { chunk DATA { crc32\r\n").error,
+              "[error] line 2: expected <type>, but found ");
+    EXPECT_EQ(Run("IFF a { form TEST { chunk DATA { crc32 [3] x\r\n").error,
+              "[error] line 2: expected <type>, but found ");
 }
 
 TEST_P(IffCompiler, ConstantsAndTypesFirstDefinitionWins) {
@@ -286,7 +292,7 @@ TEST_P(IffCompiler, MalformedTextEndsInAnError) {
                            : "[error] line 1: expected IFF, TRE or FLAT, but found ");
     // The empty token does not advance: a count must not loop on it.
     a = Run("IFF a { form TEST { chunk DATA { crc32 [1000000000] x #");
-    EXPECT_TRUE(a.error.starts_with("[error] line 1: expected <value>, but found ")) << a.error;
+    EXPECT_TRUE(a.error.starts_with("[error] line 1: expected <type>, but found ")) << a.error;
 }
 
 TEST_P(IffCompiler, DeepNestingIsRefusedNotFollowedIntoTheStack) {
