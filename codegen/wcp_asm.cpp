@@ -72,8 +72,9 @@ void TIffCompiler::AssembleBlock() {
             ++depth;
             continue;
         }
+        // The end of the text is no "}": it reads as a game-function call without a ";", whose operands
+        // run into the limit of sixteen.
         const std::string_view token = Next();
-        if (kind_ == tkEndOfText) ExpectError("}", token);
         if (token == "}" && kind_ == tkDelimiter) {
             if (depth == 0) return;
             EmitWord(kWcpBlockEnd);
@@ -101,8 +102,8 @@ void TIffCompiler::EmitInstruction(int index, std::span<const std::uint8_t> kind
 void TIffCompiler::EmitNativeCall(std::string_view name) {
     std::array<std::uint32_t, kWcpMaxNativeOperands> operands{};
     std::uint32_t count = 0;
+    // Without a ";" up to the end of the text, the end's empty tokens are operands too, until the limit.
     while (!NextIs(';')) {
-        if (AtEndOfText()) ExpectError(";", Next());
         if (count == operands.size()) Error(ERangeError().what());
         operands[count++] = ReadOperand(okValue);
     }

@@ -117,11 +117,6 @@ bool TIffCompiler::NextIs(char punctuation) {
     return true;
 }
 
-bool TIffCompiler::AtEndOfText() {
-    scanner_->SkipBlanks();
-    return scanner_->AtEnd();
-}
-
 bool TIffCompiler::IsNameKind(std::int32_t kind) {
     return kind == tkIdentifier || kind == tkString || (kind >= tkAnd && kind <= tkProperty) ||
            kind == tkBegin || kind == tkEnd;

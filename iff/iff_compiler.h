@@ -69,7 +69,6 @@ private:
     std::string_view Peek();
     bool PeekIs(char punctuation);
     bool NextIs(char punctuation);
-    bool AtEndOfText();
     // True for the end of the text and for the empty token that does not advance: reading on gets nothing.
     bool Stuck(std::string_view token) const;
     void Expect(std::string_view punctuation);

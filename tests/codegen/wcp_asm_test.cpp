@@ -195,9 +195,13 @@ TEST(WcpAsm, Errors) {
     EXPECT_EQ(AssembleListing("func t 256 { }").error, "[error] line 5: Range check error");
     EXPECT_EQ(BodyError("movc v8 1\r\nmovc v8 2;"), "[error] line 7: expected ;, but found movc");
     EXPECT_EQ(BodyError("addc v8 v8 1, ;"), "");
+    // A text that ends inside a body: the end reads as a game-function call that never meets its ";", and
+    // its empty operands reach the limit of sixteen.
     Assembled a = Assemble("IFF a { form MISN { chunk FUNC { WCP_ASM { func t {\r\nmovc v8 1;\r\n");
-    EXPECT_EQ(a.error, "[error] line 3: expected }, but found ");
+    EXPECT_EQ(a.error, "[error] line 3: Range check error");
     a = Assemble("IFF a { form MISN { chunk FUNC { WCP_ASM { func t {\r\nFoo 1\r\n");
+    EXPECT_EQ(a.error, "[error] line 3: Range check error");
+    a = Assemble("IFF a { form MISN { chunk FUNC { WCP_ASM { func t {\r\nmovc v8\r\n");
     EXPECT_EQ(a.error, "[error] line 3: expected ;, but found ");
 }
 
