@@ -46,13 +46,15 @@ bool TCompiler::HandleDirective() {
     if (word == "DEFINE") {
         NextToken();
         NextToken();
-        const std::string name = NextToken();
-        if (!IsDefined(*Defines, name)) Defines->push_back(name);
+        Defines->push_back(NextToken());
     } else if (word == "UNDEF") {
         NextToken();
         NextToken();
         const std::string name = NextToken();
-        std::erase_if(*Defines, [&](const std::string& d) { return SameText(d, name); });
+        // One entry goes per #UNDEF: a name defined twice stays defined after one.
+        const auto it = std::find_if(Defines->begin(), Defines->end(),
+                                     [&](const std::string& d) { return SameText(d, name); });
+        if (it != Defines->end()) Defines->erase(it);
     } else if (word == "IFDEF" || word == "IFNDEF") {
         NextToken();
         NextToken();

@@ -43,6 +43,16 @@ TEST(Conditionals, IfndefDefineAndUndef) {
     EXPECT_EQ(*r.compiler->Defines, (StringList{"VER122"}));
 }
 
+// Defines is a plain list: each #DEFINE appends, each #UNDEF takes out one entry of the name.
+TEST(Conditionals, NameDefinedTwiceOutlivesOneUndef) {
+    CompileRun r("unit U;\r\n#define A\r\n#DEFINE a\r\n#undef A\r\n#ifdef A\r\nvar x;\r\n#endif\r\n"
+                 "#undef A\r\n#ifdef A\r\nvar y;\r\n#endif\r\n");
+    EXPECT_FALSE(r.threw) << r.All();
+    EXPECT_TRUE(r.Symbol("x"));
+    EXPECT_FALSE(r.Symbol("y"));
+    EXPECT_EQ(*r.compiler->Defines, (StringList{"VER122"}));
+}
+
 TEST(Conditionals, SkippedTextOnlyHasToScan) {
     CompileRun r("unit U;\r\n#IFDEF X\r\nthis is ) not ( valid 'at all\r\n#ENDIF\r\nvar z;\r\n");
     EXPECT_FALSE(r.threw) << r.All();
