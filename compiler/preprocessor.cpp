@@ -91,11 +91,12 @@ bool TCompiler::HandleDirective() {
     return true;
 }
 
-// The folder argument of ADDTOSEARCHPATH and SETOUTPUTPATH: "(" one raw token ")" ";".
+// The folder argument of ADDTOSEARCHPATH and SETOUTPUTPATH: "(" one raw token ")". The ";" is checked
+// after the folder has taken effect, as with every other command.
 bool TCompiler::ReadFolderArgument(std::string& folder) {
     if (!Expect("(")) return false;
     folder = NextToken();
-    return Expect(")") && Expect(";");
+    return Expect(")");
 }
 
 void TCompiler::HandleCommand() {
@@ -113,9 +114,13 @@ void TCompiler::HandleCommand() {
     NextToken();
     std::string text;
     if (word == "ADDTOSEARCHPATH") {
-        if (ReadFolderArgument(text)) AddToSearchPath(text);
+        if (!ReadFolderArgument(text)) return;
+        AddToSearchPath(text);
+        Expect(";");
     } else if (word == "SETOUTPUTPATH") {
-        if (ReadFolderArgument(text)) SetOutputPath(text);
+        if (!ReadFolderArgument(text)) return;
+        SetOutputPath(text);
+        Expect(";");
     } else if (word == "SECTOR") {
         if (!Expect(":")) return;
         SectorFile = ReadValue(2);

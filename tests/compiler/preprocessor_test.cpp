@@ -148,6 +148,20 @@ TEST(Commands, MissingSemicolonAndBadArguments) {
     EXPECT_EQ(r.compiler->Background, 1);
 }
 
+// The missing ";" is found after the folder has been taken, like the value of any other command.
+TEST(Commands, FolderCommandWithoutSemicolonStillTakesEffect) {
+    CompileRun r("unit U;\r\n#SETOUTPUTPATH(Out)\r\nvar a;\r\n#ADDTOSEARCHPATH(Lib)\r\nvar b;\r\n", false);
+    EXPECT_TRUE(r.Has("[U, 2] output path set to out\\")) << r.All();
+    EXPECT_TRUE(r.Has("[U, 3] ERROR: expected \";\" but found \"var\""));
+    EXPECT_EQ(r.compiler->OutputPath, "out\\");
+    EXPECT_TRUE(r.Has("[U, 4] lib\\ added to searchpath"));
+    EXPECT_TRUE(r.Has("[U, 5] ERROR: expected \";\" but found \"var\""));
+    EXPECT_EQ(r.compiler->SearchPath, (StringList{"lib\\"}));
+    // Recovery skipped to the ";" of the declaration that followed.
+    EXPECT_FALSE(r.Symbol("a"));
+    EXPECT_FALSE(r.Symbol("b"));
+}
+
 TEST(Commands, EmptyRoomListAndBrokenLists) {
     CompileRun r("unit U;\r\n#SETROOMS();\r\n#SETKILLBOARD(1 2);\r\nvar a;\r\n", false);
     EXPECT_TRUE(r.compiler->Rooms->empty()) << "\n" << r.All();
