@@ -103,7 +103,7 @@ TEST(Includes, ErrorsOfChildrenCountAndHalt) {
     r.Add("a.pas", "unit A;\r\ninclude b;\r\nvar after;\r\n");
     r.Add("b.pas", "unit B;\r\nvar x, x;\r\n1;\r\n");
     r.Compile("a.pas", false);
-    EXPECT_TRUE(r.Has("[B, 2] ERROR: identifier \"x\" redeclared")) << "\n" << r.All();
+    EXPECT_TRUE(r.Has("[B, 2] ERROR: identifier \"X\" redeclared")) << "\n" << r.All();
     EXPECT_TRUE(r.Has("[B, 3] ERROR: expected \"<Declaration>\" but found \"1\""));
     EXPECT_TRUE(r.Symbol("after"));
     EXPECT_EQ(r.compiler->ErrorCount, 2);
