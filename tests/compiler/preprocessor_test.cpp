@@ -129,6 +129,17 @@ TEST(Commands, UnitSettings) {
     EXPECT_TRUE(r.Has("[M, 8] HINT: Main"));
 }
 
+// The value reader looks every text up, a string's as well: a text that names a symbol is its value.
+TEST(Commands, StringValueNamingASymbolStandsForItsValue) {
+    CompileRun r("unit U;\r\nconst Bg = 4, Sec = \"k.sec\";\r\n#HINT(\"bg\");\r\n#SECTOR: \"Sec\";\r\n"
+                 "#BACKGROUND: \"BG\";\r\n#HINT(\"plain\");\r\n");
+    EXPECT_FALSE(r.threw) << r.All();
+    EXPECT_TRUE(r.Has("[U, 3] HINT: 4")) << r.All();
+    EXPECT_EQ(r.compiler->SectorFile, "k.sec");
+    EXPECT_EQ(r.compiler->Background, 4);
+    EXPECT_TRUE(r.Has("[U, 6] HINT: plain"));
+}
+
 TEST(Commands, HintAndError) {
     CompileRun r("unit U;\r\n#HINT(\"look here\");\r\n#ERROR(\"stop here\");\r\nvar a;\r\n", false);
     EXPECT_TRUE(r.Has("[U, 2] HINT: look here"));
