@@ -111,7 +111,7 @@ void TCodeGen::DeclareFunctionSymbol(const std::string& name, std::int32_t kind,
         symbols.At(existing) = function;
         return;
     }
-    symbols.Add(function, name);
+    symbols.Add(function);
 }
 
 void TCodeGen::CompileFunctionBody() {

@@ -171,9 +171,6 @@ bool TCompiler::AtEnd() {
 // --- the three steps
 
 void TCompiler::Compile() {
-    // The unit's own file counts as included, so that an include file naming it back is not compiled.
-    if (!FileName.empty() && IncludeDepth == 0)
-        IncludedFiles->push_back({UpperCase(FileNamePart(FileName)), nullptr, true});
     std::string first = NextToken();
     switch (TokenKind()) {
     case tkUnit: UnitKind = ukUnit; break;

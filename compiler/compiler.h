@@ -46,7 +46,6 @@ enum TUnitKind : std::int32_t {
 struct IncludedFile {
     std::string Name;                        // upper-cased file-name part, without ".pas" or ".eng"
     std::shared_ptr<TIffStringList> Strings; // the loaded string file; none for a source file
-    bool Unit = false; // the unit being compiled, by its whole file name: blocks source includes only
 };
 using IncludedFileList = std::vector<IncludedFile>;
 
@@ -183,8 +182,8 @@ private:
     // includes.cpp
     StringList ReadFileList();
     bool FindInSearchPath(std::string& name, bool keepFolders, std::filesystem::path& found) const;
-    // Whether a file written as `written` (compiler-appended `extension` left off) is included already.
-    bool AlreadyIncluded(const std::string& written, std::string_view extension) const;
+    // Whether a file written as `written` (the extension the compiler appends left off) is included already.
+    bool AlreadyIncluded(const std::string& written) const;
     void IncludeSourceFiles();
     void IncludeSourceFile(const std::string& written);
     void IncludeStringFiles();

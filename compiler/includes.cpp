@@ -104,11 +104,12 @@ StringList TCompiler::ReadFileList() {
     }
 }
 
-bool TCompiler::AlreadyIncluded(const std::string& written, std::string_view extension) const {
+// The list starts empty: the unit's own file is not in it, so an include naming the unit back compiles
+// it once more as a child, whose own include of it then finds it.
+bool TCompiler::AlreadyIncluded(const std::string& written) const {
     const std::string key = UpperCase(FileNamePart(written));
-    const std::string file = UpperCase(key + std::string(extension));
     return std::any_of(IncludedFiles->begin(), IncludedFiles->end(),
-                       [&](const IncludedFile& f) { return f.Unit ? f.Name == file : f.Name == key; });
+                       [&](const IncludedFile& f) { return f.Name == key; });
 }
 
 // --- source files
@@ -122,7 +123,7 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
     std::string name = written + ".pas";
     std::filesystem::path found;
     const bool exists = FindInSearchPath(name, false, found);
-    if (AlreadyIncluded(written, ".pas")) {
+    if (AlreadyIncluded(written)) {
         Output(1, name + " already included");
         return;
     }
@@ -189,7 +190,7 @@ void TCompiler::IncludeStringFile(const std::string& written) {
     std::string name = written + ".eng";
     std::filesystem::path found;
     const bool exists = FindInSearchPath(name, false, found);
-    if (AlreadyIncluded(written, ".eng")) {
+    if (AlreadyIncluded(written)) {
         Output(1, name + " already included");
         return;
     }

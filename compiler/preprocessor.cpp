@@ -46,13 +46,15 @@ bool TCompiler::HandleDirective() {
     if (word == "DEFINE") {
         NextToken();
         NextToken();
-        const std::string name = NextToken();
-        if (!IsDefined(*Defines, name)) Defines->push_back(name);
+        Defines->push_back(NextToken());
     } else if (word == "UNDEF") {
         NextToken();
         NextToken();
         const std::string name = NextToken();
-        std::erase_if(*Defines, [&](const std::string& d) { return SameText(d, name); });
+        // One entry goes per #UNDEF: a name defined twice stays defined after one.
+        const auto it = std::find_if(Defines->begin(), Defines->end(),
+                                     [&](const std::string& d) { return SameText(d, name); });
+        if (it != Defines->end()) Defines->erase(it);
     } else if (word == "IFDEF" || word == "IFNDEF") {
         NextToken();
         NextToken();
@@ -89,11 +91,12 @@ bool TCompiler::HandleDirective() {
     return true;
 }
 
-// The folder argument of ADDTOSEARCHPATH and SETOUTPUTPATH: "(" one raw token ")" ";".
+// The folder argument of ADDTOSEARCHPATH and SETOUTPUTPATH: "(" one raw token ")". The ";" is checked
+// after the folder has taken effect, as with every other command.
 bool TCompiler::ReadFolderArgument(std::string& folder) {
     if (!Expect("(")) return false;
     folder = NextToken();
-    return Expect(")") && Expect(";");
+    return Expect(")");
 }
 
 void TCompiler::HandleCommand() {
@@ -111,9 +114,13 @@ void TCompiler::HandleCommand() {
     NextToken();
     std::string text;
     if (word == "ADDTOSEARCHPATH") {
-        if (ReadFolderArgument(text)) AddToSearchPath(text);
+        if (!ReadFolderArgument(text)) return;
+        AddToSearchPath(text);
+        Expect(";");
     } else if (word == "SETOUTPUTPATH") {
-        if (ReadFolderArgument(text)) SetOutputPath(text);
+        if (!ReadFolderArgument(text)) return;
+        SetOutputPath(text);
+        Expect(";");
     } else if (word == "SECTOR") {
         if (!Expect(":")) return;
         SectorFile = ReadValue(2);

@@ -35,12 +35,10 @@ void TSymbolTable::Fail(const std::string& text) {
     if (owner_) owner_->Error(text);
 }
 
-void TSymbolTable::Add(TSymbol symbol, std::string_view writtenName) {
+void TSymbolTable::Add(TSymbol symbol) {
     symbol.Name = ShortString(symbol.Name);
     symbol.Text = ShortString(symbol.Text);
-    if (Find(symbol.Name) >= 0)
-        Fail("identifier \"" + std::string(writtenName.empty() ? symbol.Name : writtenName) +
-             "\" redeclared");
+    if (Find(symbol.Name) >= 0) Fail("identifier \"" + symbol.Name + "\" redeclared");
     const int position = Count();
     if (IsLocalKind(symbol.Kind) && firstLocal_ < 0) firstLocal_ = position;
     ++kindCounts_[symbol.Kind];
@@ -211,7 +209,7 @@ TSymbol TSymbolTable::AddVariable(const std::string& name, std::int32_t kind, st
              "). Don't know what do do with it. - This should never happen!");
         break;
     }
-    Add(s, name);
+    Add(s);
     return s;
 }
 
@@ -228,7 +226,7 @@ TSymbol TSymbolTable::AddPassVariable(const std::string& name) {
     // The message counts local variables, not parameters; the stored register is right.
     Message(3,
             "adding pass variable: " + name + " [reg: " + std::to_string(16 + CountOfKind(skLocalVar)) + "]");
-    Add(s, name);
+    Add(s);
     return s;
 }
 
@@ -247,7 +245,7 @@ void TSymbolTable::AddConstant(const std::string& name, const std::string& value
         Message(2, "adding local const " + s.Name + " with value " + value);
     else if (kind == skEnum)
         Message(3, "adding global enum " + s.Name + " with value " + value);
-    Add(s, name);
+    Add(s);
 }
 
 void TSymbolTable::Store(const TSymbol& symbol, int r) {

@@ -63,9 +63,9 @@ public:
         return previous;
     }
 
-    // Appends; a name already present is the error `identifier "<name>" redeclared` (the name as
-    // written when given) and is added anyway (lookups then find the first record).
-    void Add(TSymbol symbol, std::string_view writtenName = {});
+    // Appends; a name already present is the error `identifier "<NAME>" redeclared`, named as the record
+    // holds it (upper-cased), and is added anyway (lookups then find the first record).
+    void Add(TSymbol symbol);
     int Find(std::string_view name) const; // index of the first record of that name (any case), or -1
     const TSymbol& Get(int index) const;
     TSymbol& At(int index);

@@ -34,8 +34,8 @@ std::optional<std::int32_t> TCompiler::ConvertNumber(std::string_view text) {
 std::string TCompiler::ReadValue(int kind) {
     std::string text = NextToken();
     if (text == "+" || text == "-" || SameText(text, "OR")) text += NextToken();
-    const bool wasString = TokenKind() == tkString;
-    int found = wasString ? -1 : symbols_->Find(text);
+    // A string's text is looked up like any other: a text naming a symbol stands for its value text.
+    const int found = symbols_->Find(text);
     if (found >= 0) {
         const TSymbol symbol = symbols_->Get(found);
         if (symbol.Kind == skStringTable) {

@@ -138,7 +138,7 @@ TEST(VelkorcSymbols, OneLinePerSymbol) {
     WriteFile(p.dir / "bad.pas", "unit Bad;\r\nvar a, a;\r\n");
     auto bad = RunVelkorc({"symbols", (p.dir / "bad.pas").string()});
     EXPECT_EQ(bad.exitCode, 1);
-    EXPECT_EQ(bad.err, "identifier \"a\" redeclared\n");
+    EXPECT_EQ(bad.err, "identifier \"A\" redeclared\n");
     EXPECT_EQ(bad.out, "A\t0\t" + (p.dir / "bad.pas").string() + "\t2\ta\t0\t0\n");
 }
 

@@ -24,6 +24,15 @@ TEST(CompilerSpine, UnitHeaderAndVariables) {
     EXPECT_TRUE(r.Has("[Demo, 3] adding global const MAX with value $10"));
 }
 
+// The table knows a record by its upper-cased name only (a constant's text is its value): that is the
+// name the redeclaration names, however the second declaration writes it.
+TEST(CompilerSpine, RedeclarationNamesTheUpperCasedName) {
+    CompileRun r("unit U;\r\nconst Max = 1;\r\nvar max;\r\nconst mAx = 2;\r\n", false);
+    EXPECT_TRUE(r.Has("[U, 3] ERROR: identifier \"MAX\" redeclared")) << r.All();
+    EXPECT_TRUE(r.Has("[U, 4] ERROR: identifier \"MAX\" redeclared"));
+    EXPECT_EQ(r.compiler->ErrorCount, 2);
+}
+
 TEST(CompilerSpine, ErrorsHaltOrRecover) {
     CompileRun halted("unit U;\r\nvar x;\r\nvar X;\r\nvar y;\r\n");
     EXPECT_TRUE(halted.threw);

@@ -72,18 +72,36 @@ TEST(Includes, ChildDeclaresIntoTheSharedTableWithItsOwnFileAndLines) {
     EXPECT_EQ(*r.compiler->Defines, (StringList{"VER122", "FROM_LIB"}));
 }
 
-TEST(Includes, EachFileOnceAndNeverBackIntoTheUnit) {
+// Only included files are in the shared list, not the unit itself: an include naming the unit back
+// compiles it once more, as a child of the include, and every file after that only once.
+TEST(Includes, EachFileOnceAndTheUnitOnceMoreWhenNamedBack) {
     FileRun r;
     r.Add("a.pas", "unit A;\r\ninclude b, b;\r\n#INCLUDE c;\r\n");
     r.Add("b.pas", "unit B;\r\ninclude A;\r\nvar inB;\r\n");
     r.Add("c.pas", "unit C;\r\ninclude b;\r\n");
     r.Compile("a.pas");
     ASSERT_FALSE(r.threw) << r.All();
-    EXPECT_TRUE(r.Has("[B, 2] " + r.Path("A.pas") + " already included")) << r.All();
-    EXPECT_TRUE(r.Has("[A, 2] " + r.Path("b.pas") + " already included"));
-    EXPECT_TRUE(r.Has("[C, 2] " + r.Path("b.pas") + " already included"));
-    EXPECT_EQ(r.Count("Including file"), 2);
+    const StringList includes = {
+        "[A, 2] Including file " + r.Path("b.pas"),        "[B, 2] Including file " + r.Path("A.pas"),
+        "[A, 2] " + r.Path("b.pas") + " already included", "[A, 2] " + r.Path("b.pas") + " already included",
+        "[A, 3] Including file " + r.Path("c.pas"),        "[C, 2] " + r.Path("b.pas") + " already included",
+        "[A, 2] " + r.Path("b.pas") + " already included", "[A, 3] " + r.Path("c.pas") + " already included",
+    };
+    StringList seen;
+    for (const auto& m : r.messages)
+        if (m.find("Includ") != std::string::npos || m.find("already included") != std::string::npos)
+            seen.push_back(m);
+    EXPECT_EQ(seen, includes) << r.All();
     EXPECT_EQ(r.compiler->ErrorCount, 0);
+
+    // The unit's own file is compiled again by a self-include, so its declarations stand twice.
+    FileRun self;
+    self.Add("s.pas", "unit S;\r\ninclude s;\r\nvar x;\r\n");
+    self.Compile("s.pas", false);
+    EXPECT_TRUE(self.Has("[S, 2] Including file " + self.Path("s.pas"))) << self.All();
+    EXPECT_TRUE(self.Has("[S, 2] " + self.Path("s.pas") + " already included"));
+    EXPECT_TRUE(self.Has("[S, 3] ERROR: identifier \"X\" redeclared"));
+    EXPECT_EQ(self.compiler->ErrorCount, 1);
 }
 
 TEST(Includes, MissingFileAndTheRestOfTheList) {
@@ -103,7 +121,7 @@ TEST(Includes, ErrorsOfChildrenCountAndHalt) {
     r.Add("a.pas", "unit A;\r\ninclude b;\r\nvar after;\r\n");
     r.Add("b.pas", "unit B;\r\nvar x, x;\r\n1;\r\n");
     r.Compile("a.pas", false);
-    EXPECT_TRUE(r.Has("[B, 2] ERROR: identifier \"x\" redeclared")) << "\n" << r.All();
+    EXPECT_TRUE(r.Has("[B, 2] ERROR: identifier \"X\" redeclared")) << "\n" << r.All();
     EXPECT_TRUE(r.Has("[B, 3] ERROR: expected \"<Declaration>\" but found \"1\""));
     EXPECT_TRUE(r.Symbol("after"));
     EXPECT_EQ(r.compiler->ErrorCount, 2);
@@ -184,7 +202,7 @@ TEST(StringFiles, MissingStringInAnExpressionRecoversAtTheSemicolon) {
 
 // Source and string files share the list of included names, which leaves out the extension the compiler
 // appends: a source file and a string file of the same name block each other, either way round. The unit's
-// own file blocks only a source file of its name.
+// own file is not in that list, so a string file of the unit's name is included.
 TEST(StringFiles, SourceAndStringFileOfOneNameBlockEachOther) {
     FileRun r;
     r.AddStrings("common.eng", {"Hello pilot", "Second line", "padding padding"});

@@ -43,6 +43,16 @@ TEST(Conditionals, IfndefDefineAndUndef) {
     EXPECT_EQ(*r.compiler->Defines, (StringList{"VER122"}));
 }
 
+// Defines is a plain list: each #DEFINE appends, each #UNDEF takes out one entry of the name.
+TEST(Conditionals, NameDefinedTwiceOutlivesOneUndef) {
+    CompileRun r("unit U;\r\n#define A\r\n#DEFINE a\r\n#undef A\r\n#ifdef A\r\nvar x;\r\n#endif\r\n"
+                 "#undef A\r\n#ifdef A\r\nvar y;\r\n#endif\r\n");
+    EXPECT_FALSE(r.threw) << r.All();
+    EXPECT_TRUE(r.Symbol("x"));
+    EXPECT_FALSE(r.Symbol("y"));
+    EXPECT_EQ(*r.compiler->Defines, (StringList{"VER122"}));
+}
+
 TEST(Conditionals, SkippedTextOnlyHasToScan) {
     CompileRun r("unit U;\r\n#IFDEF X\r\nthis is ) not ( valid 'at all\r\n#ENDIF\r\nvar z;\r\n");
     EXPECT_FALSE(r.threw) << r.All();
@@ -119,6 +129,17 @@ TEST(Commands, UnitSettings) {
     EXPECT_TRUE(r.Has("[M, 8] HINT: Main"));
 }
 
+// The value reader looks every text up, a string's as well: a text that names a symbol is its value.
+TEST(Commands, StringValueNamingASymbolStandsForItsValue) {
+    CompileRun r("unit U;\r\nconst Bg = 4, Sec = \"k.sec\";\r\n#HINT(\"bg\");\r\n#SECTOR: \"Sec\";\r\n"
+                 "#BACKGROUND: \"BG\";\r\n#HINT(\"plain\");\r\n");
+    EXPECT_FALSE(r.threw) << r.All();
+    EXPECT_TRUE(r.Has("[U, 3] HINT: 4")) << r.All();
+    EXPECT_EQ(r.compiler->SectorFile, "k.sec");
+    EXPECT_EQ(r.compiler->Background, 4);
+    EXPECT_TRUE(r.Has("[U, 6] HINT: plain"));
+}
+
 TEST(Commands, HintAndError) {
     CompileRun r("unit U;\r\n#HINT(\"look here\");\r\n#ERROR(\"stop here\");\r\nvar a;\r\n", false);
     EXPECT_TRUE(r.Has("[U, 2] HINT: look here"));
@@ -136,6 +157,20 @@ TEST(Commands, MissingSemicolonAndBadArguments) {
     EXPECT_TRUE(r.Has("[U, 3] ERROR: expected \";\" but found \"var\""));
     EXPECT_TRUE(r.Has("[U, 4] ERROR: \"abc\" is not a valid integer value"));
     EXPECT_EQ(r.compiler->Background, 1);
+}
+
+// The missing ";" is found after the folder has been taken, like the value of any other command.
+TEST(Commands, FolderCommandWithoutSemicolonStillTakesEffect) {
+    CompileRun r("unit U;\r\n#SETOUTPUTPATH(Out)\r\nvar a;\r\n#ADDTOSEARCHPATH(Lib)\r\nvar b;\r\n", false);
+    EXPECT_TRUE(r.Has("[U, 2] output path set to out\\")) << r.All();
+    EXPECT_TRUE(r.Has("[U, 3] ERROR: expected \";\" but found \"var\""));
+    EXPECT_EQ(r.compiler->OutputPath, "out\\");
+    EXPECT_TRUE(r.Has("[U, 4] lib\\ added to searchpath"));
+    EXPECT_TRUE(r.Has("[U, 5] ERROR: expected \";\" but found \"var\""));
+    EXPECT_EQ(r.compiler->SearchPath, (StringList{"lib\\"}));
+    // Recovery skipped to the ";" of the declaration that followed.
+    EXPECT_FALSE(r.Symbol("a"));
+    EXPECT_FALSE(r.Symbol("b"));
 }
 
 TEST(Commands, EmptyRoomListAndBrokenLists) {
