@@ -24,9 +24,10 @@ void BuildIffFromView(TPageHost& host, const std::filesystem::path& baseFolder) 
         const std::filesystem::path text = std::filesystem::temp_directory_path() / "_velkor.txt";
         const std::string source = FromQ(host.IffView().Text());
         WriteFileAtomic(text, source);
+        // The file is kept for the user to look at; the assembler takes the text from memory, so that another
+        // build writing the same file meanwhile cannot change what this one assembles.
         TIffCompiler assembler;
-        assembler.SetInputFile(text.string());
-        if (!baseFolder.empty()) assembler.SetInputText(source, baseFolder);
+        assembler.SetInputText(source, baseFolder.empty() ? text.parent_path() : baseFolder);
         assembler.OnMessage = [&host](int, const std::string& line) { host.Output(line); };
         assembler.OnBinaryOutput = [&host](const std::vector<std::uint8_t>& bytes, const std::string& name) {
             const std::filesystem::path target = PlaceBuiltFile(name);
