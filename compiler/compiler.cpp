@@ -43,11 +43,11 @@ std::string FileNameOf(std::int32_t number) {
 }
 
 TCompiler::TCompiler(std::shared_ptr<TSymbolTable> symbols, std::shared_ptr<StringList> rooms,
-                     std::shared_ptr<StringList> defines, std::shared_ptr<StringList> killBoard,
+                     std::shared_ptr<TDefines> defines, std::shared_ptr<StringList> killBoard,
                      std::shared_ptr<IncludedFileList> includedFiles)
     : Rooms(rooms ? std::move(rooms) : std::make_shared<StringList>(StringList{"cerberus.rom"})),
       KillBoard(killBoard ? std::move(killBoard) : std::make_shared<StringList>()),
-      Defines(defines ? std::move(defines) : std::make_shared<StringList>(StringList{"VER122"})),
+      Defines(defines ? std::move(defines) : std::make_shared<TDefines>(TDefines{"VER122"})),
       IncludedFiles(includedFiles ? std::move(includedFiles) : std::make_shared<IncludedFileList>()),
       scanner_(CreateScanner()),
       symbols_(symbols ? std::move(symbols) : std::make_shared<TSymbolTable>(this)),

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "compiler/comp_data.h"
+#include "compiler/defines.h"
 #include "platform/exception.h"
 
 #include "platform/source_location.h"
@@ -54,7 +55,7 @@ public:
     // Each shared object that is not given is made by this compiler (Defines then holds "VER122", Rooms
     // "cerberus.rom"). Include children get all five of their parent.
     explicit TCompiler(std::shared_ptr<TSymbolTable> symbols = {}, std::shared_ptr<StringList> rooms = {},
-                       std::shared_ptr<StringList> defines = {}, std::shared_ptr<StringList> killBoard = {},
+                       std::shared_ptr<TDefines> defines = {}, std::shared_ptr<StringList> killBoard = {},
                        std::shared_ptr<IncludedFileList> includedFiles = {});
     ~TCompiler();
     TCompiler(const TCompiler&) = delete;
@@ -91,7 +92,7 @@ public:
     std::int32_t Background = 1;                     // set by #BACKGROUND
     std::shared_ptr<StringList> Rooms;               // set by #SETROOMS; shared with include children
     std::shared_ptr<StringList> KillBoard;           // set by #SETKILLBOARD; shared with include children
-    std::shared_ptr<StringList> Defines;             // conditional symbols; shared with include children
+    std::shared_ptr<TDefines> Defines;               // conditional symbols; shared with include children
     std::shared_ptr<IncludedFileList> IncludedFiles; // files already included; shared with include children
     StringList SearchPath;                           // folders searched for included files, in order
     std::string OutputPath;                          // prefixed to output names; ends in "\" once set

@@ -11,15 +11,6 @@
 
 namespace velkor {
 
-namespace {
-
-bool IsDefined(const StringList& defines, std::string_view name) {
-    return std::any_of(defines.begin(), defines.end(),
-                       [&](const std::string& d) { return SameText(d, name); });
-}
-
-} // namespace
-
 bool TCompiler::NextIsDirective(std::string_view word1, std::string_view word2) {
     if (PeekToken() != "#") return false;
     const std::string word = UpperCase(PeekAhead(1));
@@ -46,22 +37,18 @@ bool TCompiler::HandleDirective() {
     if (word == "DEFINE") {
         NextToken();
         NextToken();
-        Defines->push_back(NextToken());
+        Defines->Add(NextToken());
     } else if (word == "UNDEF") {
         NextToken();
         NextToken();
-        const std::string name = NextToken();
-        // One entry goes per #UNDEF: a name defined twice stays defined after one.
-        const auto it = std::find_if(Defines->begin(), Defines->end(),
-                                     [&](const std::string& d) { return SameText(d, name); });
-        if (it != Defines->end()) Defines->erase(it);
+        Defines->Remove(NextToken());
     } else if (word == "IFDEF" || word == "IFNDEF") {
         NextToken();
         NextToken();
         const std::string name = NextToken();
         if (ConditionalState != -1) ErrorNoSkip("Nested #IfDefs aren't allowed");
         InElse = false;
-        const bool defined = IsDefined(*Defines, name);
+        const bool defined = Defines->Contains(name);
         ConditionalState = defined ? 1 : 0;
         if (defined != (word == "IFDEF")) {
             if (SkipConditional("Ifdef", "ENDIF", "ELSE") == "ENDIF") {

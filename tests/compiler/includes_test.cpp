@@ -69,7 +69,7 @@ TEST(Includes, ChildDeclaresIntoTheSharedTableWithItsOwnFileAndLines) {
     EXPECT_EQ(r.compiler->Data().Globals, (StringList{"first", "shared", "last"}));
     EXPECT_EQ(r.compiler->Data().CrcNames,
               (StringList{"_ObjType_DO_NOT_MODIFY", "FLO_Main", "first", "shared", "last"}));
-    EXPECT_EQ(*r.compiler->Defines, (StringList{"VER122", "FROM_LIB"}));
+    EXPECT_EQ(r.compiler->Defines->Names(), (StringList{"VER122", "FROM_LIB"}));
 }
 
 // Only included files are in the shared list, not the unit itself: an include naming the unit back

@@ -1,3 +1,4 @@
+#include "compiler/defines.h"
 #include "compiler/scanner.h"
 #include "platform/named_folders.h"
 #include "platform/strings.h"
@@ -40,7 +41,7 @@ TEST(Conditionals, IfndefDefineAndUndef) {
     EXPECT_FALSE(r.threw) << r.All();
     EXPECT_FALSE(r.Symbol("a"));
     EXPECT_TRUE(r.Symbol("b"));
-    EXPECT_EQ(*r.compiler->Defines, (StringList{"VER122"}));
+    EXPECT_EQ(r.compiler->Defines->Names(), (StringList{"VER122"}));
 }
 
 // Defines is a plain list: each #DEFINE appends, each #UNDEF takes out one entry of the name.
@@ -50,7 +51,24 @@ TEST(Conditionals, NameDefinedTwiceOutlivesOneUndef) {
     EXPECT_FALSE(r.threw) << r.All();
     EXPECT_TRUE(r.Symbol("x"));
     EXPECT_FALSE(r.Symbol("y"));
-    EXPECT_EQ(*r.compiler->Defines, (StringList{"VER122"}));
+    EXPECT_EQ(r.compiler->Defines->Names(), (StringList{"VER122"}));
+}
+
+TEST(Conditionals, DefinesCountDefinitionsWhateverTheCase) {
+    TDefines defines{"VER122"};
+    defines.Remove("never");
+    defines.Add("Debug");
+    defines.Add("DEBUG");
+    defines.Add("trace");
+    EXPECT_EQ(defines.Names(), (StringList{"VER122", "Debug", "Debug", "trace"}));
+    defines.Remove("debug");
+    EXPECT_TRUE(defines.Contains("dEbUg"));
+    defines.Remove("Debug");
+    EXPECT_FALSE(defines.Contains("DEBUG"));
+    defines.Remove("DEBUG"); // no count below nothing: a later define stands again
+    defines.Add("debug");
+    EXPECT_TRUE(defines.Contains("Debug"));
+    EXPECT_EQ(defines.Names(), (StringList{"VER122", "Debug", "trace"}));
 }
 
 TEST(Conditionals, SkippedTextOnlyHasToScan) {
