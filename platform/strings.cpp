@@ -52,8 +52,28 @@ std::string_view Trim(std::string_view s) {
 size_t FindNoCase(std::string_view hay, std::string_view needle) {
     if (needle.empty()) return 0;
     if (needle.size() > hay.size()) return std::string_view::npos;
-    for (size_t i = 0; i + needle.size() <= hay.size(); ++i)
-        if (SameText(hay.substr(i, needle.size()), needle)) return i;
+    // A short needle is compared at every position. A long one is matched Knuth-Morris-Pratt style, so that
+    // a long run of near-misses in hostile text costs the length of the text, not its product with the
+    // needle's.
+    constexpr size_t kShort = 16;
+    if (needle.size() <= kShort) {
+        for (size_t i = 0; i + needle.size() <= hay.size(); ++i)
+            if (SameText(hay.substr(i, needle.size()), needle)) return i;
+        return std::string_view::npos;
+    }
+    const std::string pattern = UpperCase(needle);
+    std::vector<size_t> fallback(pattern.size(), 0); // the longest proper border of pattern[0..i]
+    for (size_t i = 1, k = 0; i < pattern.size(); ++i) {
+        while (k > 0 && pattern[i] != pattern[k]) k = fallback[k - 1];
+        if (pattern[i] == pattern[k]) ++k;
+        fallback[i] = k;
+    }
+    for (size_t i = 0, k = 0; i < hay.size(); ++i) {
+        const char c = Upper(hay[i]);
+        while (k > 0 && c != pattern[k]) k = fallback[k - 1];
+        if (c == pattern[k]) ++k;
+        if (k == pattern.size()) return i + 1 - k;
+    }
     return std::string_view::npos;
 }
 

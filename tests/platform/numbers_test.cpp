@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace velkor {
 namespace {
 
@@ -71,6 +73,26 @@ TEST(Strings, CaseAndTrim) {
     EXPECT_EQ(Trim(std::string_view("\0 \t ab c\r\n", 10)), "ab c");
     EXPECT_EQ(ReplaceAllNoCase("$Compiler$\\lib and $COMPILER$", "$compiler$", "/x"), "/x\\lib and /x");
     EXPECT_EQ(FindNoCase("say Hello", "HELLO"), 4u);
+}
+
+// Long needles take another road than short ones; both must find the first match, whatever the case.
+TEST(Strings, FindNoCaseAgreesWithAPlainSearch) {
+    std::mt19937 random(12345);
+    auto text = [&](size_t n) {
+        std::string t(n, 'a');
+        for (char& c : t) c = "abAB"[random() % 4];
+        return t;
+    };
+    for (int round = 0; round < 2000; ++round) {
+        const std::string needle = text(1 + random() % 24);
+        std::string hay = text(random() % 300);
+        if (round % 3 == 0 && hay.size() > needle.size()) // plant a match with other case somewhere
+            hay.replace(random() % (hay.size() - needle.size()), needle.size(), LowerCase(needle));
+        size_t expected = std::string_view::npos;
+        for (size_t i = 0; i + needle.size() <= hay.size() && expected == std::string_view::npos; ++i)
+            if (SameText(std::string_view(hay).substr(i, needle.size()), needle)) expected = i;
+        ASSERT_EQ(FindNoCase(hay, needle), expected) << hay << " / " << needle;
+    }
 }
 
 TEST(TextFile, LineBreaksBecomeCrLf) {
