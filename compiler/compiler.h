@@ -207,4 +207,8 @@ private:
 std::int32_t FileNumberOf(const std::string& name);
 std::string FileNameOf(std::int32_t number);
 
+// "_velkor.txt" in the system's temporary folder: the text each #FILE unit and the IDE's Build IFF leave
+// there for the user to look at.
+std::filesystem::path LinkedTextFile();
+
 } // namespace velkor

@@ -316,8 +316,12 @@ void TCompiler::CompileFile(const std::string& written) {
     AssembleLinkedText(linked, found.parent_path());
 }
 
+std::filesystem::path LinkedTextFile() {
+    return std::filesystem::temp_directory_path() / "_velkor.txt";
+}
+
 void TCompiler::AssembleLinkedText(const std::string& text, const std::filesystem::path& unitFolder) {
-    const std::filesystem::path temp = std::filesystem::temp_directory_path() / "_velkor.txt";
+    const std::filesystem::path temp = LinkedTextFile();
     try {
         WriteFileAtomic(temp, text);
     } catch (const EInOutError& e) {

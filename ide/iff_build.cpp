@@ -1,5 +1,6 @@
 #include "ide/iff_build.h"
 
+#include "compiler/compiler.h"
 #include "ide/ide_ini.h"
 #include "ide/iff_view.h"
 #include "ide/page_host.h"
@@ -21,7 +22,7 @@ std::filesystem::path PlaceBuiltFile(const std::string& name) {
 void BuildIffFromView(TPageHost& host, const std::filesystem::path& baseFolder) {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     try {
-        const std::filesystem::path text = std::filesystem::temp_directory_path() / "_velkor.txt";
+        const std::filesystem::path text = LinkedTextFile();
         const std::string source = FromQ(host.IffView().Text());
         WriteFileAtomic(text, source);
         // The file is kept for the user to look at; the assembler takes the text from memory, so that another
