@@ -69,14 +69,17 @@ set(CPACK_PACKAGE_VENDOR "The Velkor developers")
 set(CPACK_PACKAGE_CONTACT ${VELKOR_PACKAGE_MAINTAINER})
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "compiler and IDE for space-combat mission scripts")
+# Lines of the long description stay within 80 columns, as dpkg shows them.
 set(CPACK_PACKAGE_DESCRIPTION
-    "Velkor compiles units, missions, sectors and series of a Pascal-like mission-scripting
-language into textual IFF, optimises the script listings and assembles the text into the binary IFF
-files two space-combat games load (.mis, .iff, .sec, .srs). It decodes such files back into text that
+    "Velkor compiles units, missions, sectors and series of a Pascal-like
+mission-scripting language into textual IFF, optimises the script listings
+and assembles the text into the binary IFF files two space-combat games load
+(.mis, .iff, .sec, .srs). It decodes such files back into text that
 assembles into the same bytes again.
 .
-The package holds the desktop environment velkor, the command-line compiler velkorc, the library units,
-the help pages, and the headers and CMake package for writing extension libraries.")
+The package holds the desktop environment velkor, the command-line compiler
+velkorc, the library units, the help pages, and the headers and CMake package
+for writing extension libraries.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
