@@ -25,6 +25,7 @@ constexpr const char* kToolHelp =
     "  tokens  [OPTIONS] FILE      print each token as \"<line>\\t<kind>\\t<text>\", end of text included\n"
     "  symbols [OPTIONS] UNIT      declarations only; print the symbol table, one symbol a line,\n"
     "                              tab-separated: name, kind, file, line, text, register, value\n"
+    "  lsp                         language server over stdio (LSP 3.17), for editors other than the IDE\n"
     "  --version                   print the compiler version\n"
     "\n"
     "Options:\n"
@@ -73,6 +74,11 @@ constexpr CommandHelp kCommandHelp[] = {
                 "Compiles the declarations of UNIT only and prints the symbol table, one symbol a line,\n"
                 "tab-separated: name, kind, file, line, text, register, value.\n"
                 "Options: -v N, --no-halt, --fast-scanner, -I DIR.\n"},
+    {"lsp", "Usage: velkorc lsp\n"
+            "Runs the language server on standard input and output (JSON-RPC with LSP 3.17 framing):\n"
+            "diagnostics, completion, hover, signature help, definition, document and workspace symbols,\n"
+            "references and semantic tokens. Settings come from the client's \"velkor\" section:\n"
+            "searchPath (folders after the unit's own, before $compiler$\\lib) and debounceMilliseconds.\n"},
 };
 
 int UsageError(const std::string& message) {
@@ -156,6 +162,10 @@ int Main(int argc, char** argv) {
         }
     }
 
+    if (o.command == "lsp") {
+        if (!o.files.empty()) return UsageError("lsp takes no file");
+        return RunLsp(o);
+    }
     if (o.files.empty()) return UsageError(o.command + " needs a file");
     if (o.command != "decode" && o.files.size() > 1) return UsageError(o.command + " takes one file");
     if (o.command == "decode" && !o.output.empty() && o.files.size() > 1)
