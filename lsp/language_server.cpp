@@ -1,5 +1,7 @@
 #include "lsp/language_server.h"
 
+#include "lsp/json_params.h"
+
 #include "platform/text_file.h"
 
 #include <nlohmann/json.hpp>
@@ -30,36 +32,11 @@ bool ValidId(const json& id) {
     return id.is_number_integer() || id.is_string();
 }
 
-const json& Member(const json& object, const char* name) {
-    static const json none;
-    if (!object.is_object()) return none;
-    const auto it = object.find(name);
-    return it == object.end() ? none : *it;
-}
-
-std::string StringMember(const json& object, const char* name) {
-    const json& v = Member(object, name);
-    if (!v.is_string()) throw EInvalidParams(std::string("\"") + name + "\" must be a string");
-    return v.get<std::string>();
-}
-
 int HexValue(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
     if (c >= 'A' && c <= 'F') return c - 'A' + 10;
     return -1;
-}
-
-TPosition PositionMember(const json& object, const char* name) {
-    const json& p = Member(object, name);
-    const json& line = Member(p, "line");
-    const json& character = Member(p, "character");
-    if (!line.is_number_integer() || !character.is_number_integer())
-        throw EInvalidParams(std::string("\"") + name + "\" must be a position");
-    const auto clamp = [](std::int64_t v) {
-        return static_cast<int>(std::clamp<std::int64_t>(v, 0, 1 << 30));
-    };
-    return {clamp(line.get<std::int64_t>()), clamp(character.get<std::int64_t>())};
 }
 
 } // namespace

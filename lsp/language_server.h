@@ -17,19 +17,12 @@
 #include <memory>
 #include <optional>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace velkor::lsp {
 
 using TClock = std::chrono::steady_clock;
-
-// A request's parameters were not what the method takes: the InvalidParams error.
-class EInvalidParams : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 class TLanguageServer {
 public:

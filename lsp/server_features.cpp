@@ -1,6 +1,7 @@
 // The requests that read a document's symbols: completion, hover, signature help, definition, symbols,
 // references and semantic tokens. Each answers from the document's latest compile and, for names the
 // text being typed has lost, from its last compile without errors.
+#include "lsp/json_params.h"
 #include "lsp/language_server.h"
 #include "lsp/source_words.h"
 
@@ -88,23 +89,6 @@ std::string Detail(const TSymbol& s) {
     return caption;
 }
 
-bool IsKeyword(std::string_view lower) {
-    for (const auto& k : ScannerKeywords())
-        if (k.word == lower) return true;
-    return std::find(kStatementWords.begin(), kStatementWords.end(), lower) != kStatementWords.end();
-}
-
-TPosition Position(const json& params) {
-    const json& p = params.is_object() && params.contains("position") ? params["position"] : json();
-    if (!p.is_object() || !p.contains("line") || !p.contains("character") || !p["line"].is_number_integer() ||
-        !p["character"].is_number_integer())
-        throw EInvalidParams("\"position\" must be a position");
-    const auto clamp = [](std::int64_t v) {
-        return static_cast<int>(std::clamp<std::int64_t>(v, 0, 1 << 30));
-    };
-    return {clamp(p["line"].get<std::int64_t>()), clamp(p["character"].get<std::int64_t>())};
-}
-
 } // namespace
 
 std::optional<TSymbol> TLanguageServer::FindSymbol(const TOpenDocument& doc, std::string_view name,
@@ -146,7 +130,7 @@ std::optional<json> TLanguageServer::DeclarationLocation(const TUnitAnalysis& an
 json TLanguageServer::Completion(const json& params) {
     TOpenDocument& doc = Document(params);
     EnsureAnalysed(doc);
-    const TPosition pos = Position(params);
+    const TPosition pos = PositionMember(params, "position");
     const std::string_view line = doc.Text->LineText(pos.Line);
     const std::size_t column = doc.Text->ByteColumn(pos.Line, pos.Character);
     const std::string_view left = line.substr(0, column);
@@ -214,16 +198,13 @@ json TLanguageServer::Completion(const json& params) {
 json TLanguageServer::Hover(const json& params) {
     TOpenDocument& doc = Document(params);
     EnsureAnalysed(doc);
-    const TPosition pos = Position(params);
+    const TPosition pos = PositionMember(params, "position");
     const std::string_view line = doc.Text->LineText(pos.Line);
     const TWordAt word = WordAt(line, doc.Text->ByteColumn(pos.Line, pos.Character));
     if (word.Text.empty()) return nullptr;
     const TUnitAnalysis* from = nullptr;
     const auto symbol = FindSymbol(doc, word.Text, &from);
-    if (!symbol) {
-        if (IsKeyword(LowerCase(word.Text))) return nullptr;
-        return nullptr;
-    }
+    if (!symbol) return nullptr;
     std::string text = SymbolHintText(*symbol);
     if (IsFunctionKind(symbol->Kind)) {
         const std::filesystem::path file = from->FileOf(*symbol);
@@ -242,7 +223,7 @@ json TLanguageServer::Hover(const json& params) {
 json TLanguageServer::SignatureHelp(const json& params) {
     TOpenDocument& doc = Document(params);
     EnsureAnalysed(doc);
-    const TPosition pos = Position(params);
+    const TPosition pos = PositionMember(params, "position");
     const std::string_view line = doc.Text->LineText(pos.Line);
     const auto call = CallAtCaret(line, static_cast<int>(doc.Text->ByteColumn(pos.Line, pos.Character)));
     if (!call) return nullptr;
@@ -280,7 +261,7 @@ json TLanguageServer::SignatureHelp(const json& params) {
 json TLanguageServer::Definition(const json& params) {
     TOpenDocument& doc = Document(params);
     EnsureAnalysed(doc);
-    const TPosition pos = Position(params);
+    const TPosition pos = PositionMember(params, "position");
     const TWordAt word = WordAt(doc.Text->LineText(pos.Line), doc.Text->ByteColumn(pos.Line, pos.Character));
     if (word.Text.empty()) return nullptr;
     const TUnitAnalysis* from = nullptr;
@@ -326,7 +307,7 @@ json TLanguageServer::DocumentSymbols(const json& params) {
 }
 
 json TLanguageServer::WorkspaceSymbols(const json& params) {
-    const json& q = params.is_object() && params.contains("query") ? params["query"] : json();
+    const json& q = Member(params, "query");
     if (!q.is_string()) throw EInvalidParams("\"query\" must be a string");
     const std::string query = UpperCase(q.get<std::string>());
     json result = json::array();
@@ -356,14 +337,13 @@ json TLanguageServer::WorkspaceSymbols(const json& params) {
 json TLanguageServer::References(const json& params) {
     TOpenDocument& doc = Document(params);
     EnsureAnalysed(doc);
-    const TPosition pos = Position(params);
+    const TPosition pos = PositionMember(params, "position");
     const TWordAt word = WordAt(doc.Text->LineText(pos.Line), doc.Text->ByteColumn(pos.Line, pos.Character));
     if (word.Text.empty()) return nullptr;
     const TUnitAnalysis* from = nullptr;
     const auto symbol = FindSymbol(doc, word.Text, &from);
     if (!symbol) return nullptr;
-    const json& context = params.contains("context") ? params["context"] : json();
-    const bool withDeclaration = context.is_object() && context.value("includeDeclaration", false);
+    const bool withDeclaration = Member(Member(params, "context"), "includeDeclaration") == true;
     const std::filesystem::path declaredIn = from->FileOf(*symbol);
 
     json result = json::array();
