@@ -320,9 +320,10 @@ void TLanguageServer::DidSave(const json& params) {
 void TLanguageServer::DidClose(const json& params) {
     TOpenDocument& doc = Document(params);
     const std::filesystem::path file = doc.File;
-    documents_.erase(doc.Uri);
+    const std::string uri = doc.Uri;
+    documents_.erase(uri);
     // The units that read it read the disk's text again.
-    for (auto& [uri, other] : documents_) {
+    for (auto& [otherUri, other] : documents_) {
         if (!other.Analysis) continue;
         const auto& files = other.Analysis->Files;
         if (std::find(files.begin(), files.end(), file) != files.end()) Schedule(other, TClock::now());
