@@ -175,7 +175,7 @@ test('document symbols, workspace symbols and semantic tokens', async () => {
   const byName = new Map(symbols.map((x) => [x.name, x]));
   const expect = [['PatrolMain', proto.SymbolKind.Function, 'function PatrolMain;'],
     ['Alpha1', proto.SymbolKind.Object, 'object Alpha1'], ['ReachBeacons', proto.SymbolKind.Event, 'objective ReachBeacons'],
-    ['BeaconsReached', proto.SymbolKind.Variable, '  BeaconsReached = 0;']];
+    ['BeaconsReached', proto.SymbolKind.Variable, '  BeaconsReached = 0']];
   for (const [name, kind, declaration] of expect) {
     assert.equal(byName.get(name)?.kind, kind, name);
     assert.equal(byName.get(name).selectionRange.start.line, lineOf(patrolText, declaration), name);
