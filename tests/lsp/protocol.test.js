@@ -153,6 +153,13 @@ test('hover, signature help, definition and references across the include', asyn
   const [from, to] = signature.signatures[0].parameters[1].label;
   assert.equal(signature.signatures[0].label.slice(from, to), 'nav');
 
+  // A game function's parameters come from its declaration in the library unit.
+  const wait = lines.findIndex((l) => /WaitSeconds\(\d/.test(l));
+  const gameSignature = await s.request(proto.SignatureHelpRequest.type,
+    at(uri, wait, lines[wait].indexOf('WaitSeconds(') + 'WaitSeconds('.length));
+  assert.equal(gameSignature.signatures[0].label, 'WaitSeconds(seconds)');
+  assert.equal(gameSignature.activeParameter, 0);
+
   const definition = await s.request(proto.DefinitionRequest.type, at(uri, call, column));
   assert.equal(definition.uri, uriOf(common));
   assert.equal(definition.range.start.line, flyToLine);
