@@ -22,6 +22,9 @@ set(CMAKE_CXX_FLAGS_INIT "-Wno-restrict")
 set(ZLIB_USE_STATIC_LIBS ON)
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
 
+# nlohmann-json: Debian's headers, found without the rest of the host's (cmake/mingw-json).
+set(nlohmann_json_DIR ${CMAKE_CURRENT_LIST_DIR}/mingw-json)
+
 # Programs built here run under Wine, for the tests and for build-time tools.
 find_program(VELKOR_WINE NAMES wine wine64)
 if(VELKOR_WINE)
