@@ -2,11 +2,13 @@
 
 #include "compiler/compiler.h"
 #include "compiler/symbol_table.h"
+#include "ide/background_job.h"
 #include "ide/help_view.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
 #include "ide/iff_build.h"
 #include "ide/iff_view.h"
+#include "ide/message_location.h"
 #include "ide/output_view.h"
 #include "ide/page_host.h"
 #include "platform/exception.h"
@@ -33,10 +35,10 @@ const char* const kSourceFileFilter = "Pascal File (*.pas)|*.pas|Text File (*.tx
 
 namespace {
 
-// The hourglass for the length of a scope.
+// The hourglass (or, while the window stays usable, the busy arrow) for the length of a scope.
 class WaitCursor {
 public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    explicit WaitCursor(Qt::CursorShape shape = Qt::WaitCursor) { QApplication::setOverrideCursor(shape); }
     ~WaitCursor() { QApplication::restoreOverrideCursor(); }
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
@@ -123,6 +125,9 @@ TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
     // A window of its own, so that near the page's edge it is not cut off; the keys come from the editor.
     codeHelp_->setWindowFlags(Qt::ToolTip);
     codeHelp_->setFocusPolicy(Qt::NoFocus);
+    // Whole rows in a window exactly that many rows high: the selected row is never cut at the bottom.
+    codeHelp_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    codeHelp_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     codeHelp_->installEventFilter(this);
     QPalette tip = codeHelp_->palette();
     tip.setColor(QPalette::Base, tip.color(QPalette::ToolTipBase));
@@ -275,6 +280,11 @@ bool TfrmEdit::SaveAs() {
     const QString chosen = DialogHooks().SaveFile(this, request);
     if (chosen.isEmpty()) return false;
     const std::string file = std::filesystem::absolute(FromQ(chosen)).lexically_normal().string();
+    // Replacing another file loses it: the user is asked first.
+    if (IsExistingFile(file) && file != fileName_ &&
+        DialogHooks().AskYesNoCancel(this, ToQ(file + " already exists.\nDo you want to replace it?")) !=
+            TMsgAnswer::Yes)
+        return false;
     try {
         WriteTo(file);
     } catch (const Exception& e) {
@@ -301,7 +311,9 @@ void TfrmEdit::ReportException(const std::exception& error) {
 }
 
 bool TfrmEdit::Compile() {
-    WaitCursor wait;
+    // One compile or build at a time: the window stays usable while one runs.
+    if (JobRunning()) return false;
+    WaitCursor wait(Qt::BusyCursor);
     bool success = true;
     if (autosave_) Save();
     host_.OutputView().BringToFront();
@@ -309,8 +321,7 @@ bool TfrmEdit::Compile() {
     memo_->ClearErrorLine();
 
     TCompiler compiler;
-    compiler.OnOutput = [this](const std::string& line) { host_.Output(line); };
-    compiler.PlaceOutputFile = [](const std::string& name) { return PlaceBuiltFile(name); };
+    std::string linked;
     try {
         compiler.SetSource(NormaliseLineBreaks(FromQ(memo_->Text())));
         const TCompileSettings settings = ReadCompileSettings();
@@ -318,12 +329,26 @@ bool TfrmEdit::Compile() {
         compiler.HaltOnError = settings.HaltOnError;
         compiler.Verbosity = settings.Verbosity;
         const std::string folder = FolderOf(fileName_);
-        if (!folder.empty()) compiler.AddToSearchPath(folder);
-        compiler.AddToSearchPath("$compiler$\\lib");
-        compiler.SetFileName(fileName_);
-        compiler.Compile();
-        compiler.Finish();
-        host_.IffView().SetText(ToQ(compiler.Link()));
+        const std::filesystem::path outputFolder = OutputFolderFor(UnitFolderOf(fileName_));
+        const bool ownOutputFolder = !IdeIni().ReadString("compiler", "outputdir", "").empty();
+        compiler.PlaceOutputFile = [outputFolder](const std::string& name) {
+            return PlaceBuiltFile(name, outputFolder);
+        };
+        const bool ran = RunJob(host_, QStringLiteral("Compiling ") + Caption(), [&](TJobContext& job) {
+            compiler.OnOutput = [&job, verbosity = settings.Verbosity](const std::string& line) {
+                if (ShownAtVerbosity(line, verbosity)) job.Output(line);
+            };
+            if (!folder.empty()) compiler.AddToSearchPath(folder);
+            // The units of a project find each other's outputs, as with velkorc's --out-dir DIR -I DIR.
+            if (ownOutputFolder) compiler.AddToSearchPath(outputFolder.string());
+            compiler.AddToSearchPath("$compiler$\\lib");
+            compiler.SetFileName(fileName_);
+            compiler.Compile();
+            compiler.Finish();
+            linked = compiler.Link();
+        });
+        if (!ran) return false;
+        host_.IffView().SetText(ToQ(linked));
     } catch (const std::exception& e) {
         success = false;
         const int line = compiler.ErrorLine; // from 1; the editor counts from 0
@@ -335,6 +360,7 @@ bool TfrmEdit::Compile() {
         }
         if (!dynamic_cast<const ECompiler*>(&e)) ReportException(e);
     }
+    host_.OutputView().SetOrigin(compiler.UnitName, compiler.SearchPath, fileName_);
     if (success) {
         symbols_ = std::make_shared<TSymbolTable>(compiler.Symbols());
         searchPathText_.clear();
@@ -344,7 +370,7 @@ bool TfrmEdit::Compile() {
 }
 
 void TfrmEdit::BuildIff() {
-    BuildIffFromView(host_, std::filesystem::path(FileName()).parent_path());
+    BuildIffFromView(host_, std::filesystem::path(FileName()).parent_path(), UnitFolderOf(fileName_));
 }
 
 void TfrmEdit::Undo() {

@@ -217,7 +217,8 @@ void TfrmEdit::ShowStringList() {
     codeHelpPrefix_.clear();
     codeHelpAnchor_ = memo_->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS);
     const int rowHeight = std::max(codeHelp_->sizeHintForRow(0), codeHelp_->fontMetrics().height());
-    codeHelp_->resize(360, rowHeight * std::min(kCodeHelpRows, std::max(codeHelp_->count(), 1)) + 6);
+    codeHelp_->resize(360, rowHeight * std::min(kCodeHelpRows, std::max(codeHelp_->count(), 1)) +
+                               2 * codeHelp_->frameWidth());
     codeHelp_->move(mapToGlobal(CaretPoint() + QPoint(5, 18)));
     codeHelp_->raise();
     codeHelp_->show();
