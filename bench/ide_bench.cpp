@@ -5,6 +5,7 @@
 #include "ide/edit_page.h"
 #include "ide/main_window.h"
 #include "ide/output_view.h"
+#include "platform/executable_path.h"
 #include "platform/ini_file.h"
 
 #include <QApplication>
@@ -37,6 +38,9 @@ int main(int argc, char** argv) {
     velkor::TIniFile ini(settings / "velkor.ini");
     ini.WriteString("main", "sopath", settings.string()); // no first-run settings dialog
     QApplication app(argc, argv);
+    // The library units lie in the build folder, one above this program.
+    velkor::SetExecutableFolderForTesting(
+        std::filesystem::canonical("/proc/self/exe").parent_path().parent_path().string());
 
     const std::string mode = argv[1];
     double seconds = -1;
@@ -64,7 +68,10 @@ int main(int argc, char** argv) {
             window.OutputView().Flush();
             QApplication::processEvents();
             seconds = static_cast<double>(clock.nsecsElapsed()) / 1e9;
-            if (!compiled) std::fprintf(stderr, "the compile failed\n");
+            if (!compiled) {
+                std::fprintf(stderr, "the compile failed\n");
+                return 1;
+            }
         } else {
             return Usage();
         }

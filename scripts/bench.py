@@ -58,10 +58,10 @@ def generate_sources(lines, seed=7):
     w.both("", "type TGoal = record hidden, kind, text, status, counter: longint; end;")
 
     globals_ = [f"g{i}" for i in range(150)]
-    w.same("var")
+    # One "var" per global: a variable list ends at its ";".
     for g in globals_:
         v = rnd.randrange(100)
-        w.both(f"  {g} = {v};", f"  {g}: longint = {v};")
+        w.both(f"var {g} = {v};", f"var {g}: longint = {v};")
     w.same("")
 
     n_objects = max(10, lines // 250)
@@ -207,7 +207,7 @@ def generate_sources(lines, seed=7):
         w.same("  WaitSeconds(1);")
     w.both("end;", "end.")
     # The Pascal twin's main program needs one variable of its own.
-    w.pas.insert(w.pas.index("var") + 1, "  t0: longint;")
+    w.pas.insert(next(i for i, line in enumerate(w.pas) if line.startswith("var g0:")), "var t0: longint;")
     return "\r\n".join(w.mis) + "\r\n", "\n".join(w.pas) + "\n"
 
 
