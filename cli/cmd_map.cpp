@@ -76,8 +76,8 @@ int RunMap(const Options& options) {
             return kExitUsage;
         }
         source.fileName = found->filename().string();
-    } else if (IsTextualIff(LoadTextFile(*found))) {
-        source = MapObjectsFromText(LoadTextFile(*found), std::filesystem::absolute(*found).parent_path());
+    } else if (std::string text = LoadTextFile(*found); IsTextualIff(text)) {
+        source = MapObjectsFromText(std::move(text), std::filesystem::absolute(*found).parent_path());
         for (const std::string& line : source.errors) PrintMessage(line);
         if (!source.errors.empty()) return kExitReported;
     } else if (const int status = MapOfUnit(options, source); status != kExitOk) {
