@@ -34,19 +34,10 @@ int MapOfUnit(const Options& options, TMapSource& source) {
         return kExitUsage;
     }
     TCompiler& c = *run.compiler;
-    std::string linked;
-    try {
-        c.Compile();
-        c.Finish();
-        linked = c.Link();
-    } catch (const ECompiler&) {
-        return kExitReported;
-    } catch (const Exception& e) {
-        PrintMessage(e.what());
-        return kExitReported;
-    }
+    std::optional<std::string> linked = CompileAndLink(c);
+    if (!linked) return kExitReported;
     if (c.ErrorCount > 0) return kExitReported;
-    source = MapObjectsFromText(std::move(linked), run.folder);
+    source = MapObjectsFromText(std::move(*linked), run.folder);
     for (const std::string& line : source.errors) PrintMessage(line);
     return source.errors.empty() ? kExitOk : kExitReported;
 }
