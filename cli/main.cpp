@@ -37,6 +37,7 @@ constexpr const char* kToolHelp =
     "  --out-dir DIR               folder for output files whose names have no folder (default: current)\n"
     "  --max-decode-size N         decode limit in bytes (default 1024)\n"
     "  --exact-floats              decode only: write floats in the shortest form that reads back exactly\n"
+    "  --no-disassemble            decode only: write function records as byte rows, not WCP_ASM listings\n"
     "  -o FILE                     output file of compile or of a single decode\n"
     "\n"
     "Messages of the compiler and the assembler go to stderr, one line each.\n"
@@ -65,7 +66,9 @@ constexpr CommandHelp kCommandHelp[] = {
     {"decode", "Usage: velkorc decode [OPTIONS] FILE...\n"
                "Decodes binary IFF files into textual IFF, each into FILE.pas (or -o OUT for one file).\n"
                "Chunks larger than --max-decode-size N bytes (default 1024) go to side files beside the\n"
-               "output. --exact-floats writes floats in the shortest form that reads back exactly.\n"},
+               "output. --exact-floats writes floats in the shortest form that reads back exactly.\n"
+               "Script functions are written as WCP_ASM listings whatever their size, with names beside\n"
+               "the ids that stand for names; --no-disassemble writes them as byte rows instead.\n"},
     {"tokens", "Usage: velkorc tokens [OPTIONS] FILE\n"
                "Prints each token of FILE as \"<line>\\t<kind>\\t<text>\", end of text included.\n"
                "Options: --fast-scanner, --no-line-markers.\n"},
@@ -137,6 +140,8 @@ int Main(int argc, char** argv) {
             o.noLineMarkers = true;
         } else if (a == "--exact-floats") {
             o.exactFloats = true;
+        } else if (a == "--no-disassemble") {
+            o.noDisassemble = true;
         } else if (a == "-I" || a == "--search-path") {
             if (!value(v)) return UsageError(std::string(a) + " needs a folder");
             o.searchPaths.emplace_back(v);

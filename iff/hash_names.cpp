@@ -1,0 +1,288 @@
+#include "iff/hash_names.h"
+
+#include "compiler/scanner.h"
+#include "iff/checksum.h"
+#include "iff/wcp_opcodes.h"
+#include "platform/strings.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace velkor {
+
+namespace {
+
+constexpr std::array<std::uint32_t, 256> MakeCrcTable() {
+    std::array<std::uint32_t, 256> table{};
+    for (std::uint32_t i = 0; i < 256; ++i) {
+        std::uint32_t c = i;
+        for (int k = 0; k < 8; ++k) c = (c & 1) ? (0xEDB88320u ^ (c >> 1)) : (c >> 1);
+        table[i] = c;
+    }
+    return table;
+}
+constexpr auto kCrc = MakeCrcTable();
+
+// The top bytes of the table's entries are all different, so the top byte of a checksum tells which entry
+// the last step added: that is what lets a step be taken back.
+constexpr std::array<std::uint8_t, 256> MakeTopByteIndex() {
+    std::array<std::uint8_t, 256> index{};
+    for (std::uint32_t i = 0; i < 256; ++i) index[kCrc[i] >> 24] = static_cast<std::uint8_t>(i);
+    return index;
+}
+constexpr auto kTopByteIndex = MakeTopByteIndex();
+
+std::uint32_t Step(std::uint32_t crc, std::uint8_t byte) {
+    return kCrc[(crc ^ byte) & 0xFF] ^ (crc >> 8);
+}
+
+// The checksum before the last byte `byte` was added.
+std::uint32_t StepBack(std::uint32_t crc, std::uint8_t byte) {
+    const std::uint8_t i = kTopByteIndex[crc >> 24];
+    return ((crc ^ kCrc[i]) << 8) | static_cast<std::uint8_t>(i ^ byte);
+}
+
+// The four bytes that lead from checksum `from` to checksum `to` (there is always exactly one such run).
+std::array<std::uint8_t, 4> BytesBetween(std::uint32_t from, std::uint32_t to) {
+    std::array<std::uint8_t, 4> index{};
+    std::uint32_t x = to;
+    for (int k = 3; k >= 0; --k) {
+        index[static_cast<std::size_t>(k)] = kTopByteIndex[x >> 24];
+        x = (x ^ kCrc[index[static_cast<std::size_t>(k)]]) << 8;
+    }
+    std::array<std::uint8_t, 4> bytes{};
+    std::uint32_t crc = from;
+    for (std::size_t k = 0; k < 4; ++k) {
+        bytes[k] = static_cast<std::uint8_t>((crc ^ index[k]) & 0xFF);
+        crc = Step(crc, bytes[k]);
+    }
+    return bytes;
+}
+
+// Made-up names end in this many letters from 'h' (0x68) to 'o' (0x6F): the low three bits of each are free,
+// and since the checksum starts from 0 it is linear in the bits of a text of fixed length, so the 36 free
+// bits can reach every checksum (twelve letters are the fewest whose bits span all 32).
+constexpr std::size_t kFreeLetters = 12;
+constexpr char kBaseLetter = 'h';
+
+// A basis of the 32-bit checksum space in terms of the free bits: entry b, when set, is a checksum with top
+// bit b and the free bits (bit 3j+k: bit k of letter j) whose flipping changes the checksum by it.
+struct FreeBitBasis {
+    std::array<std::uint32_t, 32> sum{};
+    std::array<std::uint64_t, 32> bits{};
+    std::array<bool, 32> used{};
+};
+
+const FreeBitBasis& Basis() {
+    static const FreeBitBasis basis = [] {
+        FreeBitBasis b;
+        for (std::size_t j = 0; j < kFreeLetters; ++j) {
+            for (int k = 0; k < 3; ++k) {
+                // A single flipped bit at letter j: the letters after it are zero bytes.
+                std::uint32_t crc = Step(0, static_cast<std::uint8_t>(1u << k));
+                for (std::size_t rest = j + 1; rest < kFreeLetters; ++rest) crc = Step(crc, 0);
+                std::uint64_t bits = std::uint64_t{1} << (3 * j + static_cast<std::size_t>(k));
+                for (int top = 31; top >= 0 && crc != 0; --top) {
+                    if (!((crc >> top) & 1)) continue;
+                    const auto t = static_cast<std::size_t>(top);
+                    if (!b.used[t]) {
+                        b.used[t] = true;
+                        b.sum[t] = crc;
+                        b.bits[t] = bits;
+                        break;
+                    }
+                    crc ^= b.sum[t];
+                    bits ^= b.bits[t];
+                }
+            }
+        }
+        return b;
+    }();
+    return basis;
+}
+
+std::string SolvedName(std::string_view prefix, std::uint32_t hash) {
+    std::string name(prefix);
+    name.append(kFreeLetters, kBaseLetter);
+    std::uint32_t miss = NameHash(name) ^ hash;
+    std::uint64_t flips = 0;
+    const FreeBitBasis& basis = Basis();
+    for (int top = 31; top >= 0 && miss != 0; --top) {
+        const auto t = static_cast<std::size_t>(top);
+        if (((miss >> top) & 1) && basis.used[t]) {
+            miss ^= basis.sum[t];
+            flips ^= basis.bits[t];
+        }
+    }
+    for (std::size_t j = 0; j < kFreeLetters; ++j)
+        name[prefix.size() + j] = static_cast<char>(kBaseLetter ^ ((flips >> (3 * j)) & 7));
+    return name;
+}
+
+bool IsKeyword(std::string_view word) {
+    return std::any_of(ScannerKeywords().begin(), ScannerKeywords().end(),
+                       [&](const ScannerKeyword& k) { return SameText(k.word, word); });
+}
+
+const std::array<std::uint32_t, 32>& RegisterKeys() {
+    static const std::array<std::uint32_t, 32> keys = [] {
+        std::array<std::uint32_t, 32> k{};
+        for (std::size_t r = 0; r < k.size(); ++r) k[r] = NameHash("v" + std::to_string(r));
+        return k;
+    }();
+    return keys;
+}
+
+} // namespace
+
+bool IsIdentifier(std::string_view text) {
+    auto letter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; };
+    if (text.empty() || !letter(text[0])) return false;
+    return std::all_of(text.begin(), text.end(), [&](char c) { return letter(c) || (c >= '0' && c <= '9'); });
+}
+
+bool ReadsAsItself(std::string_view text) {
+    const std::uint32_t key = LowerNameHash(text);
+    const auto& keys = RegisterKeys();
+    return std::find(keys.begin(), keys.end(), key) == keys.end();
+}
+
+void KnownNames::Add(std::string_view name) {
+    // 64 characters is as long as the compiler keeps a name.
+    if (name.size() > 64 || !IsIdentifier(name) || IsKeyword(name) || !ReadsAsItself(name)) return;
+    const std::uint32_t hash = NameHash(name);
+    byHash_.try_emplace(hash, name);
+    if (!FindWcpMnemonicNoCase(name)) byInstruction_.try_emplace(hash & 0xFFFFFF00u, name);
+}
+
+void KnownNames::AddWordsOf(std::string_view text) {
+    auto wordChar = [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
+    };
+    for (std::size_t i = 0; i < text.size();) {
+        if (!wordChar(text[i])) {
+            ++i;
+            continue;
+        }
+        std::size_t end = i;
+        while (end < text.size() && wordChar(text[end])) ++end;
+        Add(text.substr(i, end - i));
+        i = end;
+    }
+}
+
+void KnownNames::AddId(std::uint32_t id, std::string_view name) {
+    byId_.try_emplace(id, name);
+}
+
+const std::string* KnownNames::ByHash(std::uint32_t hash) const {
+    const auto it = byHash_.find(hash);
+    return it == byHash_.end() ? nullptr : &it->second;
+}
+
+const std::string* KnownNames::ByInstructionWord(std::uint32_t word) const {
+    const auto it = byInstruction_.find(word & 0xFFFFFF00u);
+    return it == byInstruction_.end() ? nullptr : &it->second;
+}
+
+const std::string* KnownNames::ById(std::uint32_t id) const {
+    const auto it = byId_.find(id);
+    return it == byId_.end() ? nullptr : &it->second;
+}
+
+namespace {
+
+std::uint32_t BigEndianAt(std::span<const std::uint8_t> b, std::size_t at) {
+    return (std::uint32_t{b[at]} << 24) | (std::uint32_t{b[at + 1]} << 16) | (std::uint32_t{b[at + 2]} << 8) |
+           std::uint32_t{b[at + 3]};
+}
+
+std::string_view TextAt(std::span<const std::uint8_t> b, std::size_t at, std::size_t count) {
+    return {reinterpret_cast<const char*>(b.data()) + at, count};
+}
+
+void AddNamesOfChunk(KnownNames& names, std::string_view id, std::string_view data) {
+    if (id == "CRCS") {
+        // A count, that many checksums, then the names in the same order.
+        if (data.size() < 4) return;
+        const std::uint32_t count = static_cast<unsigned char>(data[0]) |
+                                    (std::uint32_t{static_cast<unsigned char>(data[1])} << 8) |
+                                    (std::uint32_t{static_cast<unsigned char>(data[2])} << 16) |
+                                    (std::uint32_t{static_cast<unsigned char>(data[3])} << 24);
+        if (count > (data.size() - 4) / 4) return;
+        std::string_view rest = data.substr(4 + std::size_t{4} * count);
+        for (std::uint32_t i = 0; i < count && !rest.empty(); ++i) {
+            const std::size_t end = rest.find('\0');
+            names.Add(rest.substr(0, end));
+            if (end == std::string_view::npos) break;
+            rest.remove_prefix(end + 1);
+        }
+        return;
+    }
+    if (!data.empty() && data.find('\0') == data.size() - 1) names.Add(data.substr(0, data.size() - 1));
+}
+
+} // namespace
+
+void AddNamesOfFile(KnownNames& names, std::span<const std::uint8_t> bytes) {
+    // The ends of the open forms, innermost last; items are read at `at` until the innermost form ends.
+    std::vector<std::size_t> ends;
+    std::size_t at = 0;
+    for (;;) {
+        while (!ends.empty() && at + 8 > ends.back()) {
+            at = ends.back();
+            ends.pop_back();
+        }
+        const std::size_t end = ends.empty() ? bytes.size() : ends.back();
+        if (at + 8 > end) return;
+        const std::string_view id = TextAt(bytes, at, 4);
+        const std::size_t size = BigEndianAt(bytes, at + 4);
+        if (size > end - at - 8) {
+            if (ends.empty()) return;
+            at = end; // the rest of this form is no item
+            continue;
+        }
+        if (id == "FORM") {
+            if (size < 4) return;
+            ends.push_back(at + 8 + size);
+            at += 12;
+            continue;
+        }
+        if (ends.empty()) return; // a file is made of forms
+        AddNamesOfChunk(names, id, TextAt(bytes, at + 8, size));
+        at += 8 + size + (size & 1);
+    }
+}
+
+std::string NameWithHash(std::string_view prefix, std::uint32_t hash) {
+    // A register name's key among made-up names is as unlikely as any other checksum match; one more
+    // character in the prefix moves every letter, should it ever happen.
+    std::string head(prefix);
+    for (;;) {
+        std::string name = SolvedName(head, hash);
+        if (ReadsAsItself(name)) return name;
+        head += '_';
+    }
+}
+
+std::optional<std::string> LineLabelWithHash(std::uint32_t hash) {
+    for (const char letter : {'w', 'f', 'e'}) {
+        const std::uint32_t beforeLetter = StepBack(hash, static_cast<std::uint8_t>(letter));
+        // The last four digits are solved for; lines of five and six digits try each leading part.
+        for (int lead = 0; lead < 100; ++lead) {
+            const std::string head = lead == 0 ? std::string() : std::to_string(lead);
+            const std::array<std::uint8_t, 4> digits = BytesBetween(NameHash(head), beforeLetter);
+            if (!std::all_of(digits.begin(), digits.end(),
+                             [](std::uint8_t d) { return d >= '0' && d <= '9'; }))
+                continue;
+            std::string label = head;
+            label.append(digits.begin(), digits.end());
+            label += letter;
+            if (ReadsAsItself(label)) return label;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace velkor
