@@ -43,23 +43,6 @@ std::uint32_t StepBack(std::uint32_t crc, std::uint8_t byte) {
     return ((crc ^ kCrc[i]) << 8) | static_cast<std::uint8_t>(i ^ byte);
 }
 
-// The four bytes that lead from checksum `from` to checksum `to` (there is always exactly one such run).
-std::array<std::uint8_t, 4> BytesBetween(std::uint32_t from, std::uint32_t to) {
-    std::array<std::uint8_t, 4> index{};
-    std::uint32_t x = to;
-    for (int k = 3; k >= 0; --k) {
-        index[static_cast<std::size_t>(k)] = kTopByteIndex[x >> 24];
-        x = (x ^ kCrc[index[static_cast<std::size_t>(k)]]) << 8;
-    }
-    std::array<std::uint8_t, 4> bytes{};
-    std::uint32_t crc = from;
-    for (std::size_t k = 0; k < 4; ++k) {
-        bytes[k] = static_cast<std::uint8_t>((crc ^ index[k]) & 0xFF);
-        crc = Step(crc, bytes[k]);
-    }
-    return bytes;
-}
-
 // Made-up names end in this many letters from 'h' (0x68) to 'o' (0x6F): the low three bits of each are free,
 // and since the checksum starts from 0 it is linear in the bits of a text of fixed length, so the 36 free
 // bits can reach every checksum (twelve letters are the fewest whose bits span all 32).
@@ -143,6 +126,19 @@ bool IsIdentifier(std::string_view text) {
 }
 
 bool ReadsAsItself(std::string_view text) {
+    // Up to four bytes the checksum keeps apart from each other (and the register names are that short):
+    // only a register name itself, in any case, has a register's key.
+    if (text.size() <= 4) {
+        if (text.size() < 2 || (text[0] != 'v' && text[0] != 'V')) return true;
+        const std::string_view digits = text.substr(1);
+        if (digits.size() > 1 && digits[0] == '0') return true;
+        int value = 0;
+        for (char c : digits) {
+            if (c < '0' || c > '9') return true;
+            value = 10 * value + (c - '0');
+        }
+        return value > 31;
+    }
     const std::uint32_t key = LowerNameHash(text);
     const auto& keys = RegisterKeys();
     return std::find(keys.begin(), keys.end(), key) == keys.end();
@@ -267,16 +263,35 @@ std::string NameWithHash(std::string_view prefix, std::uint32_t hash) {
 }
 
 std::optional<std::string> LineLabelWithHash(std::uint32_t hash) {
+    // The checksums of the leading digits of lines of five and six digits ("1" to "99"; none for four).
+    static const std::array<std::uint32_t, 100> kLeads = [] {
+        std::array<std::uint32_t, 100> leads{};
+        for (std::size_t lead = 1; lead < leads.size(); ++lead) leads[lead] = NameHash(std::to_string(lead));
+        return leads;
+    }();
+    auto digit = [](std::uint32_t b) { return b >= '0' && b <= '9'; };
     for (const char letter : {'w', 'f', 'e'}) {
+        // The table entries the last four digits add depend only on the checksum they lead to; which bytes
+        // select them depends on where they start, so each leading part costs four steps.
         const std::uint32_t beforeLetter = StepBack(hash, static_cast<std::uint8_t>(letter));
-        // The last four digits are solved for; lines of five and six digits try each leading part.
-        for (int lead = 0; lead < 100; ++lead) {
-            const std::string head = lead == 0 ? std::string() : std::to_string(lead);
-            const std::array<std::uint8_t, 4> digits = BytesBetween(NameHash(head), beforeLetter);
-            if (!std::all_of(digits.begin(), digits.end(),
-                             [](std::uint8_t d) { return d >= '0' && d <= '9'; }))
-                continue;
-            std::string label = head;
+        std::array<std::uint8_t, 4> index{};
+        std::uint32_t x = beforeLetter;
+        for (int k = 3; k >= 0; --k) {
+            index[static_cast<std::size_t>(k)] = kTopByteIndex[x >> 24];
+            x = (x ^ kCrc[index[static_cast<std::size_t>(k)]]) << 8;
+        }
+        for (std::size_t lead = 0; lead < kLeads.size(); ++lead) {
+            std::uint32_t crc = kLeads[lead];
+            std::array<char, 4> digits{};
+            bool all = true;
+            for (std::size_t k = 0; k < 4 && all; ++k) {
+                const std::uint32_t b = (crc ^ index[k]) & 0xFF;
+                all = digit(b);
+                digits[k] = static_cast<char>(b);
+                crc = Step(crc, static_cast<std::uint8_t>(b));
+            }
+            if (!all) continue;
+            std::string label = lead == 0 ? std::string() : std::to_string(lead);
             label.append(digits.begin(), digits.end());
             label += letter;
             if (ReadsAsItself(label)) return label;

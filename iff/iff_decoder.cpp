@@ -2,6 +2,7 @@
 
 #include "iff/iff_compiler.h"
 #include "iff/iff_reader.h"
+#include "iff/name_comments.h"
 #include "iff/record_decoder.h"
 #include "iff/value_lines.h"
 #include "iff/wcp_disassembler.h"
@@ -210,9 +211,12 @@ private:
         const auto data = bytes_.subspan(static_cast<std::size_t>(pos_) + 8, static_cast<std::size_t>(size));
         const std::string_view indent = Indent(level + 1);
         if (options_.disassemble && IsFunctionChunk(id) && StartsWithFunctionRecord(data)) {
-            WriteFunctionRecords(result_.text, indent, data, Names());
+            WriteFunctionRecords(result_.text, indent, data, Names(), [this] { Flush(false); });
         } else if (size > limit_) {
             SideFileLines(level + 1, id, pos_, data);
+        } else if (const NamedWordsChunk kind = NamedWordsChunkOf(id, frames_.back().type);
+                   options_.disassemble && kind != NamedWordsChunk::None) {
+            WriteNamedWords(result_.text, indent, data, kind, Names());
         } else if (const RecordLayout* layout = FindSpecialDecoder(Place(id))) {
             if (!WriteRecords(result_.text, indent, data, *layout, options_.exactFloats))
                 result_.lossless = false;

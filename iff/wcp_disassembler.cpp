@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -86,6 +87,73 @@ std::optional<RecordHeader> ReadHeader(std::span<const std::uint8_t> data, std::
     return h;
 }
 
+// Lines are put together here and handed to the text in large pieces: a listing has a line for every few
+// words of its record, and appending each piece to the text on its own would cost more than the rest.
+class LineBuffer {
+public:
+    explicit LineBuffer(std::string& out) : out_(out), buffer_(kSize) {}
+
+    void Put(char c) {
+        if (used_ == kSize) Flush();
+        buffer_[used_++] = c;
+    }
+    void Put(std::string_view text) {
+        if (text.size() > kSize - used_) return PutAfterFlush(text);
+        std::memcpy(buffer_.data() + used_, text.data(), text.size());
+        used_ += text.size();
+    }
+    // Room for `count` characters at the end, to be taken with Commit.
+    char* Room(std::size_t count) {
+        if (count > kSize - used_) Flush();
+        return buffer_.data() + used_;
+    }
+    void Commit(std::size_t count) { used_ += count; }
+
+    std::size_t Size() const { return out_.size() + used_; }
+    void Truncate(std::size_t size) {
+        Flush();
+        out_.resize(size);
+    }
+    void Flush() {
+        out_.append(buffer_.data(), used_);
+        used_ = 0;
+    }
+
+private:
+    void PutAfterFlush(std::string_view text) {
+        Flush();
+        if (text.size() > kSize) {
+            out_ += text;
+            return;
+        }
+        std::memcpy(buffer_.data(), text.data(), text.size());
+        used_ = text.size();
+    }
+
+    static constexpr std::size_t kSize = std::size_t{1} << 16;
+    std::string& out_;
+    std::vector<char> buffer_;
+    std::size_t used_ = 0;
+};
+
+// "v0" to "v31".
+const std::array<std::string, 32>& RegisterNames() {
+    static const std::array<std::string, 32> names = [] {
+        std::array<std::string, 32> n;
+        for (std::size_t r = 0; r < n.size(); ++r) n[r] = "v" + std::to_string(r);
+        return n;
+    }();
+    return names;
+}
+
+// Known names are looked up only for words at least this large: a name whose hash is smaller is so unlikely
+// that the lookup for every small constant would cost more than showing such a name as its number.
+constexpr std::uint32_t kSmallestNamedWord = 0x10000;
+
+// Numbers from this size on are written in hexadecimal: in a listing they are mostly name hashes (of
+// objects, of names the decoder does not know), which read better so.
+constexpr std::uint32_t kLargeNumber = 10'000'000;
+
 // Writes one record's lines, or nothing and false when the listing cannot hold its body exactly.
 class RecordWriter {
 public:
@@ -93,18 +161,18 @@ public:
         : out_(out), indent_(indent), names_(names), blanks_(2 * (kMaxIndentDepth + 2), ' ') {}
 
     bool Write(std::span<const std::uint8_t> data, const RecordHeader& h) {
-        const std::size_t start = out_.size();
+        const std::size_t start = out_.Size();
         Begin(0);
-        out_ += "func ";
-        out_ += names_.Function(h.name);
+        out_.Put("func ");
+        out_.Put(names_.Function(h.name));
         if (h.count != 0) {
-            out_ += ' ';
+            out_.Put(' ');
             if (static_cast<std::int32_t>(h.count) > 0)
-                Decimal(static_cast<std::int32_t>(h.count));
+                Decimal(h.count);
             else
                 Hex(h.count);
         }
-        out_ += "\r\n";
+        out_.Put("\r\n");
         Line(0, "{");
         std::size_t depth = 0;
         for (std::size_t p = h.bodyStart; p < h.bodyEnd;) {
@@ -136,44 +204,54 @@ public:
         }
         if (depth != 0) return Undo(start);
         Line(0, "}");
+        out_.Flush();
         return true;
     }
 
 private:
     bool Undo(std::size_t start) {
-        out_.resize(start);
+        out_.Truncate(start);
         return false;
     }
 
     void Begin(std::size_t level) {
-        out_ += indent_;
-        out_.append(blanks_.data(), 2 * std::min(level, kMaxIndentDepth + 1));
+        out_.Put(indent_);
+        out_.Put(std::string_view(blanks_.data(), 2 * std::min(level, kMaxIndentDepth + 1)));
     }
     void Line(std::size_t level, std::string_view text) {
         Begin(level);
-        out_ += text;
-        out_ += "\r\n";
+        out_.Put(text);
+        out_.Put("\r\n");
     }
 
-    void Decimal(std::int32_t value) {
-        char buffer[16];
-        const auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
-        Number(std::string_view(buffer, static_cast<std::size_t>(end - buffer)),
-               static_cast<std::uint32_t>(value));
+    void Decimal(std::uint32_t value) {
+        char* at = out_.Room(16);
+        const auto end = std::to_chars(at, at + 16, value).ptr;
+        Number(at, static_cast<std::size_t>(end - at), value);
     }
-    void Hex(std::uint32_t value) { Number("$" + IntToHex(value, 8), value); }
+    void Hex(std::uint32_t value) {
+        static constexpr char kDigits[] = "0123456789ABCDEF";
+        char* at = out_.Room(16);
+        at[0] = '$';
+        for (int i = 0; i < 8; ++i) at[1 + i] = kDigits[(value >> (28 - 4 * i)) & 0xF];
+        Number(at, 9, value);
+    }
 
-    // A number whose text the constant table would take for a register name is written with more leading
-    // zeros until it is not.
-    void Number(std::string_view text, std::uint32_t value) {
-        if (ReadsAsItself(text)) {
-            out_ += text;
+    // The number's text lies in the buffer's room. One the constant table would take for a register name is
+    // written with more leading zeros until it is not.
+    void Number(const char* text, std::size_t length, std::uint32_t value) {
+        if (ReadsAsItself(std::string_view(text, length))) {
+            out_.Commit(length);
             return;
         }
         std::string zeros = "$0";
         while (!ReadsAsItself(zeros + IntToHex(value, 8))) zeros += '0';
-        out_ += zeros;
-        out_ += IntToHex(value, 8);
+        out_.Put(zeros);
+        out_.Put(IntToHex(value, 8));
+    }
+
+    const std::string* Named(std::uint32_t word) const {
+        return word >= kSmallestNamedWord ? names_.Value(word) : nullptr;
     }
 
     // A register name for the registers, else a known name, else a number: a value operand reads its token
@@ -181,53 +259,51 @@ private:
     // number" needs a name with that very hash.
     void ValueOperand(std::uint32_t word) {
         if (word < 32) {
-            out_ += 'v';
-            Decimal(static_cast<std::int32_t>(word));
-        } else if (const std::string* name = names_.Value(word)) {
-            out_ += *name;
+            out_.Put(RegisterNames()[word]);
+        } else if (const std::string* name = Named(word)) {
+            out_.Put(*name);
         } else if (word == kUnwritableInteger) {
-            out_ += NameWithHash("n_", word);
-        } else if (word < 0x10000) {
-            Decimal(static_cast<std::int32_t>(word));
+            out_.Put(NameWithHash("n_", word));
+        } else if (word < kLargeNumber) {
+            Decimal(word);
         } else {
             Hex(word);
         }
     }
 
-    // A constant joins a leading sign with the number after it, so it is written in decimal.
+    // A constant joins a leading sign with the number after it, so a small negative one is written in
+    // decimal too.
     void ConstantOperand(std::uint32_t word) {
-        if (const std::string* name = names_.Value(word)) {
-            out_ += *name;
+        if (const std::string* name = Named(word)) {
+            out_.Put(*name);
         } else if (word == kUnwritableInteger) {
-            out_ += NameWithHash("n_", word);
+            out_.Put(NameWithHash("n_", word));
+        } else if (word >= kLargeNumber && 0u - word >= kLargeNumber) {
+            Hex(word);
+        } else if (static_cast<std::int32_t>(word) < 0) {
+            // "-" and the number are two tokens, which the constant's reading joins.
+            out_.Put('-');
+            Decimal(0u - word);
         } else {
-            const auto value = static_cast<std::int32_t>(word);
-            if (value < 0) {
-                // "-" and the number are two tokens, which the constant's reading joins.
-                out_ += '-';
-                const auto magnitude = static_cast<std::uint32_t>(-static_cast<std::int64_t>(value));
-                Number(std::to_string(magnitude), magnitude);
-            } else {
-                Decimal(value);
-            }
+            Decimal(word);
         }
     }
 
     void LabelOperand(std::uint32_t word) {
-        out_ += '"';
-        out_ += names_.Label(word);
-        out_ += '"';
+        out_.Put('"');
+        out_.Put(names_.Label(word));
+        out_.Put('"');
     }
 
     void Builtin(const WcpMnemonic& m, std::span<const std::uint8_t> data, std::size_t p, std::size_t depth) {
         Begin(1 + depth);
-        out_ += m.name;
+        out_.Put(m.name);
         const bool call = m.index == 4;
         for (std::size_t i = 0; i < m.operandCount; ++i) {
             const std::uint32_t word = WordAt(data, p + 4 * i);
-            out_ += ' ';
+            out_.Put(' ');
             if (call && i == 0 && word >= 32)
-                out_ += names_.Function(word);
+                out_.Put(names_.Function(word));
             else if (m.kinds[i] == okLabel)
                 LabelOperand(word);
             else if (m.kinds[i] == okConstant)
@@ -235,22 +311,21 @@ private:
             else
                 ValueOperand(word);
         }
-        if (m.semicolonRequired) out_ += ';';
-        out_ += "\r\n";
+        out_.Put(m.semicolonRequired ? std::string_view(";\r\n") : std::string_view("\r\n"));
     }
 
     void GameCall(std::uint32_t word, std::span<const std::uint8_t> data, std::size_t p, std::size_t count,
                   std::size_t depth) {
         Begin(1 + depth);
-        out_ += names_.GameFunction(word);
+        out_.Put(names_.GameFunction(word));
         for (std::size_t i = 0; i < count; ++i) {
-            out_ += ' ';
+            out_.Put(' ');
             ValueOperand(WordAt(data, p + 4 * i));
         }
-        out_ += ";\r\n";
+        out_.Put(";\r\n");
     }
 
-    std::string& out_;
+    LineBuffer out_;
     std::string_view indent_;
     WcpNames& names_;
     std::string blanks_;
@@ -265,10 +340,26 @@ const std::string* WcpNames::Known(std::uint32_t hash) const {
 }
 
 const std::string* WcpNames::Value(std::uint32_t hash) const {
-    return Known(hash);
+    return Cached(recentValues_, hash, [&] { return Known(hash); });
 }
 
 const std::string& WcpNames::Function(std::uint32_t hash) {
+    return *Cached(recentFunctions_, hash, [&] { return &MakeFunction(hash); });
+}
+
+const std::string& WcpNames::GameFunction(std::uint32_t word) {
+    const std::uint32_t key = word & 0xFFFFFF00u;
+    return *Cached(recentGameFunctions_, key, [&] { return &MakeGameFunction(key); });
+}
+
+std::string_view WcpNames::Label(std::uint32_t word) {
+    // The first character lies in the lowest byte.
+    for (std::size_t i = 0; i < 4; ++i) fourCharacters_[i] = static_cast<char>(word >> (8 * i));
+    if (IsWritableId(std::string_view(fourCharacters_.data(), 4))) return {fourCharacters_.data(), 4};
+    return *Cached(recentLabels_, word, [&] { return &MakeLabel(word); });
+}
+
+const std::string& WcpNames::MakeFunction(std::uint32_t hash) {
     auto [it, added] = functions_.try_emplace(hash);
     if (added) {
         if (const std::string* name = Known(hash))
@@ -279,8 +370,7 @@ const std::string& WcpNames::Function(std::uint32_t hash) {
     return it->second;
 }
 
-const std::string& WcpNames::GameFunction(std::uint32_t word) {
-    const std::uint32_t key = word & 0xFFFFFF00u;
+const std::string& WcpNames::MakeGameFunction(std::uint32_t key) {
     auto [it, added] = gameFunctions_.try_emplace(key);
     if (added) {
         const std::string* name = file_ ? file_->ByInstructionWord(key) : nullptr;
@@ -290,15 +380,10 @@ const std::string& WcpNames::GameFunction(std::uint32_t word) {
     return it->second;
 }
 
-const std::string& WcpNames::Label(std::uint32_t word) {
+const std::string& WcpNames::MakeLabel(std::uint32_t word) {
     auto [it, added] = labels_.try_emplace(word);
     if (added) {
-        // The first character lies in the lowest byte.
-        std::string text(4, ' ');
-        for (std::size_t i = 0; i < 4; ++i) text[i] = static_cast<char>(word >> (8 * i));
-        if (IsWritableId(text)) {
-            it->second = std::move(text);
-        } else if (const std::string* name = Known(word); name && name->size() != 4) {
+        if (const std::string* name = Known(word); name && name->size() != 4) {
             it->second = *name; // a name of four characters would be stored as its bytes
         } else if (std::optional<std::string> line = LineLabelWithHash(word)) {
             it->second = std::move(*line);
@@ -314,7 +399,8 @@ bool StartsWithFunctionRecord(std::span<const std::uint8_t> data) {
 }
 
 std::size_t WriteFunctionRecords(std::string& out, std::string_view indent,
-                                 std::span<const std::uint8_t> data, WcpNames& names) {
+                                 std::span<const std::uint8_t> data, WcpNames& names,
+                                 const std::function<void()>& afterRecord) {
     std::string inner(indent);
     inner += "  ";
     RecordWriter writer(out, inner, names);
@@ -348,6 +434,7 @@ std::size_t WriteFunctionRecords(std::string& out, std::string_view indent,
             WriteByteRows(out, indent, data.subspan(at, header->bodyEnd - at), "function record");
         }
         at = header->bodyEnd;
+        if (afterRecord) afterRecord();
     }
     close();
     WriteByteRows(out, indent, data.subspan(at));

@@ -4,7 +4,9 @@
 
 #include "iff/hash_names.h"
 
+#include <array>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -24,16 +26,41 @@ public:
     // The mnemonic of a game function's instruction word (only the upper 24 bits count).
     const std::string& GameFunction(std::uint32_t word);
     // The text of a label, to be quoted: 4 characters stand for themselves, any other text for its hash.
-    const std::string& Label(std::uint32_t word);
+    std::string_view Label(std::uint32_t word);
     // A known name for a value operand, or null.
     const std::string* Value(std::uint32_t hash) const;
 
 private:
+    // A direct-mapped cache in front of each table: a listing names the same few hashes again and again,
+    // and most value operands have no name at all.
+    struct Recent {
+        static constexpr std::size_t kSlots = 1024;
+        std::array<std::uint32_t, kSlots> keys{};
+        std::array<const std::string*, kSlots> values{};
+        std::array<bool, kSlots> filled{};
+    };
+    template <typename Find>
+    static const std::string* Cached(Recent& recent, std::uint32_t key, Find find) {
+        const std::size_t slot = (key * 0x9E3779B1u) >> 22;
+        if (recent.filled[slot] && recent.keys[slot] == key) return recent.values[slot];
+        const std::string* value = find();
+        recent.keys[slot] = key;
+        recent.values[slot] = value;
+        recent.filled[slot] = true;
+        return value;
+    }
+
     const std::string* Known(std::uint32_t hash) const;
+    const std::string& MakeFunction(std::uint32_t hash);
+    const std::string& MakeGameFunction(std::uint32_t key);
+    const std::string& MakeLabel(std::uint32_t word);
 
     const KnownNames* system_;
     const KnownNames* file_;
     std::unordered_map<std::uint32_t, std::string> functions_, gameFunctions_, labels_;
+    mutable Recent recentValues_;
+    Recent recentFunctions_, recentGameFunctions_, recentLabels_;
+    std::array<char, 4> fourCharacters_{}; // the last label that stands for itself
 };
 
 // True when `data` starts with a function record as the instruction assembler writes it: reserved word 0,
@@ -43,9 +70,11 @@ bool StartsWithFunctionRecord(std::span<const std::uint8_t> data);
 // Writes `data` as `WCP_ASM` blocks, each line behind `indent`. A record the listing cannot hold exactly (an
 // instruction word that is neither built in nor a game function's, unbalanced blocks, a body that ends
 // inside an instruction) goes out as byte rows, and so does everything from the first bytes that are no
-// whole record to the end: the lines always assemble to exactly `data`. Returns the number of records
-// written as listings.
+// whole record to the end: the lines always assemble to exactly `data`. `afterRecord`, when given, is called
+// after each record, when `out` ends with whole lines (a caller may then take them away). Returns the number
+// of records written as listings.
 std::size_t WriteFunctionRecords(std::string& out, std::string_view indent,
-                                 std::span<const std::uint8_t> data, WcpNames& names);
+                                 std::span<const std::uint8_t> data, WcpNames& names,
+                                 const std::function<void()>& afterRecord = {});
 
 } // namespace velkor
