@@ -269,31 +269,33 @@ std::optional<std::string> LineLabelWithHash(std::uint32_t hash) {
         for (std::size_t lead = 1; lead < leads.size(); ++lead) leads[lead] = NameHash(std::to_string(lead));
         return leads;
     }();
-    auto digit = [](std::uint32_t b) { return b >= '0' && b <= '9'; };
-    for (const char letter : {'w', 'f', 'e'}) {
-        // The table entries the last four digits add depend only on the checksum they lead to; which bytes
-        // select them depends on where they start, so each leading part costs four steps.
-        const std::uint32_t beforeLetter = StepBack(hash, static_cast<std::uint8_t>(letter));
-        std::array<std::uint8_t, 4> index{};
-        std::uint32_t x = beforeLetter;
+    static constexpr std::array<char, 3> kLetters{'w', 'f', 'e'};
+    // The table entries the last four digits add depend only on the checksum they lead to (the one before
+    // the letter); which bytes select them depends on where they start, so each leading part costs at most
+    // four steps, and mostly one, since the first byte is rarely a digit.
+    std::array<std::array<std::uint8_t, 4>, kLetters.size()> index{};
+    for (std::size_t l = 0; l < kLetters.size(); ++l) {
+        std::uint32_t x = StepBack(hash, static_cast<std::uint8_t>(kLetters[l]));
         for (int k = 3; k >= 0; --k) {
-            index[static_cast<std::size_t>(k)] = kTopByteIndex[x >> 24];
-            x = (x ^ kCrc[index[static_cast<std::size_t>(k)]]) << 8;
+            index[l][static_cast<std::size_t>(k)] = kTopByteIndex[x >> 24];
+            x = (x ^ kCrc[index[l][static_cast<std::size_t>(k)]]) << 8;
         }
-        for (std::size_t lead = 0; lead < kLeads.size(); ++lead) {
+    }
+    for (std::size_t lead = 0; lead < kLeads.size(); ++lead) {
+        for (std::size_t l = 0; l < kLetters.size(); ++l) {
             std::uint32_t crc = kLeads[lead];
             std::array<char, 4> digits{};
-            bool all = true;
-            for (std::size_t k = 0; k < 4 && all; ++k) {
-                const std::uint32_t b = (crc ^ index[k]) & 0xFF;
-                all = digit(b);
+            std::size_t k = 0;
+            for (; k < 4; ++k) {
+                const std::uint32_t b = (crc ^ index[l][k]) & 0xFF;
+                if (b < '0' || b > '9') break;
                 digits[k] = static_cast<char>(b);
                 crc = Step(crc, static_cast<std::uint8_t>(b));
             }
-            if (!all) continue;
+            if (k < 4) continue;
             std::string label = lead == 0 ? std::string() : std::to_string(lead);
             label.append(digits.begin(), digits.end());
-            label += letter;
+            label += kLetters[l];
             if (ReadsAsItself(label)) return label;
         }
     }

@@ -26,36 +26,55 @@ std::uint32_t WordAt(std::span<const std::uint8_t> data, std::size_t at) {
 }
 
 // The mnemonic a listing shows for a built-in instruction word. Where several share a word, the first in
-// table order, unless another of the same operands extends its name ("op" is shown as "opc").
+// table order, unless another of the same operands extends its name ("op" is shown as "opc"). Looked up for
+// every instruction, so the words are hashed into a small table, and each name is kept padded so that it
+// can be copied in one fixed-size move.
 struct ShownMnemonic {
-    std::uint32_t word;
-    const WcpMnemonic* mnemonic;
+    std::uint32_t word = 0;
+    const WcpMnemonic* mnemonic = nullptr;
+    std::array<char, 8> text{}; // the name, padded with blanks
 };
 
-std::vector<ShownMnemonic> MakeShownMnemonics() {
-    std::vector<ShownMnemonic> shown;
-    const auto words = WcpOpcodeWords();
-    const auto all = WcpMnemonics();
-    for (const WcpMnemonic& m : all) {
-        const std::uint32_t word = words[static_cast<std::size_t>(m.index)];
-        if (std::any_of(shown.begin(), shown.end(), [&](const ShownMnemonic& s) { return s.word == word; }))
-            continue;
-        const WcpMnemonic* pick = &m;
-        for (const WcpMnemonic& other : all)
-            if (other.index == m.index && other.name.size() > pick->name.size() &&
-                other.name.starts_with(pick->name) && std::ranges::equal(other.Kinds(), pick->Kinds()))
-                pick = &other;
-        shown.push_back({word, pick});
+class ShownMnemonics {
+public:
+    ShownMnemonics() {
+        const auto words = WcpOpcodeWords();
+        const auto all = WcpMnemonics();
+        for (const WcpMnemonic& m : all) {
+            const std::uint32_t word = words[static_cast<std::size_t>(m.index)];
+            if (Find(word)) continue;
+            const WcpMnemonic* pick = &m;
+            for (const WcpMnemonic& other : all)
+                if (other.index == m.index && other.name.size() > pick->name.size() &&
+                    other.name.starts_with(pick->name) && std::ranges::equal(other.Kinds(), pick->Kinds()))
+                    pick = &other;
+            std::size_t slot = Slot(word);
+            while (slots_[slot].mnemonic) slot = (slot + 1) % slots_.size();
+            ShownMnemonic& entry = slots_[slot];
+            entry.word = word;
+            entry.mnemonic = pick;
+            entry.text.fill(' ');
+            std::copy(pick->name.begin(), pick->name.end(), entry.text.begin());
+        }
     }
-    std::sort(shown.begin(), shown.end(), [](const auto& a, const auto& b) { return a.word < b.word; });
-    return shown;
-}
 
-const WcpMnemonic* ShownMnemonicOf(std::uint32_t word) {
-    static const std::vector<ShownMnemonic> shown = MakeShownMnemonics();
-    const auto it = std::lower_bound(shown.begin(), shown.end(), word,
-                                     [](const ShownMnemonic& s, std::uint32_t w) { return s.word < w; });
-    return it != shown.end() && it->word == word ? it->mnemonic : nullptr;
+    const ShownMnemonic* Find(std::uint32_t word) const {
+        for (std::size_t slot = Slot(word);; slot = (slot + 1) % slots_.size()) {
+            const ShownMnemonic& entry = slots_[slot];
+            if (!entry.mnemonic) return nullptr;
+            if (entry.word == word) return &entry;
+        }
+    }
+
+private:
+    static std::size_t Slot(std::uint32_t word) { return (word * 0x9E3779B1u) >> 26; }
+
+    std::array<ShownMnemonic, 64> slots_{};
+};
+
+const ShownMnemonics& Mnemonics() {
+    static const ShownMnemonics mnemonics;
+    return mnemonics;
 }
 
 // How a function record lies in the data, as far as its header goes.
@@ -102,6 +121,22 @@ public:
         std::memcpy(buffer_.data() + used_, text.data(), text.size());
         used_ += text.size();
     }
+    // Text of at most 8 characters, kept in a buffer of 8, copied in one fixed-size move.
+    void Put8(const char* text8, std::size_t length) {
+        char* at = Room(8);
+        std::memcpy(at, text8, 8);
+        used_ += length;
+    }
+    void PutSpaces(std::size_t count) {
+        static constexpr char kSpaces[64] = {' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ',
+                                             ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ',
+                                             ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ',
+                                             ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ',
+                                             ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '};
+        char* at = Room(count + 64);
+        for (std::size_t done = 0; done < count; done += 64) std::memcpy(at + done, kSpaces, 64);
+        used_ += count;
+    }
     // Room for `count` characters at the end, to be taken with Commit.
     char* Room(std::size_t count) {
         if (count > kSize - used_) Flush();
@@ -136,15 +171,21 @@ private:
     std::size_t used_ = 0;
 };
 
-// "v0" to "v31".
-const std::array<std::string, 32>& RegisterNames() {
-    static const std::array<std::string, 32> names = [] {
-        std::array<std::string, 32> n;
-        for (std::size_t r = 0; r < n.size(); ++r) n[r] = "v" + std::to_string(r);
-        return n;
-    }();
+// "v0" to "v31", each in a buffer of 8.
+constexpr std::array<std::array<char, 8>, 32> kRegisterNames = [] {
+    std::array<std::array<char, 8>, 32> names{};
+    for (std::size_t r = 0; r < names.size(); ++r) {
+        names[r].fill(' ');
+        names[r][0] = 'v';
+        if (r < 10) {
+            names[r][1] = static_cast<char>('0' + r);
+        } else {
+            names[r][1] = static_cast<char>('0' + r / 10);
+            names[r][2] = static_cast<char>('0' + r % 10);
+        }
+    }
     return names;
-}
+}();
 
 // Known names are looked up only for words at least this large: a name whose hash is smaller is so unlikely
 // that the lookup for every small constant would cost more than showing such a name as its number.
@@ -158,7 +199,7 @@ constexpr std::uint32_t kLargeNumber = 10'000'000;
 class RecordWriter {
 public:
     RecordWriter(std::string& out, std::string_view indent, WcpNames& names)
-        : out_(out), indent_(indent), names_(names), blanks_(2 * (kMaxIndentDepth + 2), ' ') {}
+        : out_(out), indent_(indent), names_(names) {}
 
     bool Write(std::span<const std::uint8_t> data, const RecordHeader& h) {
         const std::size_t start = out_.Size();
@@ -190,10 +231,11 @@ public:
                 continue;
             }
             const std::size_t operands = (word & 0xFF) / 4;
-            if (const WcpMnemonic* m = ShownMnemonicOf(word)) {
-                if ((h.bodyEnd - p) / 4 < m->operandCount) return Undo(start);
-                Builtin(*m, data, p, depth);
-                p += 4 * std::size_t{m->operandCount};
+            if (const ShownMnemonic* shown = mnemonics_.Find(word)) {
+                const WcpMnemonic& m = *shown->mnemonic;
+                if ((h.bodyEnd - p) / 4 < m.operandCount) return Undo(start);
+                Builtin(*shown, data, p, depth);
+                p += 4 * std::size_t{m.operandCount};
             } else {
                 if ((word & 3) != 0 || operands > static_cast<std::size_t>(kWcpMaxNativeOperands) ||
                     (h.bodyEnd - p) / 4 < operands)
@@ -214,9 +256,9 @@ private:
         return false;
     }
 
+    // The decoder indents with blanks only.
     void Begin(std::size_t level) {
-        out_.Put(indent_);
-        out_.Put(std::string_view(blanks_.data(), 2 * std::min(level, kMaxIndentDepth + 1)));
+        out_.PutSpaces(indent_.size() + 2 * std::min(level, kMaxIndentDepth + 1));
     }
     void Line(std::size_t level, std::string_view text) {
         Begin(level);
@@ -259,7 +301,7 @@ private:
     // number" needs a name with that very hash.
     void ValueOperand(std::uint32_t word) {
         if (word < 32) {
-            out_.Put(RegisterNames()[word]);
+            out_.Put8(kRegisterNames[word].data(), word < 10 ? 2 : 3);
         } else if (const std::string* name = Named(word)) {
             out_.Put(*name);
         } else if (word == kUnwritableInteger) {
@@ -295,9 +337,11 @@ private:
         out_.Put('"');
     }
 
-    void Builtin(const WcpMnemonic& m, std::span<const std::uint8_t> data, std::size_t p, std::size_t depth) {
+    void Builtin(const ShownMnemonic& shown, std::span<const std::uint8_t> data, std::size_t p,
+                 std::size_t depth) {
+        const WcpMnemonic& m = *shown.mnemonic;
         Begin(1 + depth);
-        out_.Put(m.name);
+        out_.Put8(shown.text.data(), m.name.size());
         const bool call = m.index == 4;
         for (std::size_t i = 0; i < m.operandCount; ++i) {
             const std::uint32_t word = WordAt(data, p + 4 * i);
@@ -326,9 +370,9 @@ private:
     }
 
     LineBuffer out_;
+    const ShownMnemonics& mnemonics_ = Mnemonics();
     std::string_view indent_;
     WcpNames& names_;
-    std::string blanks_;
 };
 
 } // namespace
@@ -356,7 +400,13 @@ std::string_view WcpNames::Label(std::uint32_t word) {
     // The first character lies in the lowest byte.
     for (std::size_t i = 0; i < 4; ++i) fourCharacters_[i] = static_cast<char>(word >> (8 * i));
     if (IsWritableId(std::string_view(fourCharacters_.data(), 4))) return {fourCharacters_.data(), 4};
-    return *Cached(recentLabels_, word, [&] { return &MakeLabel(word); });
+    RecentLabel& recent = recentLabels_[(word * 0x9E3779B1u) >> 22];
+    if (!recent.filled || recent.word != word) {
+        recent.word = word;
+        recent.filled = true;
+        recent.text = MakeLabel(word);
+    }
+    return recent.text;
 }
 
 const std::string& WcpNames::MakeFunction(std::uint32_t hash) {
@@ -380,18 +430,11 @@ const std::string& WcpNames::MakeGameFunction(std::uint32_t key) {
     return it->second;
 }
 
-const std::string& WcpNames::MakeLabel(std::uint32_t word) {
-    auto [it, added] = labels_.try_emplace(word);
-    if (added) {
-        if (const std::string* name = Known(word); name && name->size() != 4) {
-            it->second = *name; // a name of four characters would be stored as its bytes
-        } else if (std::optional<std::string> line = LineLabelWithHash(word)) {
-            it->second = std::move(*line);
-        } else {
-            it->second = NameWithHash("L_" + IntToHex(word, 8) + "_", word);
-        }
-    }
-    return it->second;
+std::string WcpNames::MakeLabel(std::uint32_t word) const {
+    if (std::optional<std::string> line = LineLabelWithHash(word)) return std::move(*line);
+    // A name of four characters would be stored as its bytes.
+    if (const std::string* known = Known(word); known && known->size() != 4) return *known;
+    return NameWithHash("L_" + IntToHex(word, 8) + "_", word);
 }
 
 bool StartsWithFunctionRecord(std::span<const std::uint8_t> data) {

@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace velkor {
 
@@ -53,13 +54,20 @@ private:
     const std::string* Known(std::uint32_t hash) const;
     const std::string& MakeFunction(std::uint32_t hash);
     const std::string& MakeGameFunction(std::uint32_t key);
-    const std::string& MakeLabel(std::uint32_t word);
+    std::string MakeLabel(std::uint32_t word) const;
 
     const KnownNames* system_;
     const KnownNames* file_;
-    std::unordered_map<std::uint32_t, std::string> functions_, gameFunctions_, labels_;
+    std::unordered_map<std::uint32_t, std::string> functions_, gameFunctions_;
     mutable Recent recentValues_;
-    Recent recentFunctions_, recentGameFunctions_, recentLabels_;
+    Recent recentFunctions_, recentGameFunctions_;
+    // Labels are mostly used near where they stand and only a few times: the last ones, by hash slot.
+    struct RecentLabel {
+        std::uint32_t word = 0;
+        bool filled = false;
+        std::string text;
+    };
+    std::vector<RecentLabel> recentLabels_ = std::vector<RecentLabel>(Recent::kSlots);
     std::array<char, 4> fourCharacters_{}; // the last label that stands for itself
 };
 
