@@ -254,9 +254,13 @@ def decode_functions(rep, velkorc, d, factor):
         text = f.read()
     if "WCP_ASM" not in text or "//function record" in text:
         sys.exit("the mission's functions were not all decoded as listings")
-    os.makedirs(os.path.join(d, "back"), exist_ok=True)
-    os.replace(os.path.join(d, "bench.mis.pas"), os.path.join(d, "back", "bench.mis.pas"))
-    run([velkorc, "asm", "--fast-scanner", "bench.mis.pas"], os.path.join(d, "back"))
+    # Assembled in a folder of its own, with the side files of the chunks above the decode limit.
+    back = os.path.join(d, "back")
+    os.makedirs(back, exist_ok=True)
+    for name in os.listdir(d):
+        if name.startswith("bench.mis.pas") or name.startswith("bench.mis_"):
+            os.replace(os.path.join(d, name), os.path.join(back, name))
+    run([velkorc, "asm", "--fast-scanner", "bench.mis.pas"], back)
     with open(os.path.join(d, "back", "bench.mis"), "rb") as a, open(mis, "rb") as b:
         if a.read() != b.read():
             sys.exit("the decoded mission does not assemble to the same bytes")
