@@ -2,6 +2,7 @@
 
 #include "compiler/scanner.h"
 #include "iff/checksum.h"
+#include "iff/value_lines.h"
 #include "iff/wcp_opcodes.h"
 #include "platform/strings.h"
 
@@ -221,33 +222,44 @@ void AddNamesOfChunk(KnownNames& names, std::string_view id, std::string_view da
 
 } // namespace
 
-void AddNamesOfFile(KnownNames& names, std::span<const std::uint8_t> bytes) {
+namespace {
+
+// The items from `at` to `end`, the children of one form, and those of the forms inside it.
+void AddNamesOfForm(KnownNames& names, std::span<const std::uint8_t> bytes, std::size_t at, std::size_t end) {
     // The ends of the open forms, innermost last; items are read at `at` until the innermost form ends.
-    std::vector<std::size_t> ends;
-    std::size_t at = 0;
-    for (;;) {
-        while (!ends.empty() && at + 8 > ends.back()) {
-            at = ends.back();
+    std::vector<std::size_t> ends{end};
+    while (!ends.empty()) {
+        const std::size_t formEnd = ends.back();
+        if (at + 8 > formEnd) {
+            at = formEnd;
             ends.pop_back();
+            continue;
         }
-        const std::size_t end = ends.empty() ? bytes.size() : ends.back();
-        if (at + 8 > end) return;
         const std::string_view id = TextAt(bytes, at, 4);
         const std::size_t size = BigEndianAt(bytes, at + 4);
-        if (size > end - at - 8) {
-            if (ends.empty()) return;
-            at = end; // the rest of this form is no item
-            continue;
-        }
-        if (id == "FORM") {
-            if (size < 4) return;
+        if (size > formEnd - at - 8 || (id == "FORM" && size < 4)) {
+            at = formEnd; // the rest of this form is no item
+        } else if (id == "FORM") {
             ends.push_back(at + 8 + size);
             at += 12;
-            continue;
+        } else {
+            AddNamesOfChunk(names, id, TextAt(bytes, at + 8, size));
+            at += 8 + size + (size & 1);
         }
-        if (ends.empty()) return; // a file is made of forms
-        AddNamesOfChunk(names, id, TextAt(bytes, at + 8, size));
-        at += 8 + size + (size & 1);
+    }
+}
+
+} // namespace
+
+// The forms the decoder writes: the first, as far as the data goes, and whole ones after it whose type can
+// be written (so that what the text gives back holds the same names).
+void AddNamesOfFile(KnownNames& names, std::span<const std::uint8_t> bytes) {
+    for (std::size_t top = 0; bytes.size() - top >= 12 && TextAt(bytes, top, 4) == "FORM";) {
+        const std::size_t size = BigEndianAt(bytes, top + 4);
+        const std::size_t left = bytes.size() - top - 8;
+        if (top > 0 && (size < 4 || size > left || !IsWritableId(TextAt(bytes, top + 8, 4)))) return;
+        AddNamesOfForm(names, bytes, top + 12, top + 8 + std::min(std::max<std::size_t>(size, 4), left));
+        top += 8 + std::min(std::max<std::size_t>(size, 4), left);
     }
 }
 
