@@ -67,6 +67,8 @@ constexpr CommandHelp kCommandHelp[] = {
                "Decodes binary IFF files into textual IFF, each into FILE.pas (or -o OUT for one file).\n"
                "Chunks larger than --max-decode-size N bytes (default 1024) go to side files beside the\n"
                "output. --exact-floats writes floats in the shortest form that reads back exactly.\n"
+               "A truncated file or a form of odd size is decoded all the same, with a note on stderr\n"
+               "that the text is not exact.\n"
                "Script functions are written as WCP_ASM listings whatever their size, with names beside\n"
                "the ids that stand for names; --no-disassemble writes them as byte rows instead.\n"},
     {"tokens", "Usage: velkorc tokens [OPTIONS] FILE\n"

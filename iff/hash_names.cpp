@@ -237,11 +237,18 @@ void AddNamesOfForm(KnownNames& names, std::span<const std::uint8_t> bytes, std:
         }
         const std::string_view id = TextAt(bytes, at, 4);
         const std::size_t size = BigEndianAt(bytes, at + 4);
-        if (size > formEnd - at - 8 || (id == "FORM" && size < 4)) {
-            at = formEnd; // the rest of this form is no item
-        } else if (id == "FORM") {
-            ends.push_back(at + 8 + size);
-            at += 12;
+        if (id == "FORM") {
+            // Form sizes count as even; a form that runs past the end of cut-off data ends with it.
+            const std::size_t even = size + (size & 1);
+            const bool cut = formEnd == bytes.size() && at + 12 <= formEnd && even > formEnd - at - 8;
+            if (even < 4 || (even > formEnd - at - 8 && !cut)) {
+                at = formEnd; // the rest of this form is no item
+            } else {
+                ends.push_back(cut ? formEnd : at + 8 + even);
+                at += 12;
+            }
+        } else if (size > formEnd - at - 8) {
+            at = formEnd;
         } else {
             AddNamesOfChunk(names, id, TextAt(bytes, at + 8, size));
             at += 8 + size + (size & 1);

@@ -104,6 +104,7 @@ private:
     // The instruction assembler of WCP_ASM blocks (codegen/wcp_asm.cpp).
     void AssembleWcpAsm();
     void AssembleFunction();
+    void WriteParameterDescriptors(std::string_view function, std::uint32_t count);
     void AssembleBlock();
     void EmitInstruction(int index, std::span<const std::uint8_t> kinds, bool semicolonRequired);
     void EmitNativeCall(std::string_view name);

@@ -15,8 +15,6 @@ namespace velkor {
 
 namespace {
 
-// The assembler refuses more parameter descriptors than this.
-constexpr std::uint32_t kMaxListedParameters = 255;
 // Listing lines stop moving right after this many nested blocks, as the decoder's own lines do.
 constexpr std::size_t kMaxIndentDepth = 32;
 
@@ -93,9 +91,9 @@ std::optional<RecordHeader> ReadHeader(std::span<const std::uint8_t> data, std::
     h.count = WordAt(data, at + 8);
     // A negative count is written without descriptors, the way the assembler reads one.
     const std::uint32_t descriptors = static_cast<std::int32_t>(h.count) > 0 ? h.count : 0;
-    if (descriptors > kMaxListedParameters || h.count == kUnwritableInteger) return std::nullopt;
+    if (h.count == kUnwritableInteger) return std::nullopt;
     std::size_t p = at + 12;
-    if (left - 16 < std::size_t{4} * descriptors) return std::nullopt;
+    if ((left - 16) / 4 < descriptors) return std::nullopt;
     for (std::uint32_t i = 0; i < descriptors; ++i, p += 4)
         if (WordAt(data, p) != kWcpParameterWord) return std::nullopt;
     const std::uint32_t size = WordAt(data, p);

@@ -59,9 +59,10 @@ def generate_sources(lines, seed=7):
 
     globals_ = [f"g{i}" for i in range(150)]
     w.same("var")
-    for g in globals_:
+    # One list after "var": its names are separated by "," and the list ends at its ";".
+    for k, g in enumerate(globals_):
         v = rnd.randrange(100)
-        w.both(f"  {g} = {v};", f"  {g}: longint = {v};")
+        w.both(f"  {g} = {v}{';' if k == len(globals_) - 1 else ','}", f"  {g}: longint = {v};")
     w.same("")
 
     n_objects = max(10, lines // 250)
