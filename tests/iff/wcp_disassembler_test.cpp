@@ -130,6 +130,8 @@ const ListingCase kListingCases[] = {
      "WCP_ASM\n{\n  func Main\n  {\n    push v31;\n    push 32;\n    push 9999999;\n    push $00989680;\n"
      "    push $FFFFFFFF;\n    wcp_29123E_olkolihnhkjh v7 $45DF5C75 v1;\n    movc v8 -9999999;\n"
      "    movc v8 $FF676980;\n  }\n}\n"},
+    {"more parameters than the machine has registers: the count is all the record keeps",
+     "func Helper 300 { return v16; }", "WCP_ASM\n{\n  func Helper 300\n  {\n    return v16;\n  }\n}\n"},
     {"a function without a body and one with sixteen game-function operands",
      R"(func Main { } func Helper { Mystery v1 v2 v3 v4 v5 v6 v7 v8 v9 v10 v11 v12 v13 v14 v15 v16; })",
      "WCP_ASM\n{\n  func Main\n  {\n  }\n  func Helper\n  {\n"
