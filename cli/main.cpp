@@ -26,6 +26,7 @@ constexpr const char* kToolHelp =
     "  symbols [OPTIONS] UNIT      declarations only; print the symbol table, one symbol a line,\n"
     "                              tab-separated: name, kind, file, line, text, register, value\n"
     "  map     [OPTIONS] UNIT|FILE draw the objects of a unit or binary IFF file as SVG (-o FILE)\n"
+    "  lsp                         language server over stdio (LSP 3.17), for editors other than the IDE\n"
     "  --version                   print the compiler version\n"
     "\n"
     "Options:\n"
@@ -88,6 +89,11 @@ constexpr CommandHelp kCommandHelp[] = {
             "none has a position, nothing is written and the exit status is 1.\n"
             "Options: --view top|side|both, --dark, -o FILE, and for units -v N, --no-halt, -O,\n"
             "--fast-scanner, -I DIR, --out-dir DIR.\n"},
+    {"lsp", "Usage: velkorc lsp\n"
+            "Runs the language server on standard input and output (JSON-RPC with LSP 3.17 framing):\n"
+            "diagnostics, completion, hover, signature help, definition, document and workspace symbols,\n"
+            "references and semantic tokens. Settings come from the client's \"velkor\" section:\n"
+            "searchPath (folders after the unit's own, before $compiler$\\lib) and debounceMilliseconds.\n"},
 };
 
 int UsageError(const std::string& message) {
@@ -177,6 +183,10 @@ int Main(int argc, char** argv) {
         }
     }
 
+    if (o.command == "lsp") {
+        if (!o.files.empty()) return UsageError("lsp takes no file");
+        return RunLsp(o);
+    }
     if (o.files.empty()) return UsageError(o.command + " needs a file");
     if (o.command != "decode" && o.files.size() > 1) return UsageError(o.command + " takes one file");
     if (o.command == "decode" && !o.output.empty() && o.files.size() > 1)

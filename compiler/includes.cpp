@@ -1,6 +1,7 @@
 // Included source and string files, #FILE compilations, the search path and the output path.
 #include "compiler/compiler.h"
 #include "compiler/scanner.h"
+#include "compiler/source_host.h"
 #include "compiler/symbol_table.h"
 #include "iff/iff_compiler.h"
 #include "iff/iff_strings.h"
@@ -49,6 +50,30 @@ public:
 private:
     TSymbolTable& table_; // the shared table
     TCompiler* previous_; // its owner before the child took over
+};
+
+// The source text of a file found on the search path: the host's, else the file's.
+std::string ReadSourceText(TSourceHost* host, const std::filesystem::path& found) {
+    if (host)
+        if (auto text = host->SourceText(found)) return NormaliseLineBreaks(*text);
+    return LoadTextFile(found);
+}
+
+// Tells the host that a nested compile of a file runs, for as long as this lives.
+class HostScope {
+public:
+    HostScope(TSourceHost* host, const std::filesystem::path& file, const std::string& fileName)
+        : host_(host) {
+        if (host_) host_->Entered(file, fileName);
+    }
+    ~HostScope() {
+        if (host_) host_->Left();
+    }
+    HostScope(const HostScope&) = delete;
+    HostScope& operator=(const HostScope&) = delete;
+
+private:
+    TSourceHost* host_;
 };
 
 } // namespace
@@ -139,7 +164,7 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
     }
     std::string text;
     try {
-        text = LoadTextFile(found);
+        text = ReadSourceText(SourceHost, found);
     } catch (const EInOutError& e) {
         Error(e.what());
         return;
@@ -159,9 +184,12 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
     child.OnFileWritten = OnFileWritten;
     child.IncludeDepth = IncludeDepth + 1;
     child.fileChain_ = fileChain_;
+    child.SourceHost = SourceHost;
+    child.CheckOnly = CheckOnly;
     child.SetSource(std::move(text));
     child.SetFileName(name);
     {
+        HostScope hosted(SourceHost, found, child.FileName);
         OwnerScope scope(*symbols_, child);
         try {
             child.Compile();
@@ -273,7 +301,7 @@ void TCompiler::CompileFile(const std::string& written) {
     }
     std::string text;
     try {
-        text = LoadTextFile(found);
+        text = ReadSourceText(SourceHost, found);
     } catch (const EInOutError& e) {
         Error(e.what());
         return;
@@ -296,8 +324,11 @@ void TCompiler::CompileFile(const std::string& written) {
         unit.PlaceOutputFile = PlaceOutputFile;
         unit.OnFileWritten = OnFileWritten;
         unit.fileChain_ = fileChain_;
+        unit.SourceHost = SourceHost;
+        unit.CheckOnly = CheckOnly;
         unit.SetSource(std::move(text));
         unit.SetFileName(name);
+        HostScope hosted(SourceHost, found, unit.FileName);
         fileChain_->push_back(canonical);
         struct PopChain {
             std::vector<std::filesystem::path>& chain;
@@ -313,7 +344,7 @@ void TCompiler::CompileFile(const std::string& written) {
         }
         ErrorCount += unit.ErrorCount;
     }
-    AssembleLinkedText(linked, found.parent_path());
+    if (!CheckOnly) AssembleLinkedText(linked, found.parent_path());
 }
 
 std::filesystem::path LinkedTextFile() {

@@ -7,13 +7,19 @@
   decode            a large binary IFF file, beside `xxd -p` on the same file; target: equal MB/s
   scaling           each of the above at 1x and 10x the input; target: CPU time ratio at most 11
   peak memory       of every velkorc run, beside its input size
+  lsp               velkorc lsp on a generated mission of 50,000 lines: diagnostics after a change (debounce
+                    included) within 200 ms, completion within 50 ms; the server's CPU time per compile beside
 
 Every output is checked: the asm output against xxd's bytes, the decoded text by assembling it again.
 Usage: scripts/bench.py [--scale F] [--velkorc PATH] [--keep DIR]
 --scale shrinks or grows every input (0.1 for a quick look); the figures are meant at 1.
 """
 import argparse
+import json
 import os
+import queue
+import statistics
+import threading
 import random
 import shutil
 import struct
@@ -288,6 +294,106 @@ def mb(n):
     return n / 1e6
 
 
+class LspClient:
+    """velkorc lsp over pipes: framed JSON-RPC, replies gathered by a reader thread."""
+
+    def __init__(self, velkorc, cwd):
+        self.proc = subprocess.Popen([velkorc, "lsp"], cwd=cwd, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self.inbox = queue.Queue()
+        self.next_id = 0
+        threading.Thread(target=self._read, daemon=True).start()
+
+    def _read(self):
+        out = self.proc.stdout
+        while True:
+            length = None
+            while True:
+                line = out.readline()
+                if not line:
+                    return
+                if line in (b"\r\n", b"\n"):
+                    break
+                name, _, value = line.decode().partition(":")
+                if name.lower() == "content-length":
+                    length = int(value)
+            self.inbox.put((time.perf_counter(), json.loads(out.read(length))))
+
+    def send(self, message):
+        body = json.dumps(message).encode()
+        self.proc.stdin.write(b"Content-Length: %d\r\n\r\n" % len(body) + body)
+        self.proc.stdin.flush()
+        return time.perf_counter()
+
+    def request(self, method, params):
+        self.next_id += 1
+        sent = self.send({"jsonrpc": "2.0", "id": self.next_id, "method": method, "params": params})
+        return sent, self.wait(lambda m: m.get("id") == self.next_id)
+
+    def notify(self, method, params):
+        return self.send({"jsonrpc": "2.0", "method": method, "params": params})
+
+    def wait(self, accept):
+        while True:
+            at, message = self.inbox.get(timeout=120)
+            if accept(message):
+                return at, message
+
+    def cpu(self):
+        """The server's user + kernel CPU seconds so far."""
+        with open(f"/proc/{self.proc.pid}/stat") as f:
+            fields = f.read().rsplit(")", 1)[1].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+    def close(self):
+        self.request("shutdown", None)
+        self.notify("exit", None)
+        self.proc.wait(timeout=60)
+
+
+def lsp_figures(velkorc, work, rep, scale):
+    lines = int(50_000 * scale)
+    mis, _ = generate_sources(lines)
+    d = os.path.join(work, "lsp")
+    os.makedirs(d, exist_ok=True)
+    path = os.path.join(d, "bench.pas")
+    with open(path, "w", newline="") as f:
+        f.write(mis)
+    uri = "file://" + os.path.abspath(path)
+    client = LspClient(velkorc, d)
+    client.request("initialize", {"processId": os.getpid(), "rootUri": None, "capabilities": {}})
+    client.notify("initialized", {})
+    published = lambda version: lambda m: (m.get("method") == "textDocument/publishDiagnostics"
+                                           and m["params"]["uri"] == uri and m["params"].get("version") == version)
+    client.notify("textDocument/didOpen", {"textDocument": {"uri": uri, "languageId": "velkor", "version": 1, "text": mis}})
+    client.wait(published(1))
+
+    # Diagnostics: an edit in the last function, then the time until its diagnostics arrive.
+    last = mis.count("\r\n") - 2
+    delays, cpu0 = [], client.cpu()
+    for version in range(2, 12):
+        sent = client.notify("textDocument/didChange", {
+            "textDocument": {"uri": uri, "version": version},
+            "contentChanges": [{"range": {"start": {"line": last, "character": 0}, "end": {"line": last, "character": 0}},
+                                "text": " " if version % 2 else ""}]})
+        at, message = client.wait(published(version))
+        delays.append(at - sent)
+    cpu = (client.cpu() - cpu0) / len(delays)
+    delay = statistics.median(delays)
+    rep.line(f"lsp diagnostics {lines:,} lines", f"{delay * 1000:,.0f} ms after a change",
+             f"server CPU {cpu * 1000:,.0f} ms a compile", "200 ms", delay <= 0.2)
+
+    # Completion at the start of a statement in the last function: every name of the unit is offered.
+    times, count = [], 0
+    for _ in range(10):
+        sent, (at, message) = client.request("textDocument/completion", {
+            "textDocument": {"uri": uri}, "position": {"line": last, "character": 3}})
+        times.append(at - sent)
+        count = len(message["result"]["items"])
+    rep.line("lsp completion", f"{statistics.median(times) * 1000:,.1f} ms", f"{count:,} items", "50 ms",
+             statistics.median(times) <= 0.05)
+    client.close()
+
+
 class Report:
     def __init__(self):
         self.rows = []
@@ -392,6 +498,8 @@ def main():
         user, kernel = (cpu10[i] / max(cpu1[i], 1e-6) for i in (0, 1))
         rep.line(f"scaling {what} 10x / 1x", f"CPU time ratio {ratio:.1f}",
                  f"user {user:.1f}, kernel {kernel:.1f}, wall {wall10 / wall1:.1f}", "at most 11", ratio <= 11)
+
+    lsp_figures(velkorc, work, rep, args.scale)
 
     if not args.keep:
         shutil.rmtree(work, ignore_errors=True)
