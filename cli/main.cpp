@@ -39,6 +39,7 @@ constexpr const char* kToolHelp =
     "  --out-dir DIR               folder for output files whose names have no folder (default: current)\n"
     "  --max-decode-size N         decode limit in bytes (default 1024)\n"
     "  --exact-floats              decode only: write floats in the shortest form that reads back exactly\n"
+    "  --no-disassemble            decode only: write function records as byte rows, not WCP_ASM listings\n"
     "  -o FILE                     output file of compile, of a single decode or of map\n"
     "  --view top|side|both        map only: the views drawn (default both)\n"
     "  --dark                      map only: dark colours\n"
@@ -71,7 +72,9 @@ constexpr CommandHelp kCommandHelp[] = {
                "Chunks larger than --max-decode-size N bytes (default 1024) go to side files beside the\n"
                "output. --exact-floats writes floats in the shortest form that reads back exactly.\n"
                "A truncated file or a form of odd size is decoded all the same, with a note on stderr\n"
-               "that the text is not exact.\n"},
+               "that the text is not exact.\n"
+               "Script functions are written as WCP_ASM listings whatever their size, with names beside\n"
+               "the ids that stand for names; --no-disassemble writes them as byte rows instead.\n"},
     {"tokens", "Usage: velkorc tokens [OPTIONS] FILE\n"
                "Prints each token of FILE as \"<line>\\t<kind>\\t<text>\", end of text included.\n"
                "Options: --fast-scanner, --no-line-markers.\n"},
@@ -158,6 +161,8 @@ int Main(int argc, char** argv) {
             o.noLineMarkers = true;
         } else if (a == "--exact-floats") {
             o.exactFloats = true;
+        } else if (a == "--no-disassemble") {
+            o.noDisassemble = true;
         } else if (a == "-I" || a == "--search-path") {
             if (!value(v)) return UsageError(std::string(a) + " needs a folder");
             o.searchPaths.emplace_back(v);
