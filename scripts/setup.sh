@@ -23,10 +23,11 @@ packages=(
     libbenchmark-dev xxd time                # benchmarks (time: peak memory in scripts/bench.py)
     nlohmann-json3-dev                       # the language server's JSON
     neovim                                   # the language server under Neovim's own client
+    python3                                  # tests that parse the SVG maps as XML
 )
 # Node for the editor integrations' tests; a Node installed some other way (nodesource, nvm) is kept.
 if ! command -v node >/dev/null || ! command -v npm >/dev/null; then packages+=(nodejs npm); fi
-if ((bench)); then packages+=(python3 fp-compiler); fi
+if ((bench)); then packages+=(fp-compiler); fi
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
