@@ -19,6 +19,7 @@ struct Options {
     bool fastScanner = false;             // --fast-scanner
     bool noLineMarkers = false;           // --no-line-markers (tokens only)
     bool exactFloats = false;             // --exact-floats (decode only)
+    bool noDisassemble = false;           // --no-disassemble (decode only)
     std::vector<std::string> searchPaths; // -I, --search-path, in order
     std::string outDir;                   // --out-dir; empty means the current folder
     int maxDecodeSize = 1024;             // --max-decode-size
@@ -34,8 +35,8 @@ int RunAsm(const Options& options);
 int RunDecode(const Options& options);
 int RunTokens(const Options& options);
 int RunSymbols(const Options& options);
-int RunLsp(const Options& options);
 int RunMap(const Options& options);
+int RunLsp(const Options& options);
 
 // Writes one message line to stderr, as the output callbacks receive it.
 void PrintMessage(const std::string& line);

@@ -23,17 +23,8 @@ int RunBuild(const Options& options) {
     c.OnFileWritten = [](const std::filesystem::path& path, std::size_t size) {
         std::cout << WrittenFileLine(path, size) << std::endl;
     };
-    std::string linked;
-    try {
-        c.Compile();
-        c.Finish();
-        linked = c.Link();
-    } catch (const ECompiler&) {
-        return kExitReported;
-    } catch (const Exception& e) {
-        PrintMessage(e.what());
-        return kExitReported;
-    }
+    std::optional<std::string> linked = CompileAndLink(c);
+    if (!linked) return kExitReported;
     // A unit with errors is not assembled: its text may name files it would then overwrite half-made.
     if (c.ErrorCount > 0) return kExitReported;
     // The unit's listing and lists are in the linked text now: their memory is given back before the
@@ -55,7 +46,7 @@ int RunBuild(const Options& options) {
             writeFailed = true;
         }
     };
-    assembler.TakeInputText(std::move(linked), run.folder);
+    assembler.TakeInputText(std::move(*linked), run.folder);
     try {
         assembler.Compile();
     } catch (const EIffCompiler&) {

@@ -1,6 +1,6 @@
 // The instruction assembler: turns the functions of a WCP_ASM block into the binary function records of the
 // game's script machine, written into the chunk being assembled.
-#include "codegen/wcp_opcodes.h"
+#include "iff/wcp_opcodes.h"
 #include "compiler/scanner.h"
 #include "iff/checksum.h"
 #include "iff/iff_compiler.h"

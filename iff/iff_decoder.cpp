@@ -2,12 +2,16 @@
 
 #include "iff/iff_compiler.h"
 #include "iff/iff_reader.h"
+#include "iff/name_comments.h"
 #include "iff/record_decoder.h"
 #include "iff/value_lines.h"
+#include "iff/wcp_disassembler.h"
 #include "platform/numbers.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
 #include "platform/text_file.h"
+
+#include <optional>
 
 namespace velkor {
 
@@ -260,12 +264,17 @@ private:
         if (IsWritableId(id))
             Line(level, "CHUNK \"" + std::string(id) + "\"");
         else
-            Line(level, "CHUNK $" + IntToHex(IdValue(id), 8));
+            Line(level, "CHUNK $" + IntToHex(IdValue(id), 8) + IdName(id));
         Line(level, "{");
         const auto data = bytes_.subspan(static_cast<std::size_t>(pos_) + 8, static_cast<std::size_t>(size));
         const std::string_view indent = Indent(level + 1);
-        if (size > limit_) {
+        if (options_.disassemble && IsFunctionChunk(id) && StartsWithFunctionRecord(data)) {
+            WriteFunctionRecords(result_.text, indent, data, Names(), [this] { Flush(false); });
+        } else if (size > limit_) {
             SideFileLines(level + 1, id, pos_, data);
+        } else if (const NamedWordsChunk kind = NamedWordsChunkOf(id, frames_.back().type);
+                   options_.disassemble && kind != NamedWordsChunk::None) {
+            WriteNamedWords(result_.text, indent, data, kind, Names());
         } else if (const RecordLayout* layout = FindSpecialDecoder(Place(id))) {
             if (!WriteRecords(result_.text, indent, data, *layout, options_.exactFloats))
                 result_.lossless = false;
@@ -278,6 +287,29 @@ private:
             }
         }
         Line(level, "}");
+    }
+
+    // " // <name>" for the id of an object property whose name the system knows, else nothing.
+    std::string IdName(std::string_view id) const {
+        if (!options_.disassemble || !options_.names || frames_.back().type != "PROP") return {};
+        const std::string* name = options_.names->ById(IdValue(id));
+        return name ? " // " + *name : std::string();
+    }
+
+    // The chunk where mission, series and sector forms keep the records of their script functions.
+    bool IsFunctionChunk(std::string_view id) const {
+        if (id != "FUNC") return false;
+        const std::string_view parent = frames_.back().type;
+        return parent == "MISN" || parent == "SERS" || parent == "MED_";
+    }
+
+    // The names for the function records, with the names this file records, gathered at the first use.
+    WcpNames& Names() {
+        if (!names_) {
+            AddNamesOfFile(fileNames_, bytes_);
+            names_.emplace(options_.names.get(), &fileNames_);
+        }
+        return *names_;
     }
 
     ChunkPlace Place(std::string_view id) const {
@@ -330,6 +362,8 @@ private:
     std::int64_t pos_ = 0;                // the next item's offset
     std::size_t oddForms_ = 0;            // forms with an odd size field
     DecodedIff result_;                   // what is written
+    KnownNames fileNames_;                // names recorded in the input itself
+    std::optional<WcpNames> names_;       // for function records; made at the first one
 };
 
 } // namespace

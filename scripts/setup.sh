@@ -21,9 +21,9 @@ packages=(
     xvfb xauth                               # GUI tests under a real X server
     clang libclang-rt-14-dev                 # libFuzzer and sanitizer builds
     libbenchmark-dev xxd time                # benchmarks (time: peak memory in scripts/bench.py)
+    python3                                  # tests that parse the SVG maps as XML
     nlohmann-json3-dev                       # the language server's JSON
     neovim                                   # the language server under Neovim's own client
-    python3                                  # tests that parse the SVG maps as XML
 )
 # Node for the editor integrations' tests; a Node installed some other way (nodesource, nvm) is kept.
 if ! command -v node >/dev/null || ! command -v npm >/dev/null; then packages+=(nodejs npm); fi
