@@ -142,6 +142,14 @@ std::span<const ScannerKeyword> ScannerKeywords() {
     return kKeywords;
 }
 
+std::span<const std::string_view> StatementWords() {
+    static constexpr std::array<std::string_view, 16> words = {
+        "if",    "then", "else", "while", "do",  "until", "for",  "to",
+        "break", "inc",  "dec",  "not",   "xor", "mod",   "aint", "result",
+    };
+    return words;
+}
+
 void TScanner::SetText(std::string text) {
     text_ = std::move(text);
     ForgetPeek();

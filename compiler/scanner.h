@@ -55,6 +55,9 @@ struct ScannerKeyword {
     std::int32_t kind;
 };
 std::span<const ScannerKeyword> ScannerKeywords();
+// Words the statement compiler dispatches on or treats specially; not scanner keywords. With the table
+// above, the words the editors show as keywords.
+std::span<const std::string_view> StatementWords();
 
 class TScanner {
 public:
