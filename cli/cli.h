@@ -23,6 +23,7 @@ struct Options {
     std::string outDir;                   // --out-dir; empty means the current folder
     int maxDecodeSize = 1024;             // --max-decode-size
     std::string output;                   // -o
+    bool allowOutputAnywhere = false;     // --allow-output-anywhere: lift the confinement of output files
     std::vector<std::string> files;       // the command's operands
 };
 

@@ -18,8 +18,10 @@ struct TSpecialDecoderState {
 };
 
 // Decodes `input` (binary IFF) into the text file `output`; chunks above `limit` bytes go to side files.
-// Throws the reader's and decoder's exceptions.
-void DecodeIffFile(const std::string& input, const std::string& output, std::int32_t limit);
+// Returns why the text cannot give back the same bytes, one line each, when it cannot. Throws the
+// reader's and decoder's exceptions.
+std::vector<std::string> DecodeIffFile(const std::string& input, const std::string& output,
+                                       std::int32_t limit);
 
 std::vector<TSpecialDecoderState> SpecialDecoders();
 void EnableSpecialDecoder(std::string_view name, bool enabled);
@@ -41,6 +43,8 @@ signals:
     // Delivered to the user-interface thread, which finishes while the decode thread waits: the text
     // file to open, or an error text when decoding failed.
     void Decoded(const QString& textFile, const QString& error);
+    // Before Decoded: one line for the output view per reason the decode is not exact.
+    void Noted(const QString& line);
 
 protected:
     void run() override;

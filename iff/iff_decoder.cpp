@@ -5,8 +5,11 @@
 #include "iff/record_decoder.h"
 #include "iff/value_lines.h"
 #include "platform/numbers.h"
+#include "platform/output_policy.h"
 #include "platform/path_resolver.h"
 #include "platform/text_file.h"
+
+#include <memory>
 
 namespace velkor {
 
@@ -91,7 +94,11 @@ public:
         const std::int64_t rootEnd = std::max<std::int64_t>(end, 12);
         if (end < 12) result_.lossless = false;
         CheckInsideRoot(reader_.Root(), rootEnd);
-        if (!IsWritableId(type)) result_.lossless = false;
+        if (!IsWritableId(type)) {
+            result_.lossless = false;
+            result_.notes.push_back("the form type cannot be written as it is and becomes \"" +
+                                    QuotableId(type) + "\": the decode is not exact");
+        }
 
         Line(0, "IFF \"" + name_ + "\"");
         Line(0, "{");
@@ -120,7 +127,12 @@ private:
             Items();
             at += 8 + size;
         }
-        if (at < total) result_.lossless = false;
+        if (at < total) {
+            result_.lossless = false;
+            result_.notes.push_back(std::to_string(total - at) + " bytes at offset " +
+                                    IntToHex(static_cast<std::uint32_t>(at), 8) +
+                                    " lie behind the last form and are left out: the decode is not exact");
+        }
     }
 
     struct Frame {
@@ -287,15 +299,36 @@ DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileN
     return DecodeReader(reader, fileName, limit, options);
 }
 
-void Decode(const std::filesystem::path& input, const std::filesystem::path& output, std::int64_t limit,
-            const DecodeOptions& options) {
+std::vector<std::string> LossNotes(const DecodedIff& decoded) {
+    if (decoded.lossless) return {};
+    if (decoded.notes.empty()) return {"the decode is not exact"};
+    return decoded.notes;
+}
+
+std::vector<std::string> Decode(const std::filesystem::path& input, const std::filesystem::path& output,
+                                std::int64_t limit, const DecodeOptions& options) {
+    OutputPolicy policy;
+    policy.ProtectInput(input);
+    policy.CheckNotInput(output);
     const TIffReader reader = TIffReader::FromFile(input);
     AtomicFileWriter text(output);
     const DecodedIff decoded = DecodeReader(reader, input.string(), limit, options,
                                             [&](std::string_view piece) { text.Write(piece); });
+    // Every file is on the disk before the first replaces its target: a full disk leaves the old ones.
     const std::filesystem::path folder = output.parent_path();
-    for (const SideFile& side : decoded.sideFiles) WriteFileAtomic(folder / side.name, side.data);
+    std::vector<std::unique_ptr<AtomicFileWriter>> sides;
+    sides.reserve(decoded.sideFiles.size());
+    for (const SideFile& side : decoded.sideFiles) {
+        const std::filesystem::path path = folder / side.name;
+        policy.CheckNotInput(path);
+        sides.push_back(std::make_unique<AtomicFileWriter>(path));
+        sides.back()->Write(side.data);
+        sides.back()->Close();
+    }
+    text.Close();
+    for (const auto& side : sides) side->Commit();
     text.Commit();
+    return LossNotes(decoded);
 }
 
 } // namespace velkor

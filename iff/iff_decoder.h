@@ -32,7 +32,12 @@ struct DecodedIff {
     std::string text;                // the textual IFF, CR LF line ends
     std::vector<SideFile> sideFiles; // the files the text includes, in text order
     bool lossless = true;            // assembling the text gives back exactly the input bytes
+    std::vector<std::string> notes;  // why the text cannot give back the input exactly, where that is known
 };
+
+// What to tell the user about a decode that is not exact: the notes, or one general line when the decode
+// is not lossless for a reason without a note of its own. Empty for a lossless decode.
+std::vector<std::string> LossNotes(const DecodedIff& decoded);
 
 // Decodes bytes held in memory; `fileName` names the IFF block and the side files (only its last path
 // component is used) and is the source name of the reader's messages. Chunks whose size is above `limit`
@@ -47,9 +52,11 @@ using TextSink = std::function<void(std::string_view piece)>;
 DecodedIff DecodeReader(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
                         const DecodeOptions& options = {}, const TextSink& sink = {});
 
-// Decodes the file `input` into the text file `output`, the side files beside it. Throws EIffReader for
-// input that is not valid IFF and EInOutError when a file cannot be read or written.
-void Decode(const std::filesystem::path& input, const std::filesystem::path& output, std::int64_t limit,
-            const DecodeOptions& options = {});
+// Decodes the file `input` into the text file `output`, the side files beside it: all of them or, when one
+// cannot be written, none (the files that stood there before stay as they were). An output that is the
+// input itself is refused. Returns the LossNotes of the decode. Throws EIffReader for input that is not
+// valid IFF and EInOutError when a file cannot be read or written.
+std::vector<std::string> Decode(const std::filesystem::path& input, const std::filesystem::path& output,
+                                std::int64_t limit, const DecodeOptions& options = {});
 
 } // namespace velkor
