@@ -28,8 +28,8 @@ std::filesystem::path OutputFor(const Options& options, const std::string& input
 }
 
 struct Outcome {
-    std::string failure;            // why the file was not decoded; empty when it was
-    std::vector<std::string> notes; // why its text does not give back the same bytes
+    std::string failure;            // why the file was not decoded, empty when it was
+    std::vector<std::string> notes; // why the text it was decoded into is not exact
 };
 
 Outcome DecodeOne(const Options& options, const std::string& input) {
@@ -70,11 +70,11 @@ int RunDecode(const Options& options) {
     }
     int status = kExitOk;
     for (std::size_t i = 0; i < count; ++i) {
-        const Outcome& outcome = outcomes[first[i]];
-        for (const std::string& note : outcome.notes)
+        if (first[i] != i) outcomes[i] = outcomes[first[i]];
+        for (const std::string& note : outcomes[i].notes)
             PrintMessage("velkorc: " + options.files[i] + ": " + note);
-        if (outcome.failure.empty()) continue;
-        PrintMessage("velkorc: " + options.files[i] + ": " + outcome.failure);
+        if (outcomes[i].failure.empty()) continue;
+        PrintMessage("velkorc: " + options.files[i] + ": " + outcomes[i].failure);
         status = kExitUsage;
     }
     return status;

@@ -8,7 +8,11 @@
 #include "platform/numbers.h"
 #include "platform/strings.h"
 
+#include <algorithm>
 #include <array>
+#include <new>
+#include <string>
+#include <vector>
 
 namespace velkor {
 
@@ -18,9 +22,8 @@ namespace {
 // and so is this very number when written out.
 constexpr std::int32_t kNotAnInteger = 0x0F00AAFF;
 
-// More parameters than the machine has registers cannot be meant; the cap keeps a short text from asking
-// for gigabytes of descriptors.
-constexpr std::int32_t kMaxParameters = 255;
+// Descriptors are handed to the writer this many at a time, so that a long run never sits in memory twice.
+constexpr std::size_t kDescriptorSlice = std::size_t{1} << 14;
 
 } // namespace
 
@@ -38,19 +41,18 @@ void TIffCompiler::AssembleWcpAsm() {
 }
 
 void TIffCompiler::AssembleFunction() {
-    const std::string_view name = Next();
+    const std::string name(Next()); // a copy: reading the count replaces the token
     if (!IsNameKind(kind_)) ExpectError("<name>", name);
     code_.clear();
     EmitWord(NameHash(name));
     EmitWord(0);
     std::int32_t parameters = 0;
     Peek();
-    if (kind_ == tkNumber) {
-        parameters = ConvertInt(Next());
-        if (parameters > kMaxParameters) Error(ERangeError().what());
-    }
+    if (kind_ == tkNumber) parameters = ConvertInt(Next());
     EmitWord(static_cast<std::uint32_t>(parameters));
-    for (std::int32_t i = 0; i < parameters; ++i) EmitWord(kWcpParameterWord);
+    writer_->Write(code_);
+    code_.clear();
+    if (parameters > 0) WriteParameterDescriptors(name, static_cast<std::uint32_t>(parameters));
 
     const size_t sizeField = code_.size();
     EmitWord(0);
@@ -60,6 +62,26 @@ void TIffCompiler::AssembleFunction() {
         code_[sizeField + static_cast<size_t>(i)] = static_cast<std::uint8_t>(size >> (8 * i));
     writer_->Write(code_);
     code_.clear();
+}
+
+// A count is only limited by the size of the file it goes into and by the memory that holds the file.
+void TIffCompiler::WriteParameterDescriptors(std::string_view function, std::uint32_t count) {
+    const std::string what =
+        "func " + std::string(function) + ": " + std::to_string(count) + " parameter descriptors";
+    if (writer_->GetPosition() + std::uint64_t{4} * count > kMaxOutputSize)
+        Error(what + " make the output file larger than 4 GB");
+    std::vector<std::uint8_t> slice;
+    for (std::size_t i = 0; i < std::min<std::size_t>(count, kDescriptorSlice); ++i)
+        for (int b = 0; b < 4; ++b) slice.push_back(static_cast<std::uint8_t>(kWcpParameterWord >> (8 * b)));
+    try {
+        for (std::uint32_t left = count; left > 0;) {
+            const std::uint32_t now = std::min<std::uint32_t>(left, kDescriptorSlice);
+            writer_->Write(std::span<const std::uint8_t>(slice).first(std::size_t{4} * now));
+            left -= now;
+        }
+    } catch (const std::bad_alloc&) {
+        Error(what + " do not fit into memory");
+    }
 }
 
 // Nested blocks are followed with a depth count rather than recursion, so no listing can exhaust the stack.

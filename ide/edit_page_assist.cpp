@@ -3,12 +3,12 @@
 #include "ide/edit_page.h"
 
 #include "compiler/compiler.h"
+#include "compiler/symbol_queries.h"
 #include "compiler/symbol_table.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
 #include "ide/page_host.h"
 #include "ide/proc_list.h"
-#include "ide/symbol_queries.h"
 #include "iff/iff_strings.h"
 #include "platform/exception.h"
 #include "platform/path_resolver.h"

@@ -6,10 +6,10 @@
 // keys are still recognised by position where the platform reports it.
 #include "ide/edit_page.h"
 
+#include "compiler/symbol_queries.h"
 #include "compiler/symbol_table.h"
 #include "editor/key_event.h"
 #include "ide/ide_ini.h"
-#include "ide/symbol_queries.h"
 #include "platform/strings.h"
 
 #include <QFocusEvent>

@@ -72,13 +72,13 @@ TIffDThread::TIffDThread(std::string fileName, std::int32_t limit, QObject* pare
 void TIffDThread::run() {
     const std::string textFile = fileName_ + ".pas";
     QString error;
+    QStringList notes;
     try {
-        for (const std::string& note : DecodeIffFile(fileName_, textFile, limit_))
-            emit Noted(ToQ(fileName_ + ": " + note));
+        for (const std::string& note : DecodeIffFile(fileName_, textFile, limit_)) notes << ToQ(note);
     } catch (const std::exception& e) {
         error = ToQ(fileName_ + ": " + e.what());
     }
-    emit Decoded(ToQ(textFile), error);
+    emit Decoded(ToQ(textFile), error, notes);
 }
 
 } // namespace velkor

@@ -2,6 +2,7 @@
 // enabled flags that the settings dialog shows.
 #pragma once
 
+#include <QStringList>
 #include <QThread>
 
 #include <cstdint>
@@ -18,8 +19,7 @@ struct TSpecialDecoderState {
 };
 
 // Decodes `input` (binary IFF) into the text file `output`; chunks above `limit` bytes go to side files.
-// Returns why the text cannot give back the same bytes, one line each, when it cannot. Throws the
-// reader's and decoder's exceptions.
+// Returns the notes on why the text is not exact. Throws the reader's and decoder's exceptions.
 std::vector<std::string> DecodeIffFile(const std::string& input, const std::string& output,
                                        std::int32_t limit);
 
@@ -41,10 +41,8 @@ public:
 
 signals:
     // Delivered to the user-interface thread, which finishes while the decode thread waits: the text
-    // file to open, or an error text when decoding failed.
-    void Decoded(const QString& textFile, const QString& error);
-    // Before Decoded: one line for the output view per reason the decode is not exact.
-    void Noted(const QString& line);
+    // file to open, or an error text when decoding failed, and the notes on why the text is not exact.
+    void Decoded(const QString& textFile, const QString& error, const QStringList& notes);
 
 protected:
     void run() override;

@@ -8,6 +8,7 @@
 #include "ide/ide_ini.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
+#include "ide/map_view.h"
 #include "ide/output_view.h"
 #include "ide/reg_mru.h"
 #include "ide/settings_dialog.h"
@@ -112,6 +113,7 @@ TfrmMain::TfrmMain(const QStringList& files, QWidget* parent) : QMainWindow(pare
     timer1_->setInterval(150);
     connect(timer1_, &QTimer::timeout, this, &TfrmMain::TimerTick);
 
+    map_ = new TfrmMapView(*this);
     CreateMenus();
     ConnectMenus();
     CreateDockAreas();
@@ -253,11 +255,11 @@ TfrmEdit* TfrmMain::DecodeFile(const std::string& name) {
     const bool existed = std::filesystem::exists(textFile, ec);
     if (IdeIni().ReadBool("iffd", "UseSeparateThread", false)) {
         auto* thread = new TIffDThread(name, maxDecodeSize_);
-        connect(thread, &TIffDThread::Noted, this, [this](const QString& line) { Output(FromQ(line)); });
         // Blocking: the decode thread waits while the interface thread opens the page.
         connect(
             thread, &TIffDThread::Decoded, this,
-            [this, existed](const QString& decodedText, const QString& error) {
+            [this, name, existed](const QString& decodedText, const QString& error, const QStringList& notes) {
+                for (const QString& note : notes) Output(name + ": " + FromQ(note));
                 OpenDecodedText(FromQ(decodedText), error, existed);
             },
             Qt::BlockingQueuedConnection);

@@ -136,7 +136,9 @@ std::string_view TIffCompiler::ReadName(std::string_view expected) {
 // ---- error path ----
 
 void TIffCompiler::Error(const std::string& text, SourceLocation where) {
-    std::string line = "[error] line " + std::to_string(scanner_ ? scanner_->Line() : 0) + ": " + text;
+    // The text quotes the assembled text's own bytes.
+    std::string line =
+        "[error] line " + std::to_string(scanner_ ? scanner_->Line() : 0) + ": " + VisibleBytes(text);
     if (OnMessage) {
         OnMessage(0, line);
         OnMessage(0, "  raised in " + RoutineName(where) + ", line " + std::to_string(where.line()));

@@ -32,6 +32,7 @@ public:
     using MessageCallback = std::function<void(int level, const std::string& text)>;
     using BinaryOutputCallback =
         std::function<void(const std::vector<std::uint8_t>& bytes, const std::string& fileName)>;
+    using NameHashedCallback = std::function<void(std::string_view name, std::uint32_t hash)>;
 
     TIffCompiler();
     ~TIffCompiler();
@@ -55,6 +56,7 @@ public:
 
     MessageCallback OnMessage;           // receives the error lines, at level 0
     BinaryOutputCallback OnBinaryOutput; // receives each finished output file
+    NameHashedCallback OnNameHashed;     // receives every crc32 value's text with its checksum
 
     // Nesting deeper than this is refused rather than followed.
     static constexpr int kMaxNesting = 10000;
@@ -104,6 +106,7 @@ private:
     // The instruction assembler of WCP_ASM blocks (codegen/wcp_asm.cpp).
     void AssembleWcpAsm();
     void AssembleFunction();
+    void WriteParameterDescriptors(std::string_view function, std::uint32_t count);
     void AssembleBlock();
     void EmitInstruction(int index, std::span<const std::uint8_t> kinds, bool semicolonRequired);
     void EmitNativeCall(std::string_view name);

@@ -35,10 +35,6 @@ struct DecodedIff {
     std::vector<std::string> notes;  // why the text cannot give back the input exactly, where that is known
 };
 
-// What to tell the user about a decode that is not exact: the notes, or one general line when the decode
-// is not lossless for a reason without a note of its own. Empty for a lossless decode.
-std::vector<std::string> LossNotes(const DecodedIff& decoded);
-
 // Decodes bytes held in memory; `fileName` names the IFF block and the side files (only its last path
 // component is used) and is the source name of the reader's messages. Chunks whose size is above `limit`
 // go to side files. Throws EIffReader (and its subclasses) for data that is not valid IFF.
@@ -54,7 +50,7 @@ DecodedIff DecodeReader(const TIffReader& reader, std::string_view fileName, std
 
 // Decodes the file `input` into the text file `output`, the side files beside it: all of them or, when one
 // cannot be written, none (the files that stood there before stay as they were). An output that is the
-// input itself is refused. Returns the LossNotes of the decode. Throws EIffReader for input that is not
+// input itself is refused. Returns the notes on why the text is not exact. Throws EIffReader for input that is not
 // valid IFF and EInOutError when a file cannot be read or written.
 std::vector<std::string> Decode(const std::filesystem::path& input, const std::filesystem::path& output,
                                 std::int64_t limit, const DecodeOptions& options = {});
