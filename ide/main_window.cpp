@@ -258,7 +258,8 @@ TfrmEdit* TfrmMain::DecodeFile(const std::string& name) {
         // Blocking: the decode thread waits while the interface thread opens the page.
         connect(
             thread, &TIffDThread::Decoded, this,
-            [this, name, existed](const QString& decodedText, const QString& error, const QStringList& notes) {
+            [this, name, existed](const QString& decodedText, const QString& error,
+                                  const QStringList& notes) {
                 for (const QString& note : notes) Output(name + ": " + FromQ(note));
                 OpenDecodedText(FromQ(decodedText), error, existed);
             },
