@@ -3,6 +3,7 @@
 #include "cli/output_files.h"
 #include "compiler/scanner.h"
 #include "iff/iff_compiler.h"
+#include "platform/path_resolver.h"
 #include "platform/text_file.h"
 
 #include <iostream>
@@ -19,31 +20,29 @@ int RunAsm(const Options& options) {
         return kExitUsage;
     }
 
-    bool writeFailed = false;
+    const std::filesystem::path text = FindExisting(options.files.front()).value_or(options.files.front());
+    const OutputPolicy policy = MakeOutputPolicy(options, text);
     assembler.OnMessage = [&](int level, const std::string& line) {
         if (level <= options.verbosity) PrintMessage(line);
     };
-    // Each file is written as soon as its block is finished, so the files before an error are kept.
+    // Each file is written as soon as its block is finished, so the files before an error are kept. A file
+    // that cannot be written ends the run: the ones after it are not written either.
     assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& fileName) {
-        try {
-            std::filesystem::path path = PlaceOutputFile(fileName, options.outDir);
-            WriteFileAtomic(path, bytes);
-            std::cout << WrittenFileLine(path, bytes.size()) << std::endl;
-        } catch (const EInOutError& e) {
-            PrintMessage(e.what());
-            writeFailed = true;
-        }
+        const std::filesystem::path path = PlaceOutputFile(fileName, options.outDir);
+        policy.Check(path);
+        WriteFileAtomic(path, bytes);
+        std::cout << WrittenFileLine(path, bytes.size()) << std::endl;
     };
 
     try {
         assembler.Compile();
     } catch (const EIffCompiler&) {
-        return writeFailed ? kExitUsage : kExitReported;
+        return kExitReported;
     } catch (const EInOutError& e) {
         PrintMessage(e.what());
         return kExitUsage;
     }
-    return writeFailed ? kExitUsage : kExitOk;
+    return kExitOk;
 }
 
 } // namespace velkor::cli

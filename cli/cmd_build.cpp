@@ -31,31 +31,30 @@ int RunBuild(const Options& options) {
     // assembler needs its own.
     run.compiler.reset();
 
-    bool writeFailed = false;
     TIffCompiler assembler;
     assembler.OnMessage = [&](int level, const std::string& line) {
         if (level <= options.verbosity) PrintMessage(line);
     };
+    // A file that cannot be written ends the run: the ones after it are not written either.
     assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& fileName) {
-        try {
-            const std::filesystem::path path = PlaceOutputFile(fileName, options.outDir);
-            WriteFileAtomic(path, bytes);
-            std::cout << WrittenFileLine(path, bytes.size()) << std::endl;
-        } catch (const EInOutError& e) {
-            PrintMessage(e.what());
-            writeFailed = true;
-        }
+        const std::filesystem::path path = PlaceOutputFile(fileName, options.outDir);
+        run.policy.Check(path);
+        WriteFileAtomic(path, bytes);
+        std::cout << WrittenFileLine(path, bytes.size()) << std::endl;
     };
     assembler.TakeInputText(std::move(*linked), run.folder);
     try {
         assembler.Compile();
     } catch (const EIffCompiler&) {
-        return writeFailed ? kExitUsage : kExitReported;
+        return kExitReported;
+    } catch (const EInOutError& e) {
+        PrintMessage(e.what());
+        return kExitUsage;
     } catch (const Exception& e) {
         PrintMessage(e.what());
         return kExitReported;
     }
-    return writeFailed ? kExitUsage : kExitOk;
+    return kExitOk;
 }
 
 } // namespace velkor::cli

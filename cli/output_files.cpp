@@ -13,6 +13,17 @@ std::filesystem::path PlaceOutputFile(std::string_view name, const std::string& 
     return ResolvePath(name, folder);
 }
 
+OutputPolicy MakeOutputPolicy(const Options& options, const std::filesystem::path& source) {
+    OutputPolicy policy;
+    policy.AllowFolder(options.outDir.empty() ? std::filesystem::current_path()
+                                              : ResolvePath(options.outDir));
+    policy.AllowFolder(std::filesystem::absolute(source).parent_path());
+    policy.AllowNamedFolders();
+    policy.AllowAnywhere(options.allowOutputAnywhere);
+    policy.ProtectInput(source);
+    return policy;
+}
+
 std::string WrittenFileLine(const std::filesystem::path& path, std::size_t size) {
     return "** " + path.string() + " ** (" + FormatThousands(static_cast<std::int64_t>(size)) + " bytes)";
 }

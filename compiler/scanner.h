@@ -147,4 +147,8 @@ void SetScannerClass(ScannerClass cls);
 ScannerClass GetScannerClass();
 std::unique_ptr<TScanner> CreateScanner();
 
+// The token's text without the line markers TScanner put behind each line break inside it (a string that
+// spans lines holds them).
+std::string WithoutLineMarkers(std::string_view token);
+
 } // namespace velkor
