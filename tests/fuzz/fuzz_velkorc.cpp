@@ -9,6 +9,7 @@
 //   S/outside       must stay empty
 //   S/wine          a Wine prefix whose Z: is the root
 // Three ".." from the working folder still lie inside S, so every name the input can spell lands in S.
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -173,8 +174,9 @@ int Run(const std::vector<std::string>& args, const fs::path& cwd) {
     const int started = posix_spawn(&pid, VELKORC_PATH, &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     Check(started == 0, "velkorc does not start");
+    // libFuzzer's timeout alarm interrupts the wait; the checks must not start while velkorc still runs.
     int status = 0;
-    ::waitpid(pid, &status, 0);
+    while (::waitpid(pid, &status, 0) < 0) Check(errno == EINTR, "velkorc cannot be waited for");
     Check(WIFEXITED(status), "velkorc did not exit normally");
     return WEXITSTATUS(status);
 }
@@ -238,8 +240,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (!before.contains(path) || before.at(path) != bytes)
             std::fprintf(stderr, "changed: %s\n", path.c_str());
     Check(after == before, "a file outside the working folder changed");
-    for (const auto& entry : fs::recursive_directory_iterator(s.work))
-        Check(entry.path().filename().string().find(".velkor-tmp-") == std::string::npos,
-              "a temporary file was left behind");
+    for (const auto& entry : fs::recursive_directory_iterator(s.work)) {
+        if (entry.path().filename().string().find(".velkor-tmp-") == std::string::npos) continue;
+        std::fprintf(stderr, "left behind: %s\n", entry.path().c_str());
+        for (const auto& a : args) std::fprintf(stderr, " %s", a.c_str());
+        Check(false, "a temporary file was left behind");
+    }
     return 0;
 }
