@@ -1,9 +1,15 @@
 // Where velkorc puts the binary files that an assembled text names.
 #pragma once
 
+#include "cli/cli.h"
+
 #include <filesystem>
 #include <string>
 #include <string_view>
+
+namespace velkor {
+class TIffCompiler;
+}
 
 namespace velkor::cli {
 
@@ -14,5 +20,11 @@ std::filesystem::path PlaceOutputFile(std::string_view name, const std::string& 
 
 // The line velkorc prints for a written file: "** <path> ** (<size> bytes)", the size as "#,##0".
 std::string WrittenFileLine(const std::filesystem::path& path, std::size_t size);
+
+// Runs the assembler, which has its input and message sink, writing each file it finishes where
+// PlaceOutputFile puts it (so the files before an error are kept) and printing its WrittenFileLine to stdout.
+// A file that cannot be written is reported on stderr and the others are still written. Returns the exit
+// status: kExitUsage after a failed write, else kExitReported after an assembler error, else kExitOk.
+int AssembleFiles(TIffCompiler& assembler, const Options& options);
 
 } // namespace velkor::cli

@@ -5,10 +5,10 @@
 
 #include "codegen/object_tables.h"
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
 #include "platform/numbers.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 namespace velkor {
 

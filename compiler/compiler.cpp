@@ -3,12 +3,12 @@
 #include "codegen/codegen.h"
 #include "codegen/optimizer.h"
 #include "compiler/compiler_version.h"
-#include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
 #include "compiler/unit_forms.h"
 #include "iff/checksum.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <algorithm>
 #include <mutex>

@@ -7,9 +7,10 @@
 
 #include "compiler/comp_data.h"
 #include "compiler/defines.h"
+#include "iff/build_chain.h" // LinkedTextFile, for the callers that show the linked text
 #include "platform/exception.h"
-
 #include "platform/source_location.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -50,18 +51,9 @@ struct IncludedFile {
 };
 using IncludedFileList = std::vector<IncludedFile>;
 
-class TCompiler {
-public:
-    // Each shared object that is not given is made by this compiler (Defines then holds "VER122", Rooms
-    // "cerberus.rom"). Include children get all five of their parent.
-    explicit TCompiler(std::shared_ptr<TSymbolTable> symbols = {}, std::shared_ptr<StringList> rooms = {},
-                       std::shared_ptr<TDefines> defines = {}, std::shared_ptr<StringList> killBoard = {},
-                       std::shared_ptr<IncludedFileList> includedFiles = {});
-    ~TCompiler();
-    TCompiler(const TCompiler&) = delete;
-    TCompiler& operator=(const TCompiler&) = delete;
-
-    // --- settings, set by the caller after construction
+// A compiler's settings, set by the caller after construction. Include children and #FILE units take their
+// parent's in one assignment.
+struct TCompilerOptions {
     std::function<void(const std::string&)> OnOutput; // message sink; unassigned means silent
     std::uint8_t Verbosity = 3;                       // messages of a higher level are not passed on
     bool Optimize = true;                             // run the optimiser in Finish
@@ -73,6 +65,22 @@ public:
     std::function<std::filesystem::path(const std::string&)> PlaceOutputFile;
     // Told of every file a #FILE compilation wrote: where it went and its size in bytes.
     std::function<void(const std::filesystem::path&, std::size_t)> OnFileWritten;
+};
+
+class TCompiler : public TCompilerOptions {
+public:
+    // Each shared object that is not given is made by this compiler (Defines then holds "VER122", Rooms
+    // "cerberus.rom"). Include children get all five of their parent.
+    explicit TCompiler(std::shared_ptr<TSymbolTable> symbols = {}, std::shared_ptr<StringList> rooms = {},
+                       std::shared_ptr<TDefines> defines = {}, std::shared_ptr<StringList> killBoard = {},
+                       std::shared_ptr<IncludedFileList> includedFiles = {});
+    ~TCompiler();
+    TCompiler(const TCompiler&) = delete;
+    TCompiler& operator=(const TCompiler&) = delete;
+
+    // --- settings (the members of TCompilerOptions), as one value
+    TCompilerOptions& Options() { return *this; }
+    const TCompilerOptions& Options() const { return *this; }
 
     // --- operations, in the order a caller uses them
     void SetSource(std::string text);
@@ -191,7 +199,7 @@ private:
     void IncludeStringFile(const std::string& written);
     void CompileFiles();
     void CompileFile(const std::string& written);
-    void AssembleLinkedText(const std::string& text, const std::filesystem::path& unitFolder);
+    void AssembleLinkedText(std::string text, const std::filesystem::path& unitFolder);
 
     std::unique_ptr<TScanner> scanner_;     // the selected scanner class, made in the constructor
     std::shared_ptr<TSymbolTable> symbols_; // own or the parent's
@@ -206,9 +214,5 @@ private:
 // The process-wide file-name list: a file's number is its index, appended on first use; "" is -1.
 std::int32_t FileNumberOf(const std::string& name);
 std::string FileNameOf(std::int32_t number);
-
-// "_velkor.txt" in the system's temporary folder: the text each #FILE unit and the IDE's Build IFF leave
-// there for the user to look at.
-std::filesystem::path LinkedTextFile();
 
 } // namespace velkor

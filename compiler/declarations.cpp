@@ -1,10 +1,10 @@
 // The declaration loop of a unit and the variable, constant and enumeration declarations.
 #include "codegen/codegen.h"
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
 #include "platform/numbers.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 namespace velkor {
 
@@ -100,7 +100,7 @@ void TCompiler::DeclareVariables(std::int32_t kind) {
                 Expected("<Identifier>", name);
                 return;
             }
-            std::int32_t value = varKind == skLocalVar ? kNoInitialValue : 0;
+            std::int32_t value = varKind == skLocalVar ? kNoValue : 0;
             PeekToken();
             if (TokenKind() == tkOperator && PeekToken() == "=") {
                 NextToken();

@@ -1,7 +1,7 @@
 // Included source and string files, #FILE compilations, the search path and the output path.
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
+#include "iff/build_chain.h"
 #include "iff/iff_compiler.h"
 #include "iff/iff_strings.h"
 #include "platform/named_folders.h"
@@ -9,6 +9,7 @@
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
 #include "platform/text_file.h"
+#include "scanner/scanner.h"
 
 #include <algorithm>
 
@@ -147,16 +148,9 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
     IncludedFiles->push_back({UpperCase(FileNamePart(written)), nullptr});
 
     TCompiler child(symbols_, Rooms, Defines, KillBoard, IncludedFiles);
-    child.HaltOnError = HaltOnError;
-    child.Verbosity = Verbosity;
+    child.Options() = Options();
     child.SearchPath = SearchPath;
     child.OutputPath = OutputPath;
-    child.OnOutput = OnOutput;
-    child.SymbolsOnly = SymbolsOnly;
-    child.Optimize = Optimize;
-    child.LineMarkers = LineMarkers;
-    child.PlaceOutputFile = PlaceOutputFile;
-    child.OnFileWritten = OnFileWritten;
     child.IncludeDepth = IncludeDepth + 1;
     child.fileChain_ = fileChain_;
     child.SetSource(std::move(text));
@@ -282,19 +276,14 @@ void TCompiler::CompileFile(const std::string& written) {
     std::string linked;
     {
         TCompiler unit;
-        unit.HaltOnError = HaltOnError;
-        unit.Verbosity = Verbosity;
         unit.SearchPath = SearchPath;
         *unit.Defines = *Defines;
-        // The unit's folder and output path are set while it has no sink yet: its "added to searchpath"
-        // and "output path set to" lines (and a missing folder's hint) are not shown.
+        // The unit's folder and output path are set before it takes the settings, while it has no sink yet:
+        // its "added to searchpath" and "output path set to" lines (and a missing folder's hint) are not
+        // shown.
         unit.AddToSearchPath(std::filesystem::absolute(found).parent_path().string());
-        unit.Optimize = Optimize;
         if (!OutputPath.empty()) unit.SetOutputPath(OutputPath);
-        unit.OnOutput = OnOutput;
-        unit.LineMarkers = LineMarkers;
-        unit.PlaceOutputFile = PlaceOutputFile;
-        unit.OnFileWritten = OnFileWritten;
+        unit.Options() = Options();
         unit.fileChain_ = fileChain_;
         unit.SetSource(std::move(text));
         unit.SetFileName(name);
@@ -313,47 +302,37 @@ void TCompiler::CompileFile(const std::string& written) {
         }
         ErrorCount += unit.ErrorCount;
     }
-    AssembleLinkedText(linked, found.parent_path());
+    AssembleLinkedText(std::move(linked), found.parent_path());
 }
 
-std::filesystem::path LinkedTextFile() {
-    return std::filesystem::temp_directory_path() / "_velkor.txt";
-}
-
-void TCompiler::AssembleLinkedText(const std::string& text, const std::filesystem::path& unitFolder) {
-    const std::filesystem::path temp = LinkedTextFile();
+void TCompiler::AssembleLinkedText(std::string text, const std::filesystem::path& unitFolder) {
     try {
-        WriteFileAtomic(temp, text);
+        KeepLinkedText(text);
     } catch (const EInOutError& e) {
         Error(e.what());
         return;
     }
     std::vector<std::string> writeFailures;
+    BuildOutputs outputs;
+    outputs.Place = [this](const std::string& name) {
+        return PlaceOutputFile ? PlaceOutputFile(name) : ResolvePath(name);
+    };
+    outputs.Report = [this](const std::string& name, const std::filesystem::path& path, std::size_t size) {
+        Output(0, "** " + name + " ** (" + FormatThousands(static_cast<std::int64_t>(size)) + " bytes)");
+        if (OnFileWritten) OnFileWritten(path, size);
+    };
+    // Reported once the assembly is over, as errors of the unit that named the #FILE.
+    outputs.Failed = [&writeFailures](const std::string& message) { writeFailures.push_back(message); };
     TIffCompiler assembler;
     assembler.OnMessage = [this](int level, const std::string& line) { Output(level, line); };
-    assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& fileName) {
-        try {
-            const std::filesystem::path path =
-                PlaceOutputFile ? PlaceOutputFile(fileName) : ResolvePath(fileName);
-            WriteFileAtomic(path, bytes);
-            Output(0, "** " + fileName + " ** (" + FormatThousands(static_cast<std::int64_t>(bytes.size())) +
-                          " bytes)");
-            if (OnFileWritten) OnFileWritten(path, bytes.size());
-        } catch (const EInOutError& e) {
-            writeFailures.push_back(e.what());
-        }
-    };
-    // The text is kept in the temporary file for the user to look at; the assembler takes it from memory,
-    // so that compilers running side by side cannot read each other's file, and finds FILE values beside
-    // the unit.
-    assembler.SetInputText(text, unitFolder);
-    try {
-        assembler.Compile();
-    } catch (const EIffCompiler& e) {
+    // The assembler takes the text from memory, so that compilers running side by side cannot read each
+    // other's file, and finds FILE values beside the unit.
+    assembler.TakeInputText(std::move(text), unitFolder);
+    if (const auto error = AssembleToFiles(assembler, outputs)) {
         // The assembler has reported the error through Output already.
         ++ErrorCount;
         ErrorLine = Line();
-        if (HaltOnError) throw ECompiler(e.what());
+        if (HaltOnError) throw ECompiler(*error);
     }
     for (const auto& failure : writeFailures) ErrorNoSkip(failure);
 }

@@ -42,8 +42,7 @@ struct TSymbol {
     std::int32_t Value = 0;    // functions and objects: non-zero once implemented; variables: initial value
 };
 
-inline constexpr std::size_t kShortStringMax = 64;          // longest name or text a record keeps
-inline constexpr std::int32_t kNoInitialValue = 0x0F00AAFF; // a local variable declared without a value
+inline constexpr std::size_t kShortStringMax = 64; // longest name or text a record keeps
 
 // Cuts a text to what a record keeps.
 std::string ShortString(std::string_view text);

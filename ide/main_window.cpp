@@ -1,6 +1,5 @@
 #include "ide/main_window.h"
 
-#include "compiler/scanner.h"
 #include "ide/edit_page.h"
 #include "ide/ext_handler.h"
 #include "ide/help_view.h"
@@ -14,6 +13,7 @@
 #include "ide/window_placement.h"
 #include "platform/executable_path.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <QAction>
 #include <QApplication>

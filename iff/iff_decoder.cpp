@@ -4,6 +4,7 @@
 #include "iff/iff_reader.h"
 #include "iff/record_decoder.h"
 #include "iff/value_lines.h"
+#include "platform/byte_order.h"
 #include "platform/numbers.h"
 #include "platform/path_resolver.h"
 #include "platform/text_file.h"
@@ -17,11 +18,6 @@ namespace {
 constexpr std::size_t kMaxIndentLevels = 32;
 // A sink receives the text in pieces of about this size.
 constexpr std::size_t kFlushSize = std::size_t{1} << 20;
-
-std::uint32_t BigEndian(std::span<const std::uint8_t> b, std::size_t at) {
-    return (std::uint32_t{b[at]} << 24) | (std::uint32_t{b[at + 1]} << 16) | (std::uint32_t{b[at + 2]} << 8) |
-           std::uint32_t{b[at + 3]};
-}
 
 std::string_view Chars(std::span<const std::uint8_t> b, std::size_t at, std::size_t count) {
     return {reinterpret_cast<const char*>(b.data()) + at, count};
@@ -83,7 +79,7 @@ public:
         if (Chars(bytes_, 0, 4) != "FORM")
             throw EIffReader("TIffReader: " + sourceName_ + "not a valid .iff file!");
         const std::string_view type = Chars(bytes_, 8, 4);
-        const std::int64_t end = 8 + std::int64_t{BigEndian(bytes_, 4)};
+        const std::int64_t end = 8 + std::int64_t{ReadBigEndian32(bytes_, 4)};
         if (end > static_cast<std::int64_t>(bytes_.size()))
             throw EIffReader("TIffReader: Form (" + std::string(type) + ") at offset 00000000" +
                              " runs past the end of the data!");
@@ -111,7 +107,7 @@ private:
         const auto total = static_cast<std::int64_t>(bytes_.size());
         while (total - at >= 12) {
             const auto here = static_cast<std::size_t>(at);
-            const std::int64_t size = BigEndian(bytes_, here + 4);
+            const std::int64_t size = ReadBigEndian32(bytes_, here + 4);
             const std::string_view type = Chars(bytes_, here + 8, 4);
             if (Chars(bytes_, here, 4) != "FORM" || size < 4 || size > total - at - 8 || !IsWritableId(type))
                 break;
@@ -170,7 +166,7 @@ private:
             }
             const auto at = static_cast<std::size_t>(pos_);
             const std::string_view id = Chars(bytes_, at, 4);
-            const std::int64_t size = BigEndian(bytes_, at + 4);
+            const std::int64_t size = ReadBigEndian32(bytes_, at + 4);
             if (id == "FORM") {
                 if (size < 4 || size > left - 8) {
                     Raw(pos_, form.end); // a size its parent cannot hold: the rest of the parent as it is
@@ -188,7 +184,7 @@ private:
                 Raw(pos_, form.end);
             } else if ((size & 1) && bytes_[at + 8 + static_cast<std::size_t>(size)] != 0) {
                 Raw(pos_, pos_ + 8 + padded); // the writer's pad byte is always zero
-            } else if (!IsWritableId(id) && IdValue(id) == kUnwritableInteger) {
+            } else if (!IsWritableId(id) && IdValue(id) == static_cast<std::uint32_t>(kNoValue)) {
                 Raw(pos_, pos_ + 8 + padded);
             } else {
                 Chunk(id, size);

@@ -3,9 +3,9 @@
 // files, string files and #FILE units are looked up from an empty folder of its own, and whatever a #FILE
 // unit assembles is written there, so the run touches nothing else.
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "platform/named_folders.h"
 #include "platform/path_resolver.h"
+#include "scanner/scanner.h"
 
 #include <cstddef>
 #include <cstdint>
