@@ -46,7 +46,7 @@ void TCodeGen::CompileFunctionDeclaration() {
                     compiler_.Expected("<Identifier>", parameter);
                     return;
                 }
-                symbols.AddPassVariable(parameter);
+                compiler_.AddPassVariable(parameter);
                 ++parameters;
                 compiler_.PeekToken();
                 if (compiler_.TokenKind() != tkComma) break;
@@ -112,7 +112,7 @@ void TCodeGen::DeclareFunctionSymbol(const std::string& name, std::int32_t kind,
         symbols.At(existing) = function;
         return;
     }
-    symbols.Add(function);
+    compiler_.AddSymbol(function);
 }
 
 void TCodeGen::CompileFunctionBody() {

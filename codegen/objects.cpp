@@ -53,7 +53,7 @@ void TCodeGen::CompileObject() {
     if (existing >= 0 && symbols.Get(existing).Kind == skObject && symbols.Get(existing).Value == 0)
         symbols.At(existing) = object;
     else
-        symbols.Add(object);
+        compiler_.AddSymbol(object);
 
     if (forward) {
         compiler_.Output(1, "#adding object forward declaration:" + name);
@@ -185,7 +185,7 @@ void TCodeGen::CompileObjective() {
     objective.FileNumber = compiler_.FileNumber;
     objective.Line = compiler_.Line();
     objective.Text = std::to_string(symbols.CountOfKind(skNumber));
-    symbols.Add(objective);
+    compiler_.AddSymbol(objective);
 
     auto& lines = compiler_.Data().Objectives;
     lines.push_back("CHUNK \"MOBJ\"");

@@ -54,7 +54,7 @@ void TCodeGen::CompileStatement() {
         if (word == "DEC") return CompileIncDec(false);
         if (word == "BREAK") return CompileBreak();
         if (word == "RESULT" && compiler_.Symbols().Find("RESULT") < 0) {
-            compiler_.Symbols().AddVariable("result", skLocalVar, kNoValue);
+            compiler_.AddVariable("result", skLocalVar, kNoValue);
             return CompileAssignment();
         }
     }

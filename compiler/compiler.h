@@ -27,6 +27,7 @@ class TSymbolTable;
 class TCodeGen;
 class TIffStringList;
 struct TSymbol;
+struct TSymbolSite;
 
 class ECompiler : public Exception {
 public:
@@ -177,8 +178,20 @@ public:
     void DeclareConstants(std::int32_t kind);
     void DeclareEnums();
 
+    // Symbols declared where the text now stands (symbol_declarations.cpp). A name already in the table is
+    // the error `identifier "<NAME>" redeclared`, named as the record holds it, and is added all the same.
+    void AddSymbol(TSymbol symbol);
+    // A variable: its record from the table, the "adding ..." message, the register limit ("Expression too
+    // complex"), and a global or static variable's storage name in the globals and CRC lists. Returns the
+    // record as made, before the table cut its texts.
+    TSymbol AddVariable(const std::string& name, std::int32_t kind, std::int32_t initialValue);
+    TSymbol AddPassVariable(const std::string& name);
+    void AddConstant(const std::string& name, const std::string& value, std::int32_t kind);
+
 private:
     void Report(const std::string& text, std::int32_t line, const SourceLocation& where);
+    // The file, line and function a declaration read now gets.
+    TSymbolSite Site() const;
     void DeclarationLoop();
     void DeclareOne(); // one declaration, directive or command, by its first token
 

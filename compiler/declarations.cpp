@@ -109,7 +109,7 @@ void TCompiler::DeclareVariables(std::int32_t kind) {
                 // The value reader has converted the number, or reported why it could not.
                 if (auto v = StrToInt(ReadValue(0))) value = *v;
             }
-            symbols_->AddVariable(name, varKind, value);
+            AddVariable(name, varKind, value);
             separator = NextToken();
         } while (TokenKind() == tkComma);
         if (TokenKind() != tkSemicolon) {
@@ -139,7 +139,7 @@ void TCompiler::DeclareConstants(std::int32_t kind) {
                 int found = symbols_->Find(value);
                 if (found >= 0) value = symbols_->Get(found).Text;
             }
-            symbols_->AddConstant(name, value, kind);
+            AddConstant(name, value, kind);
             separator = NextToken();
         } while (TokenKind() == tkComma);
         if (TokenKind() != tkSemicolon) {
@@ -163,7 +163,7 @@ void TCompiler::DeclareEnums() {
             NextToken();
             if (auto v = StrToInt(ReadValue(0))) next = *v;
         }
-        symbols_->AddConstant(name, std::to_string(next), skEnum);
+        AddConstant(name, std::to_string(next), skEnum);
         ++next;
         separator = NextToken();
     } while (TokenKind() == tkComma);

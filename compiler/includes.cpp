@@ -38,20 +38,6 @@ std::string TableName(std::string_view path) {
     return ShortString(name);
 }
 
-// Lets the shared symbol table report through (and take lines and file numbers from) the compiler whose
-// text is being read, and gives it back to the parent afterwards.
-class OwnerScope {
-public:
-    OwnerScope(TSymbolTable& table, TCompiler& owner) : table_(table), previous_(table.SetOwner(&owner)) {}
-    ~OwnerScope() { table_.SetOwner(previous_); }
-    OwnerScope(const OwnerScope&) = delete;
-    OwnerScope& operator=(const OwnerScope&) = delete;
-
-private:
-    TSymbolTable& table_; // the shared table
-    TCompiler* previous_; // its owner before the child took over
-};
-
 } // namespace
 
 // --- search path and output path
@@ -155,14 +141,11 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
     child.fileChain_ = fileChain_;
     child.SetSource(std::move(text));
     child.SetFileName(name);
-    {
-        OwnerScope scope(*symbols_, child);
-        try {
-            child.Compile();
-        } catch (...) {
-            ErrorCount += child.ErrorCount;
-            throw;
-        }
+    try {
+        child.Compile();
+    } catch (...) {
+        ErrorCount += child.ErrorCount;
+        throw;
     }
     ErrorCount += child.ErrorCount;
     data_->CodeList.Append(child.Data().CodeList);
@@ -207,7 +190,7 @@ void TCompiler::IncludeStringFile(const std::string& written) {
     symbol.FileNumber = FileNumber;
     symbol.Line = Line();
     symbol.Text = ShortString(name);
-    symbols_->Add(std::move(symbol));
+    AddSymbol(std::move(symbol));
 }
 
 // A failed lookup is an error like any other: when not halting, recovery skips the rest of the reference.
