@@ -22,14 +22,6 @@ std::string WithTrailingBackslash(std::string folder) {
     return folder;
 }
 
-// A regular file only: a folder or a device of that name is as good as missing.
-std::optional<std::filesystem::path> FindFile(std::string_view name) {
-    auto found = FindExisting(name);
-    std::error_code ec;
-    if (!found || !std::filesystem::is_regular_file(*found, ec)) return std::nullopt;
-    return found;
-}
-
 // The file-name part without its extension, upper-cased: the name a string table goes by.
 std::string TableName(std::string_view path) {
     std::string name = UpperCase(FileNamePart(path));
@@ -56,14 +48,14 @@ void TCompiler::SetOutputPath(const std::string& folder) {
 }
 
 bool TCompiler::FindInSearchPath(std::string& name, bool keepFolders, std::filesystem::path& found) const {
-    if (auto direct = FindFile(name)) {
+    if (auto direct = FindExistingFile(name)) {
         found = *direct;
         return true;
     }
     if (!keepFolders) name = FileNamePart(name);
     for (const auto& folder : SearchPath) {
         std::string candidate = WithTrailingBackslash(folder) + name;
-        if (auto hit = FindFile(candidate)) {
+        if (auto hit = FindExistingFile(candidate)) {
             name = std::move(candidate);
             found = *hit;
             return true;
@@ -236,7 +228,8 @@ void TCompiler::CompileFile(const std::string& written) {
     }
     if (!fileChain_) {
         fileChain_ = std::make_shared<std::vector<std::filesystem::path>>();
-        if (auto own = FindFile(FileName)) fileChain_->push_back(std::filesystem::weakly_canonical(*own));
+        if (auto own = FindExistingFile(FileName))
+            fileChain_->push_back(std::filesystem::weakly_canonical(*own));
     }
     const std::filesystem::path canonical = std::filesystem::weakly_canonical(found);
     if (std::find(fileChain_->begin(), fileChain_->end(), canonical) != fileChain_->end()) {

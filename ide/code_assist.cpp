@@ -39,10 +39,8 @@ std::string WithTrailingSeparator(std::string folder) {
 // The absolute, normal form of an existing file, or nothing.
 std::optional<std::string> ExistingFile(const std::string& name) {
     if (name.empty()) return std::nullopt;
-    const auto found = FindExisting(name);
+    const auto found = FindExistingFile(name);
     if (!found) return std::nullopt;
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(*found, ec)) return std::nullopt;
     return std::filesystem::absolute(*found).lexically_normal().string();
 }
 

@@ -40,8 +40,7 @@ public:
 };
 
 bool IsExistingFile(const std::string& name) {
-    std::error_code ec;
-    return !name.empty() && std::filesystem::is_regular_file(name, ec);
+    return !name.empty() && IsRegularFile(name);
 }
 
 std::string FolderOf(const std::string& file) {

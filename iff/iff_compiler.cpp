@@ -213,10 +213,9 @@ void TIffCompiler::Chunk() {
 }
 
 void TIffCompiler::WriteFileContents(std::string_view name) {
-    auto found = FindExisting(name, baseFolder_);
+    const auto found = FindExistingFile(name, baseFolder_);
+    if (!found) Error("Couldn't find file " + std::string(name));
     std::error_code ec;
-    if (!found || !std::filesystem::is_regular_file(*found, ec))
-        Error("Couldn't find file " + std::string(name));
     CheckOutputSize(std::filesystem::file_size(*found, ec));
     std::vector<std::uint8_t> bytes = ReadFileBytes(*found);
     writer_->Write(bytes);

@@ -2,6 +2,7 @@
 
 #include "iff/iff_compiler.h"
 #include "iff/iff_reader.h"
+#include "iff/iff_text_writer.h"
 #include "iff/record_decoder.h"
 #include "iff/value_lines.h"
 #include "platform/byte_order.h"
@@ -71,7 +72,7 @@ public:
          const DecodeOptions& options, const TextSink& sink)
         : sink_(sink), reader_(reader), bytes_(reader.Bytes()), sourceName_(reader.SourceName()),
           name_(SafeFileName(FileNamePart(fileName))), limit_(limit), options_(options),
-          blanks_(2 * (kMaxIndentLevels + 1), ' ') {}
+          text_(result_.text, kMaxIndentLevels) {}
 
     DecodedIff Run() {
         // The reader has read a whole FORM header, or a chunk header when the data starts with a chunk,
@@ -89,13 +90,12 @@ public:
         CheckInsideRoot(reader_.Root(), rootEnd);
         if (!IsWritableId(type)) result_.lossless = false;
 
-        Line(0, "IFF \"" + name_ + "\"");
-        Line(0, "{");
+        text_.Open("IFF \"" + name_ + "\"");
         OpenForm(IsWritableId(type) ? std::string(type) : QuotableId(type), rootEnd);
         pos_ = 12;
         Items();
         TopLevelForms(rootEnd);
-        Line(0, "}");
+        text_.Close();
         Flush(true);
         return std::move(result_);
     }
@@ -132,19 +132,8 @@ private:
         result_.text.clear();
     }
 
-    std::string_view Indent(std::size_t level) const {
-        return std::string_view(blanks_).substr(0, 2 * std::min(level, kMaxIndentLevels));
-    }
-    void Line(std::size_t level, std::string_view text) {
-        result_.text += Indent(level);
-        result_.text += text;
-        result_.text += "\r\n";
-    }
-
     void OpenForm(std::string type, std::int64_t end) {
-        const std::size_t level = frames_.size() + 1;
-        Line(level, "FORM \"" + type + "\"");
-        Line(level, "{");
+        text_.Open("FORM \"" + type + "\"");
         const bool ship = IsShipForm(type) || (!frames_.empty() && frames_.back().insideShip);
         frames_.push_back({end, std::move(type), ship});
     }
@@ -155,7 +144,7 @@ private:
             const Frame& form = frames_.back();
             Flush(false);
             if (pos_ >= form.end) {
-                Line(frames_.size(), "}");
+                text_.Close();
                 frames_.pop_back();
                 continue;
             }
@@ -194,16 +183,14 @@ private:
     }
 
     void Chunk(std::string_view id, std::int64_t size) {
-        const std::size_t level = frames_.size() + 1;
         if (IsWritableId(id))
-            Line(level, "CHUNK \"" + std::string(id) + "\"");
+            text_.Open("CHUNK \"" + std::string(id) + "\"");
         else
-            Line(level, "CHUNK $" + IntToHex(IdValue(id), 8));
-        Line(level, "{");
+            text_.Open("CHUNK $" + IntToHex(IdValue(id), 8));
         const auto data = bytes_.subspan(static_cast<std::size_t>(pos_) + 8, static_cast<std::size_t>(size));
-        const std::string_view indent = Indent(level + 1);
+        const std::string_view indent = text_.Indent();
         if (size > limit_) {
-            SideFileLines(level + 1, id, pos_, data);
+            SideFileLines(id, pos_, data);
         } else if (const RecordLayout* layout = FindSpecialDecoder(Place(id))) {
             if (!WriteRecords(result_.text, indent, data, *layout, options_.exactFloats))
                 result_.lossless = false;
@@ -215,7 +202,7 @@ private:
                 Flush(false);
             }
         }
-        Line(level, "}");
+        text_.Close();
     }
 
     ChunkPlace Place(std::string_view id) const {
@@ -230,19 +217,17 @@ private:
     // Bytes the text cannot hold as items, included into the form as they are.
     void Raw(std::int64_t from, std::int64_t to) {
         const auto data = bytes_.subspan(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from));
-        SideFileLines(frames_.size() + 1,
-                      Chars(bytes_, static_cast<std::size_t>(from), std::min<std::size_t>(4, data.size())),
+        SideFileLines(Chars(bytes_, static_cast<std::size_t>(from), std::min<std::size_t>(4, data.size())),
                       from, data);
         pos_ = to;
     }
 
-    void SideFileLines(std::size_t level, std::string_view id, std::int64_t offset,
-                       std::span<const std::uint8_t> data) {
+    void SideFileLines(std::string_view id, std::int64_t offset, std::span<const std::uint8_t> data) {
         std::string name =
             name_ + "_" + SafeId(id) + "_" + IntToHex(static_cast<std::uint32_t>(offset), 1) + ".bin";
-        Line(level, "// offset: " + IntToHex(static_cast<std::uint32_t>(offset), 1));
-        Line(level, "// size: " + IntToHex(static_cast<std::uint32_t>(data.size()), 1));
-        Line(level, "file \"" + name + "\"");
+        text_.Line("// offset: " + IntToHex(static_cast<std::uint32_t>(offset), 1));
+        text_.Line("// size: " + IntToHex(static_cast<std::uint32_t>(data.size()), 1));
+        text_.Line("file \"" + name + "\"");
         result_.sideFiles.push_back({std::move(name), std::vector<std::uint8_t>(data.begin(), data.end())});
     }
 
@@ -263,10 +248,10 @@ private:
     std::string name_;                    // the input's file name, made safe to quote and to name files
     std::int64_t limit_;                  // chunks above this size go to side files
     DecodeOptions options_;               // how values are written
-    std::string blanks_;                  // indentation is cut from this
     std::vector<Frame> frames_;           // the open forms, outermost first
     std::int64_t pos_ = 0;                // the next item's offset
     DecodedIff result_;                   // what is written
+    IffTextWriter text_;                  // writes the lines into result_.text
 };
 
 } // namespace
