@@ -7,7 +7,7 @@
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
 #include "ide/page_host.h"
-#include "ide/symbol_queries.h"
+#include "compiler/symbol_queries.h"
 #include "iff/iff_strings.h"
 #include "platform/exception.h"
 #include "platform/executable_path.h"

@@ -5,7 +5,7 @@
 #include "ide/edit_page.h"
 #include "ide/ide_dialogs.h"
 #include "ide/proc_list.h"
-#include "ide/symbol_queries.h"
+#include "compiler/symbol_queries.h"
 
 namespace velkor {
 

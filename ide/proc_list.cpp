@@ -1,10 +1,10 @@
 #include "ide/proc_list.h"
 
 #include "compiler/compiler.h"
+#include "compiler/symbol_queries.h"
 #include "compiler/symbol_table.h"
 #include "ide/edit_page.h"
 #include "ide/ide_ini.h"
-#include "ide/symbol_queries.h"
 #include "ide/window_placement.h"
 #include "platform/path_resolver.h"
 

@@ -1,7 +1,7 @@
 // The text readers of code assistance: the declaration's parameter list in a source file that may have
 // changed since the compile, and the call around the caret in an edited line. The first two bytes pick
 // the line and the column, the rest is the text.
-#include "ide/symbol_queries.h"
+#include "compiler/symbol_queries.h"
 
 #include <cstddef>
 #include <cstdint>

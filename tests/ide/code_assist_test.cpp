@@ -1,13 +1,13 @@
 // Code assistance on a compiled page: Find Declaration (also into an include file and with the kept range
 // error), completion, parameter hints and their keys, the string list, Open File at Cursor, the mouse
 // hint, the context menu.
+#include "compiler/symbol_queries.h"
 #include "ide/edit_page.h"
 #include "ide/help_view.h"
 #include "ide/main_window.h"
 #include "ide/output_view.h"
 #include "ide/proc_list.h"
 #include "ide/reg_mru.h"
-#include "ide/symbol_queries.h"
 #include "iff/iff_strings.h"
 #include "tests/ide/edit_page_test_support.h"
 

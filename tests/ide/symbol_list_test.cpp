@@ -1,10 +1,10 @@
 // The symbol lists: the four openings, the columns, filtering by kind, substring and Hide WCP, the search
 // box keys, Goto and Insert, and the placement kept in the settings file.
+#include "compiler/symbol_queries.h"
 #include "ide/edit_page.h"
 #include "ide/main_window.h"
 #include "ide/output_view.h"
 #include "ide/proc_list.h"
-#include "ide/symbol_queries.h"
 #include "tests/ide/edit_page_test_support.h"
 
 #include <QAction>

@@ -1,4 +1,4 @@
-#include "ide/symbol_queries.h"
+#include "compiler/symbol_queries.h"
 
 #include "compiler/compiler.h"
 #include "platform/path_resolver.h"
