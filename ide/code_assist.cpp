@@ -152,7 +152,7 @@ void CodeAssist::InsertSymbol(const TSymbol& symbol) {
     if (call && paramHints_) ShowParameterHintFor(symbol, 0);
 }
 
-void CodeAssist::Completememo_.WordAtCursor() {
+void CodeAssist::CompleteWordAtCursor() {
     if (noIntelligence_) return;
     const QString word = memo_.WordAtCursor();
     std::vector<int> matches;
@@ -350,7 +350,7 @@ bool CodeAssist::eventFilter(QObject* watched, QEvent* event) {
         codeHelp_->hide();
         CloseParameterHint();
     }
-    if (watched == &memo_.viewport() && event->type() == QEvent::ToolTip) {
+    if (watched == memo_.viewport() && event->type() == QEvent::ToolTip) {
         auto* help = static_cast<QHelpEvent*>(event);
         const QString text = SymbolHintAt(help->pos());
         if (text.isEmpty())
