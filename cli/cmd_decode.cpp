@@ -27,15 +27,18 @@ std::filesystem::path OutputFor(const Options& options, const std::string& input
     return out;
 }
 
-// The failure message of one file, empty when it was decoded.
-std::string DecodeOne(const Options& options, const std::string& input) {
+struct Outcome {
+    std::string failure;            // why the file was not decoded, empty when it was
+    std::vector<std::string> notes; // why the text it was decoded into is not exact
+};
+
+Outcome DecodeOne(const Options& options, const std::string& input) {
     try {
         DecodeOptions decodeOptions;
         decodeOptions.exactFloats = options.exactFloats;
-        Decode(input, OutputFor(options, input), options.maxDecodeSize, decodeOptions);
-        return {};
+        return {{}, Decode(input, OutputFor(options, input), options.maxDecodeSize, decodeOptions)};
     } catch (const std::exception& e) {
-        return e.what();
+        return {e.what(), {}};
     }
 }
 
@@ -52,11 +55,11 @@ int RunDecode(const Options& options) {
         const std::filesystem::path key = std::filesystem::weakly_canonical(out, ec);
         first[i] = seen.emplace(ec ? out : key, i).first->second;
     }
-    std::vector<std::string> failures(count);
+    std::vector<Outcome> outcomes(count);
     std::atomic<std::size_t> next{0};
     auto work = [&] {
         for (std::size_t i = next++; i < count; i = next++)
-            if (first[i] == i) failures[i] = DecodeOne(options, options.files[i]);
+            if (first[i] == i) outcomes[i] = DecodeOne(options, options.files[i]);
     };
     const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
     const auto workers = static_cast<unsigned>(std::min<std::size_t>({count, cores, kMaxWorkers}));
@@ -67,9 +70,11 @@ int RunDecode(const Options& options) {
     }
     int status = kExitOk;
     for (std::size_t i = 0; i < count; ++i) {
-        if (first[i] != i) failures[i] = failures[first[i]];
-        if (failures[i].empty()) continue;
-        PrintMessage("velkorc: " + options.files[i] + ": " + failures[i]);
+        if (first[i] != i) outcomes[i] = outcomes[first[i]];
+        for (const std::string& note : outcomes[i].notes)
+            PrintMessage("velkorc: " + options.files[i] + ": " + note);
+        if (outcomes[i].failure.empty()) continue;
+        PrintMessage("velkorc: " + options.files[i] + ": " + outcomes[i].failure);
         status = kExitUsage;
     }
     return status;

@@ -65,7 +65,9 @@ constexpr CommandHelp kCommandHelp[] = {
     {"decode", "Usage: velkorc decode [OPTIONS] FILE...\n"
                "Decodes binary IFF files into textual IFF, each into FILE.pas (or -o OUT for one file).\n"
                "Chunks larger than --max-decode-size N bytes (default 1024) go to side files beside the\n"
-               "output. --exact-floats writes floats in the shortest form that reads back exactly.\n"},
+               "output. --exact-floats writes floats in the shortest form that reads back exactly.\n"
+               "A truncated file or a form of odd size is decoded all the same, with a note on stderr\n"
+               "that the text is not exact.\n"},
     {"tokens", "Usage: velkorc tokens [OPTIONS] FILE\n"
                "Prints each token of FILE as \"<line>\\t<kind>\\t<text>\", end of text included.\n"
                "Options: --fast-scanner, --no-line-markers.\n"},

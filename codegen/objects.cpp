@@ -207,6 +207,7 @@ void TCodeGen::CompileNameCommand() {
         return;
     }
     compiler_.NameNumber = number;
+    compiler_.Expect(";");
 }
 
 } // namespace velkor

@@ -74,12 +74,14 @@ void TCompiler::SetFileName(const std::string& name) {
 void TCompiler::Output(int level, std::string_view text, std::int32_t line) {
     if (!Wants(level)) return;
     if (line < 0) line = Line();
-    std::string message = "[" + UnitName + ", " + std::to_string(line) + "] ";
+    std::string message = "[" + VisibleBytes(UnitName) + ", " + std::to_string(line) + "] ";
     message += text;
     OnOutput(message);
 }
 
-void TCompiler::Report(const std::string& text, std::int32_t line, const SourceLocation& where) {
+// Messages quote the unit's own bytes; the line breaks are the messages' own.
+void TCompiler::Report(const std::string& message, std::int32_t line, const SourceLocation& where) {
+    const std::string text = VisibleBytes(message, true);
     if (line < 0) line = Line();
     Output(0, "ERROR: " + text, line);
     Output(0, "  raised in " + RoutineName(where) + ", line " + std::to_string(where.line()), line);
@@ -105,11 +107,11 @@ void TCompiler::Error(const std::string& text, std::int32_t line, SourceLocation
 }
 
 void TCompiler::Hint(const std::string& text, std::int32_t line) {
-    Output(0, "HINT: " + text, line);
+    Output(0, "HINT: " + VisibleBytes(text, true), line);
 }
 
 void TCompiler::Expected(const std::string& wanted, const std::string& found, SourceLocation where) {
-    Error("expected \"" + wanted + "\" but found \"" + std::string(Trim(found)) + "\"", -1, where);
+    Error("expected \"" + wanted + "\" but found \"" + VisibleBytes(Trim(found)) + "\"", -1, where);
 }
 
 bool TCompiler::Expect(const std::string& wanted, SourceLocation where) {

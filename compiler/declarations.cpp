@@ -74,79 +74,60 @@ void TCompiler::DeclareOne() {
     }
 }
 
-namespace {
-// A list continues past its ";" while the next token is a plain identifier that starts no other
-// declaration.
-bool ContinuesList(TCompiler& c) {
-    const std::string next = c.PeekToken();
-    return c.TokenKind() == tkIdentifier && !SameText(next, "ENUM");
-}
-} // namespace
-
 void TCompiler::DeclareVariables(std::int32_t kind) {
+    std::string separator;
     do {
-        std::string separator;
-        do {
-            std::int32_t varKind = kind;
-            std::string name = NextToken();
-            if (TokenKind() == tkStatic) {
-                if (kind == skLocalVar || kind == skStaticVar)
-                    varKind = skStaticVar;
-                else
-                    ErrorNoSkip("Only local variables can be static!");
-                name = NextToken();
-            }
-            if (TokenKind() != tkIdentifier) {
-                Expected("<Identifier>", name);
-                return;
-            }
-            std::int32_t value = varKind == skLocalVar ? kNoValue : 0;
-            PeekToken();
-            if (TokenKind() == tkOperator && PeekToken() == "=") {
-                NextToken();
-                if (varKind == skExternalVar) ErrorNoSkip("external variables cannot be initialized");
-                if (varKind == skStaticVar) ErrorNoSkip("static variables are always initialized to 0");
-                // The value reader has converted the number, or reported why it could not.
-                if (auto v = StrToInt(ReadValue(0))) value = *v;
-            }
-            AddVariable(name, varKind, value);
-            separator = NextToken();
-        } while (TokenKind() == tkComma);
-        if (TokenKind() != tkSemicolon) {
-            Expected(";", separator);
+        std::int32_t varKind = kind;
+        std::string name = NextToken();
+        if (TokenKind() == tkStatic) {
+            if (kind == skLocalVar || kind == skStaticVar)
+                varKind = skStaticVar;
+            else
+                ErrorNoSkip("Only local variables can be static!");
+            name = NextToken();
+        }
+        if (TokenKind() != tkIdentifier) {
+            Expected("<Identifier>", name);
             return;
         }
-    } while (ContinuesList(*this));
+        std::int32_t value = varKind == skLocalVar ? kNoValue : 0;
+        PeekToken();
+        if (TokenKind() == tkOperator && PeekToken() == "=") {
+            NextToken();
+            if (varKind == skExternalVar) ErrorNoSkip("external variables cannot be initialized");
+            if (varKind == skStaticVar) ErrorNoSkip("static variables are always initialized to 0");
+            // The value reader has converted the number, or reported why it could not.
+            if (auto v = StrToInt(ReadValue(0))) value = *v;
+        }
+        AddVariable(name, varKind, value);
+        separator = NextToken();
+    } while (TokenKind() == tkComma);
+    if (TokenKind() != tkSemicolon) Expected(";", separator);
 }
 
 void TCompiler::DeclareConstants(std::int32_t kind) {
+    std::string separator;
     do {
-        std::string separator;
-        do {
-            std::string name = NextToken();
-            if (TokenKind() != tkIdentifier) {
-                Expected("<Identifier>", name);
-                return;
-            }
-            if (!Expect("=")) return;
-            std::string value = NextToken();
-            if (TokenKind() == tkString) {
-                value = "\"" + value + "\"";
-            } else if (value == "+" || value == "-") {
-                value += NextToken();
-            } else if (TokenKind() == tkIdentifier) {
-                // A constant name stands for its value text, one level deep.
-                int found = symbols_->Find(value);
-                if (found >= 0) value = symbols_->Get(found).Text;
-            }
-            AddConstant(name, value, kind);
-            separator = NextToken();
-        } while (TokenKind() == tkComma);
-        if (TokenKind() != tkSemicolon) {
-            Expected(";", separator);
+        std::string name = NextToken();
+        if (TokenKind() != tkIdentifier) {
+            Expected("<Identifier>", name);
             return;
         }
-    } while (ContinuesList(*this));
+        if (!Expect("=")) return;
+        std::string value = NextToken();
+        if (TokenKind() == tkString) {
+            value = "\"" + value + "\"";
+        } else if (value == "+" || value == "-") {
+            value += NextToken();
+        } else if (TokenKind() == tkIdentifier) {
+            // A constant name stands for its value text, one level deep.
+            int found = symbols_->Find(value);
+            if (found >= 0) value = symbols_->Get(found).Text;
+        }
+        AddConstant(name, value, kind);
+        separator = NextToken();
+    } while (TokenKind() == tkComma);
+    if (TokenKind() != tkSemicolon) Expected(";", separator);
 }
 
 void TCompiler::DeclareEnums() {

@@ -26,7 +26,7 @@ std::string TCompiler::SkipConditional(std::string_view trace, std::string_view 
             NextToken();
             return UpperCase(NextToken());
         }
-        Output(2, std::string(trace) + " skipped: \"" + NextToken() + "\"");
+        Output(2, std::string(trace) + " skipped: \"" + VisibleBytes(NextToken()) + "\"");
     }
     return {};
 }

@@ -2,8 +2,8 @@ unit sample;
 
 // A small unit to watch the scanner at work: velkorc tokens examples/sample.pas
 const
-  MaxShips = 4;
-  Mask = %1010;
+  MaxShips = 4,
+  Mask = %1010,
   Colour = $FF8000;
 
 var

@@ -23,24 +23,24 @@ TDecodeFunction& Override() {
 }
 
 // Floats are written losslessly when the settings ask for it ("iffd"/"exact_floats").
-void RealDecode(const std::string& input, const std::string& output, std::int32_t limit) {
+std::vector<std::string> RealDecode(const std::string& input, const std::string& output, std::int32_t limit) {
     DecodeOptions options;
     options.exactFloats = IdeIni().ReadBool(kDecoderSection, kExactFloatsKey, false);
-    Decode(input, output, limit, options);
+    return Decode(input, output, limit, options);
 }
 
 } // namespace
 
-void DecodeIffFile(const std::string& input, const std::string& output, std::int32_t limit) {
+std::vector<std::string> DecodeIffFile(const std::string& input, const std::string& output,
+                                       std::int32_t limit) {
     TDecodeFunction decode;
     {
         const std::lock_guard<std::mutex> guard(DecodeLock());
         decode = Override();
     }
-    if (decode)
-        decode(input, output, limit);
-    else
-        RealDecode(input, output, limit);
+    if (!decode) return RealDecode(input, output, limit);
+    decode(input, output, limit);
+    return {};
 }
 
 std::vector<TSpecialDecoderState> SpecialDecoders() {
@@ -72,12 +72,13 @@ TIffDThread::TIffDThread(std::string fileName, std::int32_t limit, QObject* pare
 void TIffDThread::run() {
     const std::string textFile = fileName_ + ".pas";
     QString error;
+    QStringList notes;
     try {
-        DecodeIffFile(fileName_, textFile, limit_);
+        for (const std::string& note : DecodeIffFile(fileName_, textFile, limit_)) notes << ToQ(note);
     } catch (const std::exception& e) {
         error = ToQ(e.what());
     }
-    emit Decoded(ToQ(textFile), error);
+    emit Decoded(ToQ(textFile), error, notes);
 }
 
 } // namespace velkor

@@ -2,6 +2,7 @@
 // enabled flags that the settings dialog shows.
 #pragma once
 
+#include <QStringList>
 #include <QThread>
 
 #include <cstdint>
@@ -18,8 +19,9 @@ struct TSpecialDecoderState {
 };
 
 // Decodes `input` (binary IFF) into the text file `output`; chunks above `limit` bytes go to side files.
-// Throws the reader's and decoder's exceptions.
-void DecodeIffFile(const std::string& input, const std::string& output, std::int32_t limit);
+// Returns the notes on why the text is not exact. Throws the reader's and decoder's exceptions.
+std::vector<std::string> DecodeIffFile(const std::string& input, const std::string& output,
+                                       std::int32_t limit);
 
 std::vector<TSpecialDecoderState> SpecialDecoders();
 void EnableSpecialDecoder(std::string_view name, bool enabled);
@@ -39,8 +41,8 @@ public:
 
 signals:
     // Delivered to the user-interface thread, which finishes while the decode thread waits: the text
-    // file to open, or an error text when decoding failed.
-    void Decoded(const QString& textFile, const QString& error);
+    // file to open, or an error text when decoding failed, and the notes on why the text is not exact.
+    void Decoded(const QString& textFile, const QString& error, const QStringList& notes);
 
 protected:
     void run() override;

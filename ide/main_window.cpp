@@ -249,7 +249,8 @@ TfrmEdit* TfrmMain::DecodeFile(const std::string& name) {
         // Blocking: the decode thread waits while the interface thread opens the page.
         connect(
             thread, &TIffDThread::Decoded, this,
-            [this](const QString& textFile, const QString& error) {
+            [this, name](const QString& textFile, const QString& error, const QStringList& notes) {
+                for (const QString& note : notes) Output(name + ": " + FromQ(note));
                 OpenDecodedText(FromQ(textFile), error);
             },
             Qt::BlockingQueuedConnection);
@@ -259,7 +260,8 @@ TfrmEdit* TfrmMain::DecodeFile(const std::string& name) {
     const std::string textFile = name + ".pas";
     QString error;
     try {
-        DecodeIffFile(name, textFile, maxDecodeSize_);
+        for (const std::string& note : DecodeIffFile(name, textFile, maxDecodeSize_))
+            Output(name + ": " + note);
     } catch (const std::exception& e) {
         error = ToQ(e.what());
     }

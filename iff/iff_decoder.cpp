@@ -8,6 +8,7 @@
 #include "platform/byte_order.h"
 #include "platform/numbers.h"
 #include "platform/path_resolver.h"
+#include "platform/strings.h"
 #include "platform/text_file.h"
 
 namespace velkor {
@@ -49,9 +50,9 @@ void CheckChunksInside(const TIffReader& reader) {
 // end would be cut short in the assembled file, which the reader then refuses: such a file is refused here.
 void CheckInsideRoot(const TForm& root, std::int64_t rootEnd) {
     auto fail = [&](std::string_view kind, const TIffItem& item) {
-        throw EIffDecoder("TIffDecoder: " + std::string(kind) + " (" + item.ID + ") at offset " +
-                          IntToHex(static_cast<std::uint32_t>(item.Offset), 8) +
-                          " runs past the end of form " + root.ID + "!");
+        throw EIffDecoder("TIffDecoder: " + std::string(kind) + " (" + VisibleBytes(item.ID) +
+                          ") at offset " + IntToHex(static_cast<std::uint32_t>(item.Offset), 8) +
+                          " runs past the end of form " + VisibleBytes(root.ID) + "!");
     };
     std::vector<const TForm*> pending{&root};
     while (!pending.empty()) {
@@ -80,18 +81,20 @@ public:
         if (Chars(bytes_, 0, 4) != "FORM")
             throw EIffReader("TIffReader: " + sourceName_ + "not a valid .iff file!");
         const std::string_view type = Chars(bytes_, 8, 4);
-        const std::int64_t end = 8 + std::int64_t{ReadBigEndian32(bytes_, 4)};
-        if (end > static_cast<std::int64_t>(bytes_.size()))
-            throw EIffReader("TIffReader: Form (" + std::string(type) + ") at offset 00000000" +
-                             " runs past the end of the data!");
+        const std::int64_t end = 8 + EvenFormSize(0);
+        // A file cut short keeps the items it still holds, as the reader indexed them.
+        const bool truncated = end > DataEnd();
+        if (truncated) CheckCutRoot();
         // The text can only give the form the size of its items.
-        const std::int64_t rootEnd = std::max<std::int64_t>(end, 12);
+        const std::int64_t rootEnd = std::max<std::int64_t>(std::min(end, DataEnd()), 12);
         if (end < 12) result_.lossless = false;
         CheckInsideRoot(reader_.Root(), rootEnd);
         if (!IsWritableId(type)) result_.lossless = false;
 
         text_.Open("IFF \"" + name_ + "\"");
-        OpenForm(IsWritableId(type) ? std::string(type) : QuotableId(type), rootEnd);
+        OpenForm(IsWritableId(type) ? std::string(type) : QuotableId(type), rootEnd, truncated);
+        NoteOddSize(0);
+        if (truncated) NoteTruncated(0, end);
         pos_ = 12;
         Items();
         TopLevelForms(rootEnd);
@@ -107,11 +110,12 @@ private:
         const auto total = static_cast<std::int64_t>(bytes_.size());
         while (total - at >= 12) {
             const auto here = static_cast<std::size_t>(at);
-            const std::int64_t size = ReadBigEndian32(bytes_, here + 4);
+            const std::int64_t size = EvenFormSize(here);
             const std::string_view type = Chars(bytes_, here + 8, 4);
             if (Chars(bytes_, here, 4) != "FORM" || size < 4 || size > total - at - 8 || !IsWritableId(type))
                 break;
-            OpenForm(std::string(type), at + 8 + size);
+            NoteOddSize(here);
+            OpenForm(std::string(type), at + 8 + size, false);
             pos_ = at + 12;
             Items();
             at += 8 + size;
@@ -120,10 +124,58 @@ private:
     }
 
     struct Frame {
-        std::int64_t end; // offset just behind the form's last byte
+        std::int64_t end; // offset just behind the form's last byte, or the end of the data
         std::string type; // the form type
         bool insideShip;  // this form or one above is a SHIP, CAPS or CMIS
+        bool truncated;   // the data ends before the form's size says it does
     };
+
+    std::int64_t DataEnd() const { return static_cast<std::int64_t>(bytes_.size()); }
+
+    // The size field of the FORM at `at`, made even as every size is.
+    std::int64_t EvenFormSize(std::size_t at) const {
+        const std::uint32_t size = ReadBigEndian32(bytes_, at + 4);
+        return std::int64_t{size} + (size & 1);
+    }
+
+    // An odd size field is the one thing of a form the text cannot give back: the assembler writes the even
+    // size of what the form holds.
+    void NoteOddSize(std::size_t at) {
+        const std::uint32_t size = ReadBigEndian32(bytes_, at + 4);
+        if (!(size & 1)) return;
+        result_.lossless = false;
+        if (oddForms_++ == 0)
+            result_.notes.push_back("form " + VisibleBytes(Chars(bytes_, at + 8, 4)) + " at offset " +
+                                    IntToHex(static_cast<std::uint32_t>(at), 8) + " has the odd size " +
+                                    std::to_string(size) +
+                                    ", which the text cannot keep: the decode is not exact");
+    }
+
+    // Cut short, the outermost form ends at the cut once assembled. An empty chunk that ends there then
+    // starts in the form's last 8 bytes, which the reader gives to the form above, and there is none: the
+    // file the text makes is refused, and so is this one, with the reader's message for that file.
+    void CheckCutRoot() const {
+        std::vector<const TForm*> pending{&reader_.Root()};
+        while (!pending.empty()) {
+            const TForm* form = pending.back();
+            pending.pop_back();
+            for (const auto& chunk : form->Chunks)
+                if (chunk->Offset + 8 >= DataEnd())
+                    throw EIffReader("TIffReader: " + sourceName_ + ", error at offset " +
+                                     IntToHex(static_cast<std::uint32_t>(chunk->Offset), 8) + "!");
+            for (const auto& child : form->Forms) pending.push_back(child.get());
+        }
+    }
+
+    void NoteTruncated(std::int64_t at, std::int64_t end) {
+        result_.lossless = false;
+        result_.notes.push_back("the file is truncated: form " +
+                                VisibleBytes(Chars(bytes_, static_cast<std::size_t>(at) + 8, 4)) +
+                                " at offset " + IntToHex(static_cast<std::uint32_t>(at), 8) + " ends at " +
+                                IntToHex(static_cast<std::uint32_t>(end), 8) + ", the data at " +
+                                IntToHex(static_cast<std::uint32_t>(DataEnd()), 8) +
+                                ": the decode is not exact");
+    }
 
     // Hands the text written so far to the sink once there is enough of it, or at the end.
     void Flush(bool end) {
@@ -132,10 +184,10 @@ private:
         result_.text.clear();
     }
 
-    void OpenForm(std::string type, std::int64_t end) {
+    void OpenForm(std::string type, std::int64_t end, bool truncated) {
         text_.Open("FORM \"" + type + "\"");
         const bool ship = IsShipForm(type) || (!frames_.empty() && frames_.back().insideShip);
-        frames_.push_back({end, std::move(type), ship});
+        frames_.push_back({end, std::move(type), ship, truncated});
     }
 
     // Every item in file order, each inside the form whose true size holds it.
@@ -157,13 +209,19 @@ private:
             const std::string_view id = Chars(bytes_, at, 4);
             const std::int64_t size = ReadBigEndian32(bytes_, at + 4);
             if (id == "FORM") {
-                if (size < 4 || size > left - 8) {
+                const std::int64_t evenSize = EvenFormSize(at);
+                // Inside a form the data cuts short, a form running to the cut is cut with it.
+                const bool cut =
+                    form.truncated && form.end == DataEnd() && left >= 12 && pos_ + 8 + evenSize > DataEnd();
+                if (evenSize < 4 || (evenSize > left - 8 && !cut)) {
                     Raw(pos_, form.end); // a size its parent cannot hold: the rest of the parent as it is
                 } else if (frames_.size() >= static_cast<std::size_t>(TIffCompiler::kMaxNesting) ||
                            !IsWritableId(Chars(bytes_, at + 8, 4))) {
-                    Raw(pos_, pos_ + 8 + size);
+                    Raw(pos_, cut ? form.end : pos_ + 8 + evenSize);
                 } else {
-                    OpenForm(std::string(Chars(bytes_, at + 8, 4)), pos_ + 8 + size);
+                    NoteOddSize(at);
+                    OpenForm(std::string(Chars(bytes_, at + 8, 4)), cut ? form.end : pos_ + 8 + evenSize,
+                             cut);
                     pos_ += 12;
                 }
                 continue;
@@ -250,6 +308,7 @@ private:
     DecodeOptions options_;               // how values are written
     std::vector<Frame> frames_;           // the open forms, outermost first
     std::int64_t pos_ = 0;                // the next item's offset
+    std::size_t oddForms_ = 0;            // forms with an odd size field
     DecodedIff result_;                   // what is written
     IffTextWriter text_;                  // writes the lines into result_.text
 };
@@ -268,8 +327,8 @@ DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileN
     return DecodeReader(reader, fileName, limit, options);
 }
 
-void Decode(const std::filesystem::path& input, const std::filesystem::path& output, std::int64_t limit,
-            const DecodeOptions& options) {
+std::vector<std::string> Decode(const std::filesystem::path& input, const std::filesystem::path& output,
+                                std::int64_t limit, const DecodeOptions& options) {
     const TIffReader reader = TIffReader::FromFile(input);
     AtomicFileWriter text(output);
     const DecodedIff decoded = DecodeReader(reader, input.string(), limit, options,
@@ -277,6 +336,7 @@ void Decode(const std::filesystem::path& input, const std::filesystem::path& out
     const std::filesystem::path folder = output.parent_path();
     for (const SideFile& side : decoded.sideFiles) WriteFileAtomic(folder / side.name, side.data);
     text.Commit();
+    return decoded.notes;
 }
 
 } // namespace velkor

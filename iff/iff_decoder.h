@@ -32,6 +32,7 @@ struct DecodedIff {
     std::string text;                // the textual IFF, CR LF line ends
     std::vector<SideFile> sideFiles; // the files the text includes, in text order
     bool lossless = true;            // assembling the text gives back exactly the input bytes
+    std::vector<std::string> notes;  // why the text cannot give back the input exactly, where that is known
 };
 
 // Decodes bytes held in memory; `fileName` names the IFF block and the side files (only its last path
@@ -47,9 +48,10 @@ using TextSink = std::function<void(std::string_view piece)>;
 DecodedIff DecodeReader(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
                         const DecodeOptions& options = {}, const TextSink& sink = {});
 
-// Decodes the file `input` into the text file `output`, the side files beside it. Throws EIffReader for
-// input that is not valid IFF and EInOutError when a file cannot be read or written.
-void Decode(const std::filesystem::path& input, const std::filesystem::path& output, std::int64_t limit,
-            const DecodeOptions& options = {});
+// Decodes the file `input` into the text file `output`, the side files beside it, and returns the notes
+// on why the text is not exact. Throws EIffReader for input that is not valid IFF and EInOutError when a
+// file cannot be read or written.
+std::vector<std::string> Decode(const std::filesystem::path& input, const std::filesystem::path& output,
+                                std::int64_t limit, const DecodeOptions& options = {});
 
 } // namespace velkor

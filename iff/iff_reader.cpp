@@ -3,6 +3,7 @@
 #include "platform/byte_order.h"
 #include "platform/numbers.h"
 #include "platform/path_resolver.h"
+#include "platform/strings.h"
 
 #include <algorithm>
 #include <array>
@@ -62,13 +63,13 @@ std::optional<ScannedItem> ReadItem(int handle) {
         const std::size_t got = IffRead(handle, type);
         if (got < type.size())
             throw EIffReader_ErrorInForm("EIffReader_ErrorInForm: Error in Form \"" +
-                                         Text(std::span(type).first(got)) + "\" at offset " +
+                                         VisibleBytes(Text(std::span(type).first(got))) + "\" at offset " +
                                          IntToHex(static_cast<std::uint32_t>(offset), 1));
         return ScannedItem{Text(type), offset, EvenSize(size), true};
     }
     if (id[0] == 0) return std::nullopt; // zero padding after the last item
     if (IffRead(handle, size) < size.size())
-        throw EIffReader_ErrorInChunk("EIffReader_ErrorInChunk: Error in Chunk \"" + Text(id) +
+        throw EIffReader_ErrorInChunk("EIffReader_ErrorInChunk: Error in Chunk \"" + VisibleBytes(Text(id)) +
                                       "\" at offset " + IntToHex(static_cast<std::uint32_t>(offset), 1));
     ScannedItem item{Text(id), offset, EvenSize(size), false};
     IffSeek(handle, IffPosition(handle) + item.size);
@@ -140,19 +141,21 @@ void TIffReader::Scan(int handle) {
 
 void TIffReader::OpenForm(std::string_view type) {
     if (chunk_)
-        throw EIffReader("TIffReader: Attempt to open new form, but chunk " + chunk_->ID + " is still open!");
+        throw EIffReader("TIffReader: Attempt to open new form, but chunk " + VisibleBytes(chunk_->ID) +
+                         " is still open!");
     for (const auto& form : current_->Forms) {
         if (form->ID == type) {
             current_ = form.get();
             return;
         }
     }
-    throw EIffReader("TIffReader: Form (" + std::string(type) + ") doesn't exist!");
+    throw EIffReader("TIffReader: Form (" + VisibleBytes(type) + ") doesn't exist!");
 }
 
 void TIffReader::CloseForm() {
     if (chunk_)
-        throw EIffReader("TIffReader: Attempt to close form, but chunk " + chunk_->ID + " is still open!");
+        throw EIffReader("TIffReader: Attempt to close form, but chunk " + VisibleBytes(chunk_->ID) +
+                         " is still open!");
     if (!current_->Parent) throw EIffReader("TIffReader: Cannot close last form!");
     current_ = current_->Parent;
 }
@@ -168,7 +171,7 @@ void TIffReader::OpenChunk(std::string_view id) {
         }
     }
     current_->LastFound = -1;
-    throw EIffReader("TIffReader[Form: " + current_->ID + "]: Chunk (" + std::string(id) +
+    throw EIffReader("TIffReader[Form: " + VisibleBytes(current_->ID) + "]: Chunk (" + VisibleBytes(id) +
                      ") doesn't exist!");
 }
 
@@ -185,7 +188,7 @@ void TIffReader::CloseChunk() {
 
 void TIffReader::CheckInside(const TChunk& chunk, std::int64_t end) const {
     if (end > static_cast<std::int64_t>(bytes_.size()))
-        throw EIffReader("TIffReader: Chunk (" + chunk.ID + ") at offset " +
+        throw EIffReader("TIffReader: Chunk (" + VisibleBytes(chunk.ID) + ") at offset " +
                          IntToHex(static_cast<std::uint32_t>(chunk.Offset), 8) +
                          " runs past the end of the data!");
 }

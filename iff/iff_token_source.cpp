@@ -2,6 +2,7 @@
 
 #include "iff/checksum.h"
 #include "platform/numbers.h"
+#include "platform/strings.h"
 #include "scanner/scanner.h"
 
 namespace velkor {
@@ -71,7 +72,9 @@ std::string_view IffTokenSource::ReadName(std::string_view expected) {
 }
 
 void IffTokenSource::Error(const std::string& text, SourceLocation where) {
-    std::string line = "[error] line " + std::to_string(scanner_ ? scanner_->Line() : 0) + ": " + text;
+    // The text quotes the assembled text's own bytes.
+    std::string line =
+        "[error] line " + std::to_string(scanner_ ? scanner_->Line() : 0) + ": " + VisibleBytes(text);
     if (onMessage_) {
         onMessage_(0, line);
         onMessage_(0, "  raised in " + RoutineName(where) + ", line " + std::to_string(where.line()));

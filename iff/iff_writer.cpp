@@ -2,6 +2,7 @@
 
 #include "iff/checksum.h"
 #include "platform/byte_order.h"
+#include "platform/strings.h"
 
 #include <zlib.h>
 
@@ -55,7 +56,7 @@ void TIffWriter::WriteId(std::string_view id) {
 }
 
 std::uint64_t TIffWriter::OpenForm(std::string_view id) {
-    if (chunk_) throw EIffWriter("TIffWriter.OpenForm (" + std::string(id) + "): Form inside chunk!");
+    if (chunk_) throw EIffWriter("TIffWriter.OpenForm (" + VisibleBytes(id) + "): Form inside chunk!");
     const std::uint64_t header = stream_->Position();
     static constexpr std::uint8_t kForm[8] = {'F', 'O', 'R', 'M', 0, 0, 0, 0};
     stream_->Write(kForm);
@@ -66,8 +67,8 @@ std::uint64_t TIffWriter::OpenForm(std::string_view id) {
 
 std::uint64_t TIffWriter::OpenChunk(std::string_view id) {
     if (forms_.empty())
-        throw EIffWriter("TIffWriter.OpenChunk (" + std::string(id) + "): Chunk outside form!");
-    if (chunk_) throw EIffWriter("TIffWriter.OpenChunk (" + std::string(id) + "): Chunk inside chunk!");
+        throw EIffWriter("TIffWriter.OpenChunk (" + VisibleBytes(id) + "): Chunk outside form!");
+    if (chunk_) throw EIffWriter("TIffWriter.OpenChunk (" + VisibleBytes(id) + "): Chunk inside chunk!");
     const std::uint64_t header = stream_->Position();
     WriteId(id);
     static constexpr std::uint8_t kZero[4] = {};
@@ -125,7 +126,8 @@ void TIffWriter::Save() {
 }
 
 void TIffWriter::Close() {
-    if (!forms_.empty()) throw EIffWriter("TIffWriter.Destroy: Form " + forms_.back().id + " still open!");
+    if (!forms_.empty())
+        throw EIffWriter("TIffWriter.Destroy: Form " + VisibleBytes(forms_.back().id) + " still open!");
     Save();
     if (mode_ == ToFile) static_cast<FileStream*>(stream_.get())->Close();
     stream_.reset();

@@ -1,6 +1,7 @@
 #include "iff/wcp_assembler.h"
 
 #include "iff/checksum.h"
+#include "iff/iff_compiler.h"
 #include "iff/iff_token_source.h"
 #include "iff/iff_writer.h"
 #include "iff/wcp_opcodes.h"
@@ -9,15 +10,18 @@
 #include "platform/strings.h"
 #include "scanner/scanner.h"
 
+#include <algorithm>
 #include <array>
+#include <new>
+#include <string>
+#include <vector>
 
 namespace velkor {
 
 namespace {
 
-// More parameters than the machine has registers cannot be meant; the cap keeps a short text from asking
-// for gigabytes of descriptors.
-constexpr std::int32_t kMaxParameters = 255;
+// Descriptors are handed to the writer this many at a time, so that a long run never sits in memory twice.
+constexpr std::size_t kDescriptorSlice = std::size_t{1} << 14;
 
 } // namespace
 
@@ -35,19 +39,18 @@ void WcpAssembler::AssembleWcpAsm() {
 }
 
 void WcpAssembler::AssembleFunction() {
-    const std::string_view name = tokens_.Next();
+    const std::string name(tokens_.Next()); // a copy: reading the count replaces the token
     if (!tokens_.IsNameKind(tokens_.Kind())) tokens_.ExpectError("<name>", name);
     code_.clear();
     EmitWord(NameHash(name));
     EmitWord(0);
     std::int32_t parameters = 0;
     tokens_.Peek();
-    if (tokens_.Kind() == tkNumber) {
-        parameters = tokens_.ConvertInt(tokens_.Next());
-        if (parameters > kMaxParameters) tokens_.Error(ERangeError().what());
-    }
+    if (tokens_.Kind() == tkNumber) parameters = tokens_.ConvertInt(tokens_.Next());
     EmitWord(static_cast<std::uint32_t>(parameters));
-    for (std::int32_t i = 0; i < parameters; ++i) EmitWord(kWcpParameterWord);
+    writer_.Write(code_);
+    code_.clear();
+    if (parameters > 0) WriteParameterDescriptors(name, static_cast<std::uint32_t>(parameters));
 
     const size_t sizeField = code_.size();
     EmitWord(0);
@@ -56,6 +59,27 @@ void WcpAssembler::AssembleFunction() {
     PutLittleEndian32(code_, sizeField, size);
     writer_.Write(code_);
     code_.clear();
+}
+
+// A count is only limited by the size of the file it goes into and by the memory that holds the file.
+void WcpAssembler::WriteParameterDescriptors(std::string_view function, std::uint32_t count) {
+    const std::string what =
+        "func " + std::string(function) + ": " + std::to_string(count) + " parameter descriptors";
+    if (writer_.GetPosition() + std::uint64_t{4} * count > TIffCompiler::kMaxOutputSize)
+        tokens_.Error(what + " make the output file larger than 4 GB");
+    std::vector<std::uint8_t> slice;
+    const auto word = LittleEndian32(kWcpParameterWord);
+    for (std::size_t i = 0; i < std::min<std::size_t>(count, kDescriptorSlice); ++i)
+        slice.insert(slice.end(), word.begin(), word.end());
+    try {
+        for (std::uint32_t left = count; left > 0;) {
+            const std::uint32_t now = std::min<std::uint32_t>(left, kDescriptorSlice);
+            writer_.Write(std::span<const std::uint8_t>(slice).first(std::size_t{4} * now));
+            left -= now;
+        }
+    } catch (const std::bad_alloc&) {
+        tokens_.Error(what + " do not fit into memory");
+    }
 }
 
 // Nested blocks are followed with a depth count rather than recursion, so no listing can exhaust the stack.

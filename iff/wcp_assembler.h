@@ -23,6 +23,8 @@ public:
 
 private:
     void AssembleFunction();
+    // The count's parameter descriptors, written straight to the chunk.
+    void WriteParameterDescriptors(std::string_view function, std::uint32_t count);
     void AssembleBlock();
     void EmitInstruction(int index, std::span<const std::uint8_t> kinds, bool semicolonRequired);
     void EmitNativeCall(std::string_view name);

@@ -5,10 +5,10 @@ unit Constants;
 // written in decimal, in hexadecimal after "$" or in binary after "%".
 
 const
-  SecondsPerMinute = 60;
-  OneKilometre = 1000;
-  NoObject = 0;
-  AllTeams = $FF;          // hexadecimal
+  SecondsPerMinute = 60,
+  OneKilometre = 1000,
+  NoObject = 0,
+  AllTeams = $FF,          // hexadecimal
   TeamMaskDefault = %0011; // binary: teams 0 and 1
 
 // An enumeration numbers its names from 0 in the order written; "= n" starts again from n.

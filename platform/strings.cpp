@@ -153,4 +153,21 @@ bool IsValidUtf8(std::string_view s) {
     return true;
 }
 
+std::string VisibleBytes(std::string_view bytes, bool keepLineBreaks) {
+    static constexpr char kHex[] = "0123456789ABCDEF";
+    std::string out;
+    out.reserve(bytes.size());
+    for (const char c : bytes) {
+        const auto u = static_cast<unsigned char>(c);
+        if ((u >= 0x20 && u <= 0x7E) || (keepLineBreaks && (c == '\r' || c == '\n'))) {
+            out += c;
+        } else {
+            out += "\\x";
+            out += kHex[u >> 4];
+            out += kHex[u & 0xF];
+        }
+    }
+    return out;
+}
+
 } // namespace velkor

@@ -28,6 +28,11 @@ std::vector<std::string> SplitLines(std::string_view text);
 // True when the bytes are well-formed UTF-8 (no overlong forms, surrogates or values past U+10FFFF).
 bool IsValidUtf8(std::string_view s);
 
+// Bytes quoted from a file into a message, made visible: every control byte and every byte above 126
+// becomes "\xNN", so that no NUL, line break or terminal escape of the file reaches a message raw.
+// With `keepLineBreaks` CR and LF stay as they are, for a message whose own text holds a line break.
+std::string VisibleBytes(std::string_view bytes, bool keepLineBreaks = false);
+
 // Joins lines, each followed by CR LF.
 std::string JoinLinesCrLf(const std::vector<std::string>& lines);
 

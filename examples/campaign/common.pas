@@ -30,10 +30,10 @@ const RaiderCount = 2, AttackRuns = 2;
 // of the sector are not declared in the missions, so a constant gives the game name of each. (A quoted
 // name and a bare one mean the same object to the game.)
 const
-  Beacon1 = "Beacon1";
-  Beacon2 = "Beacon2";
-  Beacon3 = "Beacon3";
-  Station = "OutpostStation";
+  Beacon1 = "Beacon1",
+  Beacon2 = "Beacon2",
+  Beacon3 = "Beacon3",
+  Station = "OutpostStation",
   Gate = "JumpGate";
 
 // Functions. The parameters are named in parentheses; local variables follow "var" before "begin", and

@@ -18,11 +18,11 @@ include common;
 external Progress, Score, WingmanLost;
 
 const
-  SafeDistance = 4000;   // how close the raiders may come to the hauler
+  SafeDistance = 4000,   // how close the raiders may come to the hauler
   JumpRange = 1500;
 
 var
-  HaulerSafe = 1;
+  HaulerSafe = 1,
   Launched = 0;
 
 objective KeepHauler

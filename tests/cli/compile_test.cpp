@@ -96,6 +96,35 @@ TEST(VelkorcCompile, ErrorsAndExitStatus) {
     EXPECT_EQ(RunVelkorc({"compile", "-v", "9", (dir / "bad.pas").string()}).exitCode, 2);
 }
 
+// A unit-header command and a declaration list both end at their ";"; what follows them without one, or
+// after one, is reported; a token quoted in a message shows its control bytes and bytes above 126 as \\xNN.
+TEST(VelkorcCompile, CommandsAndListsEndAtTheirSemicolon) {
+    TempDir dir;
+    struct Case {
+        const char* source;
+        const char* error;
+    };
+    const Case cases[] = {
+        {"mission M;\n#NAME: 5\nvar a;\n", "[M, 3] ERROR: expected \";\" but found \"var\"\n"},
+        {"mission M;\n#BACKGROUND: 5\nvar a;\n", "[M, 3] ERROR: expected \";\" but found \"var\"\n"},
+        {"unit U;\nvar a;\n  b, c;\n", "[U, 3] ERROR: expected \"<Declaration>\" but found \"b\"\n"},
+        {"unit U;\nconst a = 1;\n  b = 2;\n", "[U, 3] ERROR: expected \"<Declaration>\" but found \"b\"\n"},
+        {"unit U;\nexternal a;\n  b;\n", "[U, 3] ERROR: expected \"<Declaration>\" but found \"b\"\n"},
+        {"unit U;\nvar a \"x\x1B[2J\x01\xFF\";\n",
+         "[U, 2] ERROR: expected \";\" but found \"x\\x1B[2J\\x01\\xFF\"\n"},
+    };
+    for (const Case& c : cases) {
+        WriteFile(dir / "unit.pas", c.source);
+        const auto r = RunVelkorc({"compile", (dir / "unit.pas").string()});
+        EXPECT_EQ(r.exitCode, 1) << c.source;
+        EXPECT_TRUE(Contains(r.err, c.error)) << c.source << "\n" << r.err;
+    }
+    WriteFile(dir / "unit.pas", "mission M;\n#NAME: 5;\nvar a,\n  b;\nconst c = 1,\n  d = 2;\n");
+    const auto good = RunVelkorc({"compile", (dir / "unit.pas").string()});
+    EXPECT_EQ(good.exitCode, 0) << good.err;
+    EXPECT_TRUE(Contains(good.out, "CHUNK \"NAME\"\r\n    {\r\n      long 5\r\n")) << good.out;
+}
+
 TEST(VelkorcCompile, NoHaltAlwaysTerminates) {
     TempDir dir;
     const char* texts[] = {

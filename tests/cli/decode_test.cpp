@@ -200,6 +200,37 @@ TEST(VelkorcDecode, FailuresAreReportedPerFileAndTheOthersStillDecode) {
     EXPECT_FALSE(std::filesystem::exists(dir / "cut.iff.pas"));
 }
 
+// A truncated file and a form of odd size decode, with exit status 0; stderr says why the text is not
+// exact, and the text assembles into the whole file of what was there. Ids in messages are quoted visibly.
+TEST(VelkorcDecode, TruncatedAndOddFilesDecodeAndSaySo) {
+    TempDir dir;
+    const std::string whole = Form("TEST", Chunk("DATA", "\x01\x02\x03\x04") + Chunk("MORE", "\x05\x06"));
+    WriteFile(dir / "cut.iff", whole.substr(0, 24));
+    WriteFile(dir / "odd.iff", "FORM" + Be(17) + "TEST" + Chunk("ABCD", "\x01\x02\x03\x04\x05"));
+    WriteFile(dir / "nul.iff", Form("TEST", std::string("N\0ME", 4) + Be(8) + "abcd"));
+    const ToolResult r = RunVelkorc({"decode", "cut.iff", "odd.iff"}, dir.path());
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(
+        r.err,
+        "velkorc: cut.iff: the file is truncated: form TEST at offset 00000000 ends at 00000022, the "
+        "data at 00000018: the decode is not exact\n"
+        "velkorc: odd.iff: form TEST at offset 00000000 has the odd size 17, which the text cannot keep: "
+        "the decode is not exact\n");
+    for (const char* text : {"cut.iff.pas", "odd.iff.pas"})
+        ASSERT_EQ(RunVelkorc({"asm", "--out-dir", "back", text}, dir.path()).exitCode, 0) << text;
+    EXPECT_EQ(ReadFile(dir / "back" / "cut.iff"), Form("TEST", Chunk("DATA", "\x01\x02\x03\x04")));
+    std::string odd = ReadFile(dir / "odd.iff");
+    odd[7] = 18;
+    EXPECT_EQ(ReadFile(dir / "back" / "odd.iff"), odd);
+
+    const ToolResult nul = RunVelkorc({"decode", "nul.iff"}, dir.path());
+    EXPECT_EQ(nul.exitCode, 2);
+    EXPECT_EQ(nul.err,
+              "velkorc: nul.iff: TIffReader: Chunk (N\\x00ME) at offset 0000000C runs past the end of the "
+              "data!\n");
+}
+
 TEST(VelkorcDecode, ManyFilesAtOnceGiveWhatOneAtATimeGives) {
     TempDir together, alone;
     std::vector<std::string> names;

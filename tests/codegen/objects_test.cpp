@@ -217,7 +217,7 @@ TEST(Objectives, FieldsInTheirFixedOrder) {
     EXPECT_EQ(series.Objectives().size(), 12u);
 }
 
-// The NAME command after its "#": "name" ":" value, the ";" left for the command reader.
+// The NAME command after its "#": "name" ":" value ";", like every other command.
 struct NameRun {
     std::vector<std::string> messages;
     TCompiler compiler;
@@ -230,12 +230,15 @@ struct NameRun {
 };
 
 TEST(NameCommand, SetsTheNameNumber) {
-    NameRun hex("name : $20;");
+    NameRun hex("name : $20; var\r\n");
     EXPECT_EQ(hex.compiler.NameNumber, 32);
     EXPECT_TRUE(hex.messages.empty());
-    EXPECT_EQ(hex.compiler.NextToken(), ";");
+    EXPECT_EQ(hex.compiler.NextToken(), "var");
     NameRun upper("NAME: 7;");
     EXPECT_EQ(upper.compiler.NameNumber, 7);
+    NameRun open("name: 7 var\r\n");
+    EXPECT_EQ(open.compiler.NameNumber, 7);
+    EXPECT_EQ(open.messages.front(), "[, 1] ERROR: expected \";\" but found \"var\"");
 }
 
 TEST(NameCommand, MinusOneAndTextsAreRefused) {

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 namespace velkor {
 namespace {
 
@@ -86,15 +89,55 @@ TEST(CompilerSpine, RecoveryTerminatesOnTextsThatEndBadly) {
     }
 }
 
-// Pascal-style blocks: a list goes on past its ";" while a plain name follows.
-TEST(Declarations, ListsGoOnWhileANameFollows) {
-    CompileRun r("unit U;\r\nvar a;\r\n  b = 2;\r\nconst c = 1;\r\n  d = 2;\r\nvar e, f;\r\nenum G;\r\n",
-                 false);
-    EXPECT_EQ(r.compiler->ErrorCount, 0) << r.All();
-    EXPECT_TRUE(r.Symbol("a") && r.Symbol("b") && r.Symbol("c") && r.Symbol("d") && r.Symbol("e") &&
-                r.Symbol("f") && r.Symbol("G"));
-    EXPECT_EQ(r.Symbol("b")->Value, 2);
-    EXPECT_EQ(r.Symbol("d")->Kind, 3);
+// One keyword starts one list, and its ";" ends it: a name after the ";" starts no declaration. Recovery
+// skips to the next ";", so the whole stray list is left out and what follows it is declared.
+TEST(Declarations, AListEndsAtItsSemicolon) {
+    struct Case {
+        const char* source;
+        const char* message; // the error, empty for none
+        std::vector<std::string> declared, left;
+    };
+    const Case cases[] = {
+        {"unit U;\r\nvar a;\r\n  b, c;\r\nvar d;\r\n",
+         "[U, 3] ERROR: expected \"<Declaration>\" but found \"b\"",
+         {"a", "d"},
+         {"b", "c"}},
+        {"unit U;\r\nvar a = 1;\r\n  b = 2;\r\nvar d;\r\n",
+         "[U, 3] ERROR: expected \"<Declaration>\" but found \"b\"",
+         {"a", "d"},
+         {"b"}},
+        {"unit U;\r\nconst a = 1;\r\n  b = 2;\r\nconst d = 3;\r\n",
+         "[U, 3] ERROR: expected \"<Declaration>\" but found \"b\"",
+         {"a", "d"},
+         {"b"}},
+        {"series U;\r\nexternal a;\r\n  b;\r\nexternal d;\r\n",
+         "[U, 3] ERROR: expected \"<Declaration>\" but found \"b\"",
+         {"a", "d"},
+         {"b"}},
+        // One list over several lines, separated by ",".
+        {"unit U;\r\nvar a = 1,\r\n  b = 2,\r\n  c;\r\nconst d = 1,\r\n  e = 2;\r\n",
+         "",
+         {"a", "b", "c", "d", "e"},
+         {}},
+        {"unit U;\r\nvar a; var b;\r\nconst c = 1; const d = 2;\r\nenum E; var f;\r\n",
+         "",
+         {"a", "b", "c", "d", "E", "f"},
+         {}},
+    };
+    for (const Case& c : cases) {
+        CompileRun r(c.source, false);
+        if (*c.message) {
+            EXPECT_TRUE(r.Has(c.message)) << c.source << "\n" << r.All();
+            EXPECT_EQ(r.compiler->ErrorCount, 1) << c.source;
+        } else {
+            EXPECT_EQ(r.compiler->ErrorCount, 0) << c.source << "\n" << r.All();
+        }
+        for (const std::string& name : c.declared) EXPECT_TRUE(r.Symbol(name)) << c.source << ": " << name;
+        for (const std::string& name : c.left) EXPECT_FALSE(r.Symbol(name)) << c.source << ": " << name;
+    }
+    // Inside a function the locals end at their ";" as well: the stray name is no statement block.
+    CompileRun local("mission M;\r\nfunction f;\r\nvar a;\r\n  b;\r\nbegin\r\nend;\r\n", false);
+    EXPECT_TRUE(local.Has("[M, 4] ERROR: expected \"begin\" but found \"b\"")) << local.All();
 }
 
 // An initial value that is no number is reported once, by the value reader.

@@ -177,6 +177,38 @@ TEST(Commands, MissingSemicolonAndBadArguments) {
     EXPECT_EQ(r.compiler->Background, 1);
 }
 
+// Every command with a value ends with ";": a declaration straight after the value is what a missing one
+// finds, the value is kept all the same and recovery skips that declaration.
+TEST(Commands, ValueCommandsWithoutSemicolon) {
+    struct Case {
+        const char* command;
+        std::int32_t TCompiler::*number; // the setting a number command fills, or null
+    };
+    const Case cases[] = {
+        {"#NAME: 5", &TCompiler::NameNumber},
+        {"#BACKGROUND: 5", &TCompiler::Background},
+        {"#SECTOR: \"x.sec\"", nullptr},
+        {"#GFPROC: \"G\"", nullptr},
+        {"#HINT(\"h\")", nullptr},
+    };
+    for (const Case& c : cases) {
+        for (const bool halt : {false, true}) {
+            CompileRun r("mission M;\r\n" + std::string(c.command) + "\r\nvar a;\r\nvar b;\r\n", halt);
+            EXPECT_TRUE(r.Has("[M, 3] ERROR: expected \";\" but found \"var\"")) << c.command << "\n"
+                                                                                 << r.All();
+            EXPECT_EQ(r.compiler->ErrorCount, 1) << c.command;
+            EXPECT_EQ(r.threw, halt) << c.command;
+            EXPECT_FALSE(r.Symbol("a")) << c.command;
+            EXPECT_EQ(r.Symbol("b") != nullptr, !halt) << c.command;
+            if (c.number) EXPECT_EQ((*r.compiler).*c.number, 5) << c.command;
+        }
+    }
+    CompileRun closed("mission M;\r\n#NAME: 5;\r\nvar a;\r\n");
+    EXPECT_FALSE(closed.threw) << closed.All();
+    EXPECT_EQ(closed.compiler->NameNumber, 5);
+    EXPECT_TRUE(closed.Symbol("a"));
+}
+
 // The missing ";" is found after the folder has been taken, like the value of any other command.
 TEST(Commands, FolderCommandWithoutSemicolonStillTakesEffect) {
     CompileRun r("unit U;\r\n#SETOUTPUTPATH(Out)\r\nvar a;\r\n#ADDTOSEARCHPATH(Lib)\r\nvar b;\r\n", false);

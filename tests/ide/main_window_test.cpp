@@ -153,6 +153,34 @@ TEST_F(MainWindowTest, OpeningABinaryFileShowsItsDecodedText) {
     EXPECT_TRUE(window.ActivePage()->Modified());
 }
 
+// A truncated file opens as far as its items go; the output view says that the text is not exact, inline
+// and from a decode thread alike.
+TEST_F(MainWindowTest, ATruncatedFileOpensAndTheOutputSaysSo) {
+    const std::string bytes("FORM\0\0\0\x20TEST"
+                            "DATA\0\0\0\x02\x0A\xFF",
+                            22);
+    const QString note =
+        QStringLiteral(": the file is truncated: form TEST at offset 00000000 ends at 00000028, "
+                       "the data at 00000016: the decode is not exact");
+    const QString text = QStringLiteral("IFF \"Cut.iff\"\r\n{\r\n  FORM \"TEST\"\r\n  {\r\n"
+                                        "    CHUNK \"DATA\"\r\n    {\r\n      BYTE [2] $0A $FF\r\n"
+                                        "    }\r\n  }\r\n}\r\n");
+    for (const bool thread : {false, true}) {
+        TIniFile(IniPath()).WriteBool("iffd", "UseSeparateThread", thread);
+        const std::string iff = MakeFile("Cut.iff", bytes);
+        TfrmMain window({});
+        window.DecodeFile(iff);
+        QElapsedTimer clock;
+        clock.start();
+        while (window.ActivePage()->Caption() != QStringLiteral("Cut.iff.pas") && clock.elapsed() < 5000)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        ASSERT_EQ(window.ActivePage()->Caption(), QStringLiteral("Cut.iff.pas")) << thread;
+        EXPECT_EQ(window.ActivePage()->Text(), text) << thread;
+        EXPECT_EQ(window.OutputView().Lines(), QStringList{QString::fromStdString(iff) + note}) << thread;
+        EXPECT_TRUE(messages_.isEmpty()) << thread;
+    }
+}
+
 TEST_F(MainWindowTest, ShortFilesAreTextAndFormFilesAreDecodedInline) {
     std::vector<std::string> decoded;
     SetDecodeFunctionForTesting([&](const std::string& in, const std::string& out, std::int32_t limit) {

@@ -31,8 +31,8 @@ external Progress, Score, WingmanLost;
 
 // The mission's own variables; they start at the value given (0 when none is).
 var
-  BeaconsReached = 0;
-  RaidersDown = 0;
+  BeaconsReached = 0,
+  RaidersDown = 0,
   WaveActive;
 
 // The objectives shown to the player. Each takes five fields in this order; the text is a line of the

@@ -10,16 +10,16 @@ series frontier;
 include gamefuncs, constants;
 
 const
-  MissionCount = 2;  // patrol, escort
+  MissionCount = 2,  // patrol, escort
   WinBonus = 100;
 
 // Global variables. Each one is recorded in the series by the checksum of its name together with its
 // starting value, and a mission reaches it by declaring the same name "external" (see patrol.pas). The
 // names must match exactly, letter case included.
 var
-  Progress = 0;      // missions won so far
-  Score = 0;
-  RetriesLeft = 3;   // failed attempts the player may still make
+  Progress = 0,      // missions won so far
+  Score = 0,
+  RetriesLeft = 3,   // failed attempts the player may still make
   WingmanLost = 0;   // set to 1 when Alpha Two did not come back
 
 // The game runs the program named "MCP" as the series' main program.
