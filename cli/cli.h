@@ -12,7 +12,7 @@ inline constexpr int kExitReported = 1; // the compiler or the assembler reporte
 inline constexpr int kExitUsage = 2;    // usage or input/output error
 
 struct Options {
-    std::string command;                  // compile, build, asm, decode, tokens, symbols
+    std::string command;                  // compile, build, asm, decode, tokens, symbols, map
     int verbosity = 1;                    // -v, --verbosity: message level 0 to 3
     bool noHalt = false;                  // --no-halt: recover from errors
     bool optimize = false;                // -O, --optimize
@@ -23,6 +23,8 @@ struct Options {
     std::string outDir;                   // --out-dir; empty means the current folder
     int maxDecodeSize = 1024;             // --max-decode-size
     std::string output;                   // -o
+    std::string mapView = "both";         // --view (map only): top, side or both
+    bool dark = false;                    // --dark (map only): the dark colours
     std::vector<std::string> files;       // the command's operands
 };
 
@@ -32,6 +34,7 @@ int RunAsm(const Options& options);
 int RunDecode(const Options& options);
 int RunTokens(const Options& options);
 int RunSymbols(const Options& options);
+int RunMap(const Options& options);
 
 // Writes one message line to stderr, as the output callbacks receive it.
 void PrintMessage(const std::string& line);

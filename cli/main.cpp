@@ -25,6 +25,7 @@ constexpr const char* kToolHelp =
     "  tokens  [OPTIONS] FILE      print each token as \"<line>\\t<kind>\\t<text>\", end of text included\n"
     "  symbols [OPTIONS] UNIT      declarations only; print the symbol table, one symbol a line,\n"
     "                              tab-separated: name, kind, file, line, text, register, value\n"
+    "  map     [OPTIONS] UNIT|FILE draw the objects of a unit or binary IFF file as SVG (-o FILE)\n"
     "  --version                   print the compiler version\n"
     "\n"
     "Options:\n"
@@ -37,7 +38,9 @@ constexpr const char* kToolHelp =
     "  --out-dir DIR               folder for output files whose names have no folder (default: current)\n"
     "  --max-decode-size N         decode limit in bytes (default 1024)\n"
     "  --exact-floats              decode only: write floats in the shortest form that reads back exactly\n"
-    "  -o FILE                     output file of compile or of a single decode\n"
+    "  -o FILE                     output file of compile, of a single decode or of map\n"
+    "  --view top|side|both        map only: the views drawn (default both)\n"
+    "  --dark                      map only: dark colours\n"
     "\n"
     "Messages of the compiler and the assembler go to stderr, one line each.\n"
     "In token texts CR, LF, tab, NUL and backslash are written as \\r, \\n, \\t, \\0 and \\\\.\n"
@@ -75,6 +78,16 @@ constexpr CommandHelp kCommandHelp[] = {
                 "Compiles the declarations of UNIT only and prints the symbol table, one symbol a line,\n"
                 "tab-separated: name, kind, file, line, text, register, value.\n"
                 "Options: -v N, --no-halt, --fast-scanner, -I DIR.\n"},
+    {"map", "Usage: velkorc map [OPTIONS] UNIT|FILE\n"
+            "Draws the game objects of a mission or sector as SVG: a top view (x, z) and a side view\n"
+            "(x, y), each object a symbol of its type with its name, a scale bar in game units and a\n"
+            "legend. A unit is compiled first and textual IFF assembled in memory (nothing is written);\n"
+            "a binary IFF file (starting with FORM) is read as it is, its objects named by their name\n"
+            "checksum. The SVG goes to stdout, or to the file given by -o.\n"
+            "Objects without a position are left out and named on stderr; when there are no objects, or\n"
+            "none has a position, nothing is written and the exit status is 1.\n"
+            "Options: --view top|side|both, --dark, -o FILE, and for units -v N, --no-halt, -O,\n"
+            "--fast-scanner, -I DIR, --out-dir DIR.\n"},
 };
 
 int UsageError(const std::string& message) {
@@ -148,6 +161,12 @@ int Main(int argc, char** argv) {
         } else if (a == "--max-decode-size") {
             if (!value(v) || !ParseInt(v, o.maxDecodeSize) || o.maxDecodeSize < 0)
                 return UsageError("--max-decode-size needs a number of bytes");
+        } else if (a == "--view") {
+            if (!value(v) || (v != "top" && v != "side" && v != "both"))
+                return UsageError("--view needs top, side or both");
+            o.mapView = v;
+        } else if (a == "--dark") {
+            o.dark = true;
         } else if (a == "-o") {
             if (!value(v)) return UsageError("-o needs a file name");
             o.output = v;
@@ -169,6 +188,7 @@ int Main(int argc, char** argv) {
         if (o.command == "asm") return RunAsm(o);
         if (o.command == "decode") return RunDecode(o);
         if (o.command == "tokens") return RunTokens(o);
+        if (o.command == "map") return RunMap(o);
         return RunSymbols(o);
     } catch (const std::exception& e) {
         std::cerr << "velkorc: " << e.what() << "\n";

@@ -4,6 +4,7 @@
 #include "ide/ide_ini.h"
 #include "ide/iff_view.h"
 #include "ide/main_window.h"
+#include "ide/map_view.h"
 #include "ide/output_view.h"
 #include "ide/window_placement.h"
 
@@ -28,7 +29,7 @@ Qt::DockWidgetArea AreaOf(const std::string& site) {
 } // namespace
 
 QList<TDockableView*> TfrmMain::Views() const {
-    return {output_, iff_, help_};
+    return {output_, iff_, help_, map_};
 }
 
 void TfrmMain::CreateDockAreas() {
@@ -99,6 +100,11 @@ void TfrmMain::RestoreViewPlacements() {
         defaults.Height = kBottomHeight;
         defaults.Left = 100;
         defaults.Top = 100;
+        if (view == map_) { // new beside the others: it waits at the side until asked for
+            defaults.Site = kSideSite;
+            defaults.Width = 360;
+            defaults.Visible = false;
+        }
         const TDockPlacement placement = ReadDockPlacement(FromQ(view->objectName()), defaults);
         DockView(*view, placement.Site);
         if (placement.Site.empty() && placement.Width > 0 && placement.Height > 0)

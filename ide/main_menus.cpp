@@ -8,6 +8,7 @@
 #include "ide/iff_build.h"
 #include "ide/iff_view.h"
 #include "ide/main_window.h"
+#include "ide/map_view.h"
 #include "ide/output_view.h"
 
 #include <QAction>
@@ -72,6 +73,7 @@ void TfrmMain::CreateMenus() {
     AddItem(view, "MenuViewIff", "&IFF Source", "")->setCheckable(true);
     AddItem(view, "MenuViewOutput", "&Output", "")->setCheckable(true);
     AddItem(view, "MenuViewHelp", "&Help", "")->setCheckable(true);
+    AddItem(view, "MenuViewMap", "&Map", "")->setCheckable(true);
 
     QMenu* search = topMenu("MenuSearch", "&Search");
     AddItem(search, "MenuEditFind", "&Find...", "Ctrl+F");
@@ -154,6 +156,7 @@ void TfrmMain::ConnectMenus() {
     on("MenuViewIff", [this, toggle] { toggle(*iff_); });
     on("MenuViewOutput", [this, toggle] { toggle(*output_); });
     on("MenuViewHelp", [this, toggle] { toggle(*help_); });
+    on("MenuViewMap", [this, toggle] { toggle(*map_); });
 
     onPage("MenuEditFind", &TfrmEdit::Find);
     onPage("MenuEditSearchAgain", &TfrmEdit::SearchAgain);
@@ -224,6 +227,7 @@ void TfrmMain::UpdateViewMenu() {
     MenuItem(QStringLiteral("MenuViewIff"))->setChecked(iff_->isVisible());
     MenuItem(QStringLiteral("MenuViewOutput"))->setChecked(output_->isVisible());
     MenuItem(QStringLiteral("MenuViewHelp"))->setChecked(help_->isVisible());
+    MenuItem(QStringLiteral("MenuViewMap"))->setChecked(map_->isVisible());
 }
 
 void TfrmMain::UpdateHelpMenu() {

@@ -7,6 +7,7 @@
 #include "ide/ide_ini.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
+#include "ide/map_view.h"
 #include "ide/output_view.h"
 #include "ide/reg_mru.h"
 #include "ide/settings_dialog.h"
@@ -108,6 +109,7 @@ TfrmMain::TfrmMain(const QStringList& files, QWidget* parent) : QMainWindow(pare
     timer1_->setInterval(150);
     connect(timer1_, &QTimer::timeout, this, &TfrmMain::TimerTick);
 
+    map_ = new TfrmMapView(*this);
     CreateMenus();
     ConnectMenus();
     CreateDockAreas();

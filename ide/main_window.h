@@ -21,6 +21,7 @@ class QTimer;
 namespace velkor {
 
 class TDockableView;
+class TfrmMapView;
 class TRegMru;
 
 class TfrmMain : public QMainWindow, public TPageHost {
@@ -59,6 +60,7 @@ public:
     TfrmOutput& OutputView() override;
     TfrmIffView& IffView() override;
     TfrmHelp& HelpView() override;
+    TfrmMapView& MapView() { return *map_; }
     void AddRecent(const std::string& path) override;
     int TakeUntitledNumber() override { return untitled_++; }
     TRegMru& RegMru1() const { return *mru_; }
@@ -117,6 +119,7 @@ private:
     TfrmHelp* help_;                    // the help view, owned as a child
     TfrmIffView* iff_;                  // the IFF view, owned as a child
     TfrmOutput* output_;                // the output list, owned as a child
+    TfrmMapView* map_;                  // the map of the objects, owned as a child
     QTabWidget* editorTabs_;            // PageControlEditor: one tab per page
     QLabel* panel0_;                    // status panel 0: free text
     QLabel* panel1_;                    // status panel 1: caret line and column

@@ -25,6 +25,7 @@ public:
     using MessageCallback = std::function<void(int level, const std::string& text)>;
     using BinaryOutputCallback =
         std::function<void(const std::vector<std::uint8_t>& bytes, const std::string& fileName)>;
+    using NameHashedCallback = std::function<void(std::string_view name, std::uint32_t hash)>;
 
     TIffCompiler();
     ~TIffCompiler();
@@ -48,6 +49,7 @@ public:
 
     MessageCallback OnMessage;           // receives the error lines, at level 0
     BinaryOutputCallback OnBinaryOutput; // receives each finished output file
+    NameHashedCallback OnNameHashed;     // receives every crc32 value's text with its checksum
 
     // Nesting deeper than this is refused rather than followed.
     static constexpr int kMaxNesting = 10000;

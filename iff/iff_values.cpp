@@ -77,7 +77,9 @@ void TIffCompiler::Value() {
             // Reading on would take the same empty token for every further item and then refuse it as the
             // chunk's next type name; that refusal comes at once, so a count of a billion does not loop.
             if (tokens_.Stuck(text)) ExpectError("<type>", text);
-            AppendLittleEndian(pending_, NameHash(text), 4);
+            const std::uint32_t hash = NameHash(text);
+            if (OnNameHashed) OnNameHashed(text, hash);
+            AppendLittleEndian(pending_, hash, 4);
             break;
         }
         case ValueType::CString: {

@@ -52,3 +52,10 @@ for file in "$out"/*.*; do
     printf '%-13s -> %-17s -> the same %d bytes\n' "$name" "$name.pas" "$(stat -c %s "$file")"
 done
 rm -rf "$dec/assembled"
+
+echo
+echo "== The map of the mission patrol.pas ($out/maps/patrol.svg, the picture the README shows)"
+mkdir -p "$out/maps"
+"$velkorc" map -v 0 -I "$out" "$src/patrol.pas" -o "$out/maps/patrol.svg"
+cmp "$out/maps/patrol.svg" docs/maps/patrol.svg
+echo "the same picture as docs/maps/patrol.svg"

@@ -21,8 +21,9 @@ packages=(
     xvfb xauth                               # GUI tests under a real X server
     clang libclang-rt-14-dev                 # libFuzzer and sanitizer builds
     libbenchmark-dev xxd time                # benchmarks (time: peak memory in scripts/bench.py)
+    python3                                  # tests that parse the SVG maps as XML
 )
-if ((bench)); then packages+=(python3 fp-compiler); fi
+if ((bench)); then packages+=(fp-compiler); fi
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
