@@ -12,13 +12,14 @@ inline constexpr int kExitReported = 1; // the compiler or the assembler reporte
 inline constexpr int kExitUsage = 2;    // usage or input/output error
 
 struct Options {
-    std::string command;                  // compile, build, asm, decode, tokens, symbols, map
+    std::string command;                  // compile, build, asm, decode, tokens, symbols, map, lsp
     int verbosity = 1;                    // -v, --verbosity: message level 0 to 3
     bool noHalt = false;                  // --no-halt: recover from errors
     bool optimize = false;                // -O, --optimize
     bool fastScanner = false;             // --fast-scanner
     bool noLineMarkers = false;           // --no-line-markers (tokens only)
     bool exactFloats = false;             // --exact-floats (decode only)
+    bool noDisassemble = false;           // --no-disassemble (decode only)
     std::vector<std::string> searchPaths; // -I, --search-path, in order
     std::string outDir;                   // --out-dir; empty means the current folder
     int maxDecodeSize = 1024;             // --max-decode-size
@@ -35,6 +36,7 @@ int RunDecode(const Options& options);
 int RunTokens(const Options& options);
 int RunSymbols(const Options& options);
 int RunMap(const Options& options);
+int RunLsp(const Options& options);
 
 // Writes one message line to stderr, as the output callbacks receive it.
 void PrintMessage(const std::string& line);

@@ -23,17 +23,8 @@ int RunBuild(const Options& options) {
     c.OnFileWritten = [](const std::filesystem::path& path, std::size_t size) {
         std::cout << WrittenFileLine(path, size) << std::endl;
     };
-    std::string linked;
-    try {
-        c.Compile();
-        c.Finish();
-        linked = c.Link();
-    } catch (const ECompiler&) {
-        return kExitReported;
-    } catch (const Exception& e) {
-        PrintMessage(e.what());
-        return kExitReported;
-    }
+    std::optional<std::string> linked = CompileAndLink(c);
+    if (!linked) return kExitReported;
     // A unit with errors is not assembled: its text may name files it would then overwrite half-made.
     if (c.ErrorCount > 0) return kExitReported;
     // The unit's listing and lists are in the linked text now: their memory is given back before the
@@ -44,7 +35,7 @@ int RunBuild(const Options& options) {
     assembler.OnMessage = [&](int level, const std::string& line) {
         if (level <= options.verbosity) PrintMessage(line);
     };
-    assembler.TakeInputText(std::move(linked), run.folder);
+    assembler.TakeInputText(std::move(*linked), run.folder);
     try {
         return AssembleFiles(assembler, options);
     } catch (const Exception& e) {

@@ -26,6 +26,7 @@ constexpr const char* kToolHelp =
     "  symbols [OPTIONS] UNIT      declarations only; print the symbol table, one symbol a line,\n"
     "                              tab-separated: name, kind, file, line, text, register, value\n"
     "  map     [OPTIONS] UNIT|FILE draw the objects of a unit or binary IFF file as SVG (-o FILE)\n"
+    "  lsp                         language server over stdio (LSP 3.17), for editors other than the IDE\n"
     "  --version                   print the compiler version\n"
     "\n"
     "Options:\n"
@@ -38,6 +39,7 @@ constexpr const char* kToolHelp =
     "  --out-dir DIR               folder for output files whose names have no folder (default: current)\n"
     "  --max-decode-size N         decode limit in bytes (default 1024)\n"
     "  --exact-floats              decode only: write floats in the shortest form that reads back exactly\n"
+    "  --no-disassemble            decode only: write function records as byte rows, not WCP_ASM listings\n"
     "  -o FILE                     output file of compile, of a single decode or of map\n"
     "  --view top|side|both        map only: the views drawn (default both)\n"
     "  --dark                      map only: dark colours\n"
@@ -70,7 +72,9 @@ constexpr CommandHelp kCommandHelp[] = {
                "Chunks larger than --max-decode-size N bytes (default 1024) go to side files beside the\n"
                "output. --exact-floats writes floats in the shortest form that reads back exactly.\n"
                "A truncated file or a form of odd size is decoded all the same, with a note on stderr\n"
-               "that the text is not exact.\n"},
+               "that the text is not exact.\n"
+               "Script functions are written as WCP_ASM listings whatever their size, with names beside\n"
+               "the ids that stand for names; --no-disassemble writes them as byte rows instead.\n"},
     {"tokens", "Usage: velkorc tokens [OPTIONS] FILE\n"
                "Prints each token of FILE as \"<line>\\t<kind>\\t<text>\", end of text included.\n"
                "Options: --fast-scanner, --no-line-markers.\n"},
@@ -88,6 +92,11 @@ constexpr CommandHelp kCommandHelp[] = {
             "none has a position, nothing is written and the exit status is 1.\n"
             "Options: --view top|side|both, --dark, -o FILE, and for units -v N, --no-halt, -O,\n"
             "--fast-scanner, -I DIR, --out-dir DIR.\n"},
+    {"lsp", "Usage: velkorc lsp\n"
+            "Runs the language server on standard input and output (JSON-RPC with LSP 3.17 framing):\n"
+            "diagnostics, completion, hover, signature help, definition, document and workspace symbols,\n"
+            "references and semantic tokens. Settings come from the client's \"velkor\" section:\n"
+            "searchPath (folders after the unit's own, before $compiler$\\lib) and debounceMilliseconds.\n"},
 };
 
 int UsageError(const std::string& message) {
@@ -152,6 +161,8 @@ int Main(int argc, char** argv) {
             o.noLineMarkers = true;
         } else if (a == "--exact-floats") {
             o.exactFloats = true;
+        } else if (a == "--no-disassemble") {
+            o.noDisassemble = true;
         } else if (a == "-I" || a == "--search-path") {
             if (!value(v)) return UsageError(std::string(a) + " needs a folder");
             o.searchPaths.emplace_back(v);
@@ -177,6 +188,10 @@ int Main(int argc, char** argv) {
         }
     }
 
+    if (o.command == "lsp") {
+        if (!o.files.empty()) return UsageError("lsp takes no file");
+        return RunLsp(o);
+    }
     if (o.files.empty()) return UsageError(o.command + " needs a file");
     if (o.command != "decode" && o.files.size() > 1) return UsageError(o.command + " takes one file");
     if (o.command == "decode" && !o.output.empty() && o.files.size() > 1)

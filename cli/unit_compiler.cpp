@@ -36,4 +36,17 @@ UnitCompiler PrepareUnitCompiler(const Options& options, bool symbolsOnly) {
     return run;
 }
 
+std::optional<std::string> CompileAndLink(TCompiler& compiler) {
+    try {
+        compiler.Compile();
+        compiler.Finish();
+        return compiler.Link();
+    } catch (const ECompiler&) {
+        return std::nullopt;
+    } catch (const Exception& e) {
+        PrintMessage(e.what());
+        return std::nullopt;
+    }
+}
+
 } // namespace velkor::cli

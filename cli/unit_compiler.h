@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace velkor {
@@ -22,5 +23,9 @@ struct UnitCompiler {
 // (the unit's own folder, each -I, then "$compiler$\lib") and #FILE outputs placed as `asm` places files.
 // Throws EInOutError when the unit cannot be read.
 UnitCompiler PrepareUnitCompiler(const Options& options, bool symbolsOnly);
+
+// Compile, Finish and Link: the linked text, or nothing when an error ended the run (the compiler has
+// reported its own errors; any other failure's message is printed here).
+std::optional<std::string> CompileAndLink(TCompiler& compiler);
 
 } // namespace velkor::cli

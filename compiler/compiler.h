@@ -26,6 +26,7 @@ class TScanner;
 class TSymbolTable;
 class TCodeGen;
 class TIffStringList;
+class TSourceHost;
 struct TSymbol;
 struct TSymbolSite;
 
@@ -66,6 +67,12 @@ struct TCompilerOptions {
     std::function<std::filesystem::path(const std::string&)> PlaceOutputFile;
     // Told of every file a #FILE compilation wrote: where it went and its size in bytes.
     std::function<void(const std::filesystem::path&, std::size_t)> OnFileWritten;
+    // Hands in an editor's texts of included files and hears which file is being read; shared with every
+    // nested compile. None: files are read from disk.
+    TSourceHost* SourceHost = nullptr;
+    // Units named by #FILE are compiled for their messages but neither assembled nor written, as a
+    // language server checks a unit on every change.
+    bool CheckOnly = false;
 };
 
 class TCompiler : public TCompilerOptions {

@@ -1,5 +1,6 @@
 // Included source and string files, #FILE compilations, the search path and the output path.
 #include "compiler/compiler.h"
+#include "compiler/source_host.h"
 #include "compiler/symbol_table.h"
 #include "iff/build_chain.h"
 #include "iff/iff_compiler.h"
@@ -29,6 +30,30 @@ std::string TableName(std::string_view path) {
     if (dot != std::string::npos) name.erase(dot);
     return ShortString(name);
 }
+
+// The source text of a file found on the search path: the host's, else the file's.
+std::string ReadSourceText(TSourceHost* host, const std::filesystem::path& found) {
+    if (host)
+        if (auto text = host->SourceText(found)) return NormaliseLineBreaks(*text);
+    return LoadTextFile(found);
+}
+
+// Tells the host that a nested compile of a file runs, for as long as this lives.
+class HostScope {
+public:
+    HostScope(TSourceHost* host, const std::filesystem::path& file, const std::string& fileName)
+        : host_(host) {
+        if (host_) host_->Entered(file, fileName);
+    }
+    ~HostScope() {
+        if (host_) host_->Left();
+    }
+    HostScope(const HostScope&) = delete;
+    HostScope& operator=(const HostScope&) = delete;
+
+private:
+    TSourceHost* host_;
+};
 
 } // namespace
 
@@ -118,7 +143,7 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
     }
     std::string text;
     try {
-        text = LoadTextFile(found);
+        text = ReadSourceText(SourceHost, found);
     } catch (const EInOutError& e) {
         Error(e.what());
         return;
@@ -133,11 +158,14 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
     child.fileChain_ = fileChain_;
     child.SetSource(std::move(text));
     child.SetFileName(name);
-    try {
-        child.Compile();
-    } catch (...) {
-        ErrorCount += child.ErrorCount;
-        throw;
+    {
+        HostScope hosted(SourceHost, found, child.FileName);
+        try {
+            child.Compile();
+        } catch (...) {
+            ErrorCount += child.ErrorCount;
+            throw;
+        }
     }
     ErrorCount += child.ErrorCount;
     data_->CodeList.Append(child.Data().CodeList);
@@ -243,7 +271,7 @@ void TCompiler::CompileFile(const std::string& written) {
     }
     std::string text;
     try {
-        text = LoadTextFile(found);
+        text = ReadSourceText(SourceHost, found);
     } catch (const EInOutError& e) {
         Error(e.what());
         return;
@@ -263,6 +291,7 @@ void TCompiler::CompileFile(const std::string& written) {
         unit.fileChain_ = fileChain_;
         unit.SetSource(std::move(text));
         unit.SetFileName(name);
+        HostScope hosted(SourceHost, found, unit.FileName);
         fileChain_->push_back(canonical);
         struct PopChain {
             std::vector<std::filesystem::path>& chain;
@@ -278,7 +307,7 @@ void TCompiler::CompileFile(const std::string& written) {
         }
         ErrorCount += unit.ErrorCount;
     }
-    AssembleLinkedText(std::move(linked), found.parent_path());
+    if (!CheckOnly) AssembleLinkedText(std::move(linked), found.parent_path());
 }
 
 void TCompiler::AssembleLinkedText(std::string text, const std::filesystem::path& unitFolder) {

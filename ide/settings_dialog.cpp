@@ -4,6 +4,7 @@
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
 #include "ide/iff_decode.h"
+#include "iff/decoder_settings.h"
 #include "platform/executable_path.h"
 #include "platform/named_folders.h"
 #include "platform/numbers.h"
@@ -183,6 +184,8 @@ QWidget* TfrmSettings::CreateDecoderTab() {
     cklbSpecialDecoders->setObjectName(QStringLiteral("cklbSpecialDecoders"));
     groupLayout->addWidget(cklbSpecialDecoders);
     layout->addWidget(group);
+    cbDisassemble = NamedCheckBox("cbDisassemble", "Show script functions as listings", tab);
+    layout->addWidget(cbDisassemble);
     cbSeparateThread = NamedCheckBox("cbSeparateThread", "Decode in separate thread", tab);
     cbSeparateProcess = NamedCheckBox("cbSeparateProcess", "Decode in separate process", tab);
     layout->addWidget(cbSeparateThread);
@@ -226,6 +229,7 @@ void TfrmSettings::ReadSettings() {
         item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
         item->setCheckState(ini.ReadInteger("iffd", decoder.Name, -1) != 0 ? Qt::Checked : Qt::Unchecked);
     }
+    cbDisassemble->setChecked(ini.ReadBool("iffd", kDisassembleKey, true));
     cbSeparateThread->setChecked(ini.ReadBool("iffd", "UseSeparateThread", false));
     cbSeparateProcess->setChecked(false);
     cbSeparateThread->setEnabled(!cbSeparateProcess->isChecked());
@@ -255,6 +259,7 @@ void TfrmSettings::WriteSettings() {
         ini.WriteInteger("iffd", FromQ(item->text()), enabled ? 1 : 0);
         EnableSpecialDecoder(FromQ(item->text()), enabled);
     }
+    ini.WriteBool("iffd", kDisassembleKey, cbDisassemble->isChecked());
     ini.WriteBool("iffd", "UseSeparateThread", cbSeparateThread->isChecked());
     ini.WriteBool("iffd", "UseSeparateProcess", cbSeparateProcess->isChecked());
 

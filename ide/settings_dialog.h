@@ -35,6 +35,7 @@ public:
     QListWidget* cklbSpecialDecoders;
     QCheckBox* cbSeparateThread;
     QCheckBox* cbSeparateProcess;
+    QCheckBox* cbDisassemble;
     QTabWidget* Pages;
 
 private:

@@ -3,13 +3,17 @@
 #include "iff/iff_compiler.h"
 #include "iff/iff_reader.h"
 #include "iff/iff_text_writer.h"
+#include "iff/name_comments.h"
 #include "iff/record_decoder.h"
 #include "iff/value_lines.h"
+#include "iff/wcp_disassembler.h"
 #include "platform/byte_order.h"
 #include "platform/numbers.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
 #include "platform/text_file.h"
+
+#include <optional>
 
 namespace velkor {
 
@@ -244,11 +248,16 @@ private:
         if (IsWritableId(id))
             text_.Open("CHUNK \"" + std::string(id) + "\"");
         else
-            text_.Open("CHUNK $" + IntToHex(IdValue(id), 8));
+            text_.Open("CHUNK $" + IntToHex(IdValue(id), 8) + IdName(id));
         const auto data = bytes_.subspan(static_cast<std::size_t>(pos_) + 8, static_cast<std::size_t>(size));
         const std::string_view indent = text_.Indent();
-        if (size > limit_) {
+        if (options_.disassemble && IsFunctionChunk(id) && StartsWithFunctionRecord(data)) {
+            WriteFunctionRecords(result_.text, indent, data, Names(), [this] { Flush(false); });
+        } else if (size > limit_) {
             SideFileLines(id, pos_, data);
+        } else if (const NamedWordsChunk kind = NamedWordsChunkOf(id, frames_.back().type);
+                   options_.disassemble && kind != NamedWordsChunk::None) {
+            WriteNamedWords(result_.text, indent, data, kind, Names());
         } else if (const RecordLayout* layout = FindSpecialDecoder(Place(id))) {
             if (!WriteRecords(result_.text, indent, data, *layout, options_.exactFloats))
                 result_.lossless = false;
@@ -261,6 +270,29 @@ private:
             }
         }
         text_.Close();
+    }
+
+    // " // <name>" for the id of an object property whose name the system knows, else nothing.
+    std::string IdName(std::string_view id) const {
+        if (!options_.disassemble || !options_.names || frames_.back().type != "PROP") return {};
+        const std::string* name = options_.names->ById(IdValue(id));
+        return name ? " // " + *name : std::string();
+    }
+
+    // The chunk where mission, series and sector forms keep the records of their script functions.
+    bool IsFunctionChunk(std::string_view id) const {
+        if (id != "FUNC") return false;
+        const std::string_view parent = frames_.back().type;
+        return parent == "MISN" || parent == "SERS" || parent == "MED_";
+    }
+
+    // The names for the function records, with the names this file records, gathered at the first use.
+    WcpNames& Names() {
+        if (!names_) {
+            AddNamesOfFile(fileNames_, bytes_);
+            names_.emplace(options_.names.get(), &fileNames_);
+        }
+        return *names_;
     }
 
     ChunkPlace Place(std::string_view id) const {
@@ -311,6 +343,8 @@ private:
     std::size_t oddForms_ = 0;            // forms with an odd size field
     DecodedIff result_;                   // what is written
     IffTextWriter text_;                  // writes the lines into result_.text
+    KnownNames fileNames_;                // names recorded in the input itself
+    std::optional<WcpNames> names_;       // for function records; made at the first one
 };
 
 } // namespace

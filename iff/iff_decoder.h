@@ -3,12 +3,14 @@
 // values; a chunk larger than the decode limit goes to a side file that a `file` value reads back.
 #pragma once
 
+#include "iff/hash_names.h"
 #include "iff/iff_reader_errors.h"
 #include "iff/special_decoders.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -20,6 +22,10 @@ class TIffReader;
 
 struct DecodeOptions {
     bool exactFloats = false; // floats in the shortest text that reads back exactly, not in "0.0#"
+    // Function records as WCP_ASM listings, whatever their size, and names beside the ids that stand for
+    // names; off, they are byte rows (or side files) like any other chunk.
+    bool disassemble = true;
+    std::shared_ptr<const KnownNames> names; // names the system knows (game functions, object properties)
 };
 
 // A file the decoded text reads with `file "<name>"`, to be written beside the text.

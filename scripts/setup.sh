@@ -22,7 +22,11 @@ packages=(
     clang libclang-rt-14-dev                 # libFuzzer and sanitizer builds
     libbenchmark-dev xxd time                # benchmarks (time: peak memory in scripts/bench.py)
     python3                                  # tests that parse the SVG maps as XML
+    nlohmann-json3-dev                       # the language server's JSON
+    neovim                                   # the language server under Neovim's own client
 )
+# Node for the editor integrations' tests; a Node installed some other way (nodesource, nvm) is kept.
+if ! command -v node >/dev/null || ! command -v npm >/dev/null; then packages+=(nodejs npm); fi
 if ((bench)); then packages+=(fp-compiler); fi
 missing=()
 for p in "${packages[@]}"; do
@@ -35,6 +39,14 @@ if ((${#missing[@]})); then
     $sudo apt-get update
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y --no-install-recommends "${missing[@]}"
 fi
+
+# The npm packages the tests of the editor integrations use, exactly as the lock files name them.
+for folder in tests/lsp editors/vscode; do
+    if [ -f "$folder/package-lock.json" ] && { [ ! -d "$folder/node_modules" ] ||
+        [ "$folder/package-lock.json" -nt "$folder/node_modules/.package-lock.json" ]; }; then
+        (cd "$folder" && npm ci --no-audit --no-fund)
+    fi
+done
 
 if ((build)); then
     cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo

@@ -261,3 +261,40 @@ TEST(VelkorcDecode, ManyFilesAtOnceGiveWhatOneAtATimeGives) {
 
 } // namespace
 } // namespace velkor::test
+
+namespace velkor::test {
+namespace {
+
+// The campaign's missions and series: their functions as listings with the library's names, or with
+// --no-disassemble as a side file of bytes; either text assembles to the same bytes.
+TEST(VelkorcDecode, FunctionsAsListingsOrAsBytes) {
+    const std::filesystem::path golden = std::filesystem::path(VELKOR_SOURCE_DIR) / "tests/golden/campaign";
+    for (const char* name : {"patrol.mis", "escort.mis", "frontier.srs"}) {
+        SCOPED_TRACE(name);
+        TempDir dir;
+        const std::string original = ReadFile(golden / name);
+        WriteFile(dir / name, original);
+        for (const bool listing : {true, false}) {
+            std::vector<std::string> args{"decode", "-o", "out/text.pas", name};
+            if (!listing) args.insert(args.begin() + 1, "--no-disassemble");
+            std::filesystem::create_directories(dir / "out");
+            const ToolResult r = RunVelkorc(args, dir.path());
+            ASSERT_EQ(r.exitCode, 0) << r.err;
+            const std::string text = ReadFile(dir / "out" / "text.pas");
+            EXPECT_EQ(text.find("WCP_ASM") != std::string::npos, listing);
+            EXPECT_EQ(text.find("\r\n        func ") != std::string::npos, listing);
+            EXPECT_EQ(text.find("CHUNK $164A8982 // OBJ_PROP_PROG_MAIN\r\n") != std::string::npos, listing);
+            EXPECT_EQ(text.find("//function record"), std::string::npos);
+            const ToolResult back = RunVelkorc({"asm", "--out-dir", "again", "out/text.pas"}, dir.path());
+            ASSERT_EQ(back.exitCode, 0) << back.err;
+            EXPECT_EQ(ReadFile(dir / "again" / name), original);
+            std::filesystem::remove_all(dir / "out");
+            std::filesystem::remove_all(dir / "again");
+        }
+    }
+    const ToolResult help = RunVelkorc({"decode", "--help"}, std::filesystem::current_path());
+    EXPECT_NE(help.out.find("--no-disassemble writes them as byte rows"), std::string::npos) << help.out;
+}
+
+} // namespace
+} // namespace velkor::test

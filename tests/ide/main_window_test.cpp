@@ -153,6 +153,24 @@ TEST_F(MainWindowTest, OpeningABinaryFileShowsItsDecodedText) {
     EXPECT_TRUE(window.ActivePage()->Modified());
 }
 
+TEST_F(MainWindowTest, AMissionOpensWithItsScriptFunctionsAsListingsUnlessTheSettingsSayBytes) {
+    const std::string mission = MakeFile("Patrol.mis", ReadFile(std::filesystem::path(VELKOR_SOURCE_DIR) /
+                                                                "tests/golden/campaign/patrol.mis"));
+    {
+        TfrmMain window({QString::fromStdString(mission)});
+        ASSERT_EQ(window.Pages().size(), 1);
+        const QString text = window.ActivePage()->Text();
+        EXPECT_TRUE(text.contains(QStringLiteral("      WCP_ASM\r\n      {\r\n        func ")));
+        EXPECT_TRUE(text.contains(QStringLiteral("          movv v15 v8;\r\n")));
+        EXPECT_TRUE(text.contains(QStringLiteral("CHUNK $56A0F92F // OBJ_PROP_TYPE\r\n")));
+    }
+    TIniFile(IniPath()).WriteBool("iffd", "disassemble", false);
+    TfrmMain window({QString::fromStdString(mission)});
+    ASSERT_EQ(window.Pages().size(), 1);
+    EXPECT_FALSE(window.ActivePage()->Text().contains(QStringLiteral("WCP_ASM")));
+    EXPECT_FALSE(window.ActivePage()->Text().contains(QStringLiteral("OBJ_PROP_TYPE")));
+}
+
 // A truncated file opens as far as its items go; the output view says that the text is not exact, inline
 // and from a decode thread alike.
 TEST_F(MainWindowTest, ATruncatedFileOpensAndTheOutputSaysSo) {
