@@ -2,7 +2,7 @@
 #include "cli/cli.h"
 #include "cli/output_files.h"
 #include "iff/iff_compiler.h"
-#include "platform/exception.h"
+#include "platform/path_resolver.h"
 #include "scanner/scanner.h"
 
 namespace velkor::cli {
@@ -17,15 +17,11 @@ int RunAsm(const Options& options) {
         return kExitUsage;
     }
 
+    const std::filesystem::path text = FindExisting(options.files.front()).value_or(options.files.front());
     assembler.OnMessage = [&](int level, const std::string& line) {
         if (level <= options.verbosity) PrintMessage(line);
     };
-    try {
-        return AssembleFiles(assembler, options);
-    } catch (const EInOutError& e) {
-        PrintMessage(e.what());
-        return kExitUsage;
-    }
+    return AssembleFiles(assembler, options, MakeOutputPolicy(options, text));
 }
 
 } // namespace velkor::cli

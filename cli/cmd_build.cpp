@@ -37,7 +37,7 @@ int RunBuild(const Options& options) {
     };
     assembler.TakeInputText(std::move(*linked), run.folder);
     try {
-        return AssembleFiles(assembler, options);
+        return AssembleFiles(assembler, options, run.policy);
     } catch (const Exception& e) {
         PrintMessage(e.what());
         return kExitReported;

@@ -59,6 +59,8 @@ std::string TCompiler::Version() {
 }
 
 void TCompiler::SetSource(std::string text) {
+    // Editors on Windows start UTF-8 files with a byte-order mark; it is no part of the unit.
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
     scanner_->LineMarkers = LineMarkers;
     data_->Source = text;
     scanner_->SetText(std::move(text));

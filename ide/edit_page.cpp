@@ -22,6 +22,7 @@
 #include <QMenu>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace velkor {
@@ -80,9 +81,9 @@ TCompileSettings ReadCompileSettings() {
     TCompileSettings settings;
     settings.Optimize = ini.ReadBool("compiler", "optimization", false);
     settings.HaltOnError = ini.ReadBool("compiler", "haltonerror", true);
-    const std::int32_t verbosity = ini.ReadInteger("compiler", "verbosity", 1);
-    if (verbosity < 0 || verbosity > 255) throw ERangeError();
-    settings.Verbosity = static_cast<std::uint8_t>(verbosity);
+    // A hand-edited value out of range is taken as the nearest one, not refused at every compile.
+    settings.Verbosity =
+        static_cast<std::uint8_t>(std::clamp(ini.ReadInteger("compiler", "verbosity", 1), 0, 255));
     return settings;
 }
 
@@ -283,7 +284,11 @@ bool TfrmEdit::Compile() {
 
     TCompiler compiler;
     compiler.OnOutput = [this](const std::string& line) { host_.Output(line); };
-    compiler.PlaceOutputFile = [](const std::string& name) { return PlaceBuiltFile(name); };
+    compiler.PlaceOutputFile = [policy = IdeOutputPolicy(fileName_)](const std::string& name) {
+        std::filesystem::path path = PlaceBuiltFile(name);
+        policy.Check(path);
+        return path;
+    };
     try {
         compiler.SetSource(NormaliseLineBreaks(FromQ(memo_->Text())));
         const TCompileSettings settings = ReadCompileSettings();

@@ -18,6 +18,17 @@ std::filesystem::path PlaceBuiltFile(const std::string& name) {
     return ResolvePath(name);
 }
 
+OutputPolicy IdeOutputPolicy(const std::filesystem::path& source) {
+    OutputPolicy policy;
+    policy.AllowFolder(ExecutableFolder());
+    if (!source.empty()) policy.AllowFolder(std::filesystem::absolute(source).parent_path());
+    policy.AllowNamedFolders();
+    policy.AllowAnywhere(IdeIni().ReadBool("compiler", kAllowOutputAnywhereKey, false));
+    policy.SetHowToAllow("check \"Allow output anywhere\" in the settings to allow it");
+    if (!source.empty()) policy.ProtectInput(source);
+    return policy;
+}
+
 void BuildIffFromView(TPageHost& host, const std::filesystem::path& baseFolder) {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     try {
@@ -25,12 +36,18 @@ void BuildIffFromView(TPageHost& host, const std::filesystem::path& baseFolder) 
         KeepLinkedText(source);
         // The file is kept for the user to look at; the assembler takes the text from memory, so that another
         // build writing the same file meanwhile cannot change what this one assembles.
+        OutputPolicy policy = IdeOutputPolicy({});
+        if (!baseFolder.empty()) policy.AllowFolder(baseFolder);
         TIffCompiler assembler;
         assembler.TakeInputText(std::move(source),
                                 baseFolder.empty() ? LinkedTextFile().parent_path() : baseFolder);
         assembler.OnMessage = [&host](int, const std::string& line) { host.Output(line); };
         BuildOutputs outputs;
-        outputs.Place = PlaceBuiltFile;
+        outputs.Place = [&policy](const std::string& name) {
+            std::filesystem::path target = PlaceBuiltFile(name);
+            policy.Check(target);
+            return target;
+        };
         outputs.Report = [&host](const std::string&, const std::filesystem::path& path, std::size_t size) {
             host.Output("******* " + path.string() + " (" + FormatFloat("#,##0", static_cast<double>(size)) +
                         " bytes) *******");

@@ -1,8 +1,8 @@
 #include "iff/build_chain.h"
 
 #include "iff/iff_compiler.h"
+#include "platform/atomic_file_writer.h"
 #include "platform/exception.h"
-#include "platform/text_file.h"
 
 namespace velkor {
 

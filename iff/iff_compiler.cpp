@@ -101,7 +101,7 @@ void TIffCompiler::Run() {
 }
 
 void TIffCompiler::OutputBlock() {
-    outputName_ = tokens_.ReadName("<filename>");
+    outputName_ = WithoutLineMarkers(tokens_.ReadName("<filename>"));
     writer_ = std::make_unique<TIffWriter>("_velkor.iff", TIffWriter::InMemory);
     // What a block assembles is usually smaller than the text that is left; room that stays unwritten
     // costs address space only. The cap keeps a huge text from asking for that much at once.

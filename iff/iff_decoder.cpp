@@ -9,10 +9,12 @@
 #include "iff/wcp_disassembler.h"
 #include "platform/byte_order.h"
 #include "platform/numbers.h"
+#include "platform/output_policy.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
 #include "platform/text_file.h"
 
+#include <memory>
 #include <optional>
 
 namespace velkor {
@@ -93,7 +95,11 @@ public:
         const std::int64_t rootEnd = std::max<std::int64_t>(std::min(end, DataEnd()), 12);
         if (end < 12) result_.lossless = false;
         CheckInsideRoot(reader_.Root(), rootEnd);
-        if (!IsWritableId(type)) result_.lossless = false;
+        if (!IsWritableId(type)) {
+            result_.lossless = false;
+            result_.notes.push_back("the form type cannot be written as it is and becomes \"" +
+                                    QuotableId(type) + "\": the decode is not exact");
+        }
 
         text_.Open("IFF \"" + name_ + "\"");
         OpenForm(IsWritableId(type) ? std::string(type) : QuotableId(type), rootEnd, truncated);
@@ -124,7 +130,12 @@ private:
             Items();
             at += 8 + size;
         }
-        if (at < total) result_.lossless = false;
+        if (at < total) {
+            result_.lossless = false;
+            result_.notes.push_back(std::to_string(total - at) + " bytes at offset " +
+                                    IntToHex(static_cast<std::uint32_t>(at), 8) +
+                                    " lie behind the last form and are left out: the decode is not exact");
+        }
     }
 
     struct Frame {
@@ -363,12 +374,26 @@ DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileN
 
 std::vector<std::string> Decode(const std::filesystem::path& input, const std::filesystem::path& output,
                                 std::int64_t limit, const DecodeOptions& options) {
+    OutputPolicy policy;
+    policy.ProtectInput(input);
+    policy.CheckNotInput(output);
     const TIffReader reader = TIffReader::FromFile(input);
     AtomicFileWriter text(output);
     const DecodedIff decoded = DecodeReader(reader, input.string(), limit, options,
                                             [&](std::string_view piece) { text.Write(piece); });
+    // Every file is on the disk before the first replaces its target: a full disk leaves the old ones.
     const std::filesystem::path folder = output.parent_path();
-    for (const SideFile& side : decoded.sideFiles) WriteFileAtomic(folder / side.name, side.data);
+    std::vector<std::unique_ptr<AtomicFileWriter>> sides;
+    sides.reserve(decoded.sideFiles.size());
+    for (const SideFile& side : decoded.sideFiles) {
+        const std::filesystem::path path = folder / side.name;
+        policy.CheckNotInput(path);
+        sides.push_back(std::make_unique<AtomicFileWriter>(path));
+        sides.back()->Write(side.data);
+        sides.back()->Close();
+    }
+    text.Close();
+    for (const auto& side : sides) side->Commit();
     text.Commit();
     return decoded.notes;
 }

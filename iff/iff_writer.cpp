@@ -1,6 +1,7 @@
 #include "iff/iff_writer.h"
 
 #include "iff/checksum.h"
+#include "platform/atomic_file_writer.h"
 #include "platform/byte_order.h"
 #include "platform/strings.h"
 
@@ -119,10 +120,7 @@ std::uint64_t TIffWriter::CloseForm() {
 
 void TIffWriter::Save() {
     if (mode_ != InMemory) return;
-    auto* memory = static_cast<MemoryStream*>(stream_.get());
-    FileStream file(fileName_);
-    file.Write(memory->Bytes());
-    file.Close();
+    WriteFileAtomic(fileName_, static_cast<MemoryStream*>(stream_.get())->Bytes());
 }
 
 void TIffWriter::Close() {
