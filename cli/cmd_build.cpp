@@ -4,7 +4,7 @@
 #include "cli/unit_compiler.h"
 #include "compiler/compiler.h"
 #include "iff/iff_compiler.h"
-#include "platform/text_file.h"
+#include "platform/exception.h"
 
 #include <iostream>
 
@@ -35,26 +35,13 @@ int RunBuild(const Options& options) {
     assembler.OnMessage = [&](int level, const std::string& line) {
         if (level <= options.verbosity) PrintMessage(line);
     };
-    // A file that cannot be written ends the run: the ones after it are not written either.
-    assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& fileName) {
-        const std::filesystem::path path = PlaceOutputFile(fileName, options.outDir);
-        run.policy.Check(path);
-        WriteFileAtomic(path, bytes);
-        std::cout << WrittenFileLine(path, bytes.size()) << std::endl;
-    };
     assembler.TakeInputText(std::move(*linked), run.folder);
     try {
-        assembler.Compile();
-    } catch (const EIffCompiler&) {
-        return kExitReported;
-    } catch (const EInOutError& e) {
-        PrintMessage(e.what());
-        return kExitUsage;
+        return AssembleFiles(assembler, options, run.policy);
     } catch (const Exception& e) {
         PrintMessage(e.what());
         return kExitReported;
     }
-    return kExitOk;
 }
 
 } // namespace velkor::cli

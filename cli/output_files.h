@@ -8,6 +8,10 @@
 #include <string>
 #include <string_view>
 
+namespace velkor {
+class TIffCompiler;
+}
+
 namespace velkor::cli {
 
 // A name without a folder goes into outDir (the current folder when empty; created when missing); a name
@@ -21,5 +25,12 @@ OutputPolicy MakeOutputPolicy(const Options& options, const std::filesystem::pat
 
 // The line velkorc prints for a written file: "** <path> ** (<size> bytes)", the size as "#,##0".
 std::string WrittenFileLine(const std::filesystem::path& path, std::size_t size);
+
+// Runs the assembler, which has its input and message sink, writing each file it finishes where
+// PlaceOutputFile puts it and `policy` allows (so the files before an error are kept) and printing its
+// WrittenFileLine to stdout. A file that cannot be written ends the run: the ones after it are not written
+// either. Returns the exit status: kExitUsage after a failed write, kExitReported after an assembler error,
+// else kExitOk.
+int AssembleFiles(TIffCompiler& assembler, const Options& options, const OutputPolicy& policy);
 
 } // namespace velkor::cli

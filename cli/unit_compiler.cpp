@@ -2,10 +2,10 @@
 
 #include "cli/output_files.h"
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "platform/exception.h"
 #include "platform/path_resolver.h"
 #include "platform/text_file.h"
+#include "scanner/scanner.h"
 
 namespace velkor::cli {
 

@@ -1,6 +1,6 @@
 #include "editor/highlighter.h"
 
-#include "compiler/scanner.h"
+#include "scanner/scanner.h"
 
 #include <Qsci/qsciscintilla.h>
 

@@ -1,14 +1,13 @@
 #include "ide/iff_build.h"
 
-#include "compiler/compiler.h"
 #include "ide/ide_ini.h"
 #include "ide/iff_view.h"
 #include "ide/page_host.h"
+#include "iff/build_chain.h"
 #include "iff/iff_compiler.h"
 #include "platform/executable_path.h"
 #include "platform/numbers.h"
 #include "platform/path_resolver.h"
-#include "platform/text_file.h"
 
 #include <QApplication>
 
@@ -33,26 +32,28 @@ OutputPolicy IdeOutputPolicy(const std::filesystem::path& source) {
 void BuildIffFromView(TPageHost& host, const std::filesystem::path& baseFolder) {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     try {
-        const std::filesystem::path text = LinkedTextFile();
-        const std::string source = FromQ(host.IffView().Text());
-        WriteFileAtomic(text, source);
+        std::string source = FromQ(host.IffView().Text());
+        KeepLinkedText(source);
         // The file is kept for the user to look at; the assembler takes the text from memory, so that another
         // build writing the same file meanwhile cannot change what this one assembles.
         OutputPolicy policy = IdeOutputPolicy({});
         if (!baseFolder.empty()) policy.AllowFolder(baseFolder);
         TIffCompiler assembler;
-        assembler.SetInputText(source, baseFolder.empty() ? text.parent_path() : baseFolder);
+        assembler.TakeInputText(std::move(source),
+                                baseFolder.empty() ? LinkedTextFile().parent_path() : baseFolder);
         assembler.OnMessage = [&host](int, const std::string& line) { host.Output(line); };
-        assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& name) {
-            const std::filesystem::path target = PlaceBuiltFile(name);
+        BuildOutputs outputs;
+        outputs.Place = [&policy](const std::string& name) {
+            std::filesystem::path target = PlaceBuiltFile(name);
             policy.Check(target);
-            WriteFileAtomic(target, bytes);
-            host.Output("******* " + target.string() + " (" +
-                        FormatFloat("#,##0", static_cast<double>(bytes.size())) + " bytes) *******");
+            return target;
         };
-        assembler.Compile();
-    } catch (const EIffCompiler&) {
-        // Reported through the message callback already.
+        outputs.Report = [&host](const std::string&, const std::filesystem::path& path, std::size_t size) {
+            host.Output("******* " + path.string() + " (" + FormatFloat("#,##0", static_cast<double>(size)) +
+                        " bytes) *******");
+        };
+        // Without a Failed handler a file that cannot be written ends the build; its message is shown below.
+        AssembleToFiles(assembler, outputs); // an assembler error is in the output list already
     } catch (const std::exception& e) {
         host.Output(e.what());
     }

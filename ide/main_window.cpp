@@ -1,6 +1,5 @@
 #include "ide/main_window.h"
 
-#include "compiler/scanner.h"
 #include "ide/edit_page.h"
 #include "ide/ext_handler.h"
 #include "ide/help_view.h"
@@ -14,7 +13,9 @@
 #include "ide/settings_dialog.h"
 #include "ide/window_placement.h"
 #include "platform/executable_path.h"
+#include "platform/path_resolver.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <QAction>
 #include <QApplication>
@@ -42,11 +43,6 @@ bool StartsWithForm(const std::string& name) {
     char head[4] = {};
     if (!file.read(head, 4)) return false; // shorter than 4 bytes: text
     return std::string_view(head, 4) == "FORM";
-}
-
-bool IsRegularFile(const std::string& name) {
-    std::error_code ec;
-    return std::filesystem::is_regular_file(name, ec);
 }
 
 // The mouse hint over an editor would otherwise pop up while the user merely moves across the text;

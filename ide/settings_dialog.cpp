@@ -1,6 +1,5 @@
 #include "ide/settings_dialog.h"
 
-#include "compiler/scanner.h"
 #include "ide/ext_handler.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
@@ -11,6 +10,7 @@
 #include "platform/named_folders.h"
 #include "platform/numbers.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

@@ -1,6 +1,6 @@
 #include "iff/hash_names.h"
 
-#include "compiler/scanner.h"
+#include "scanner/scanner.h"
 #include "iff/checksum.h"
 #include "iff/value_lines.h"
 #include "iff/wcp_opcodes.h"

@@ -5,7 +5,7 @@
 #include "lsp/language_server.h"
 #include "lsp/source_words.h"
 
-#include "compiler/scanner.h"
+#include "scanner/scanner.h"
 #include "compiler/symbol_queries.h"
 #include "platform/strings.h"
 

@@ -1,5 +1,4 @@
 // The main window: start-up, the open procedure, decoding on open, pages, the timer and closing.
-#include "compiler/scanner.h"
 #include "ide/edit_page.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
@@ -7,6 +6,7 @@
 #include "ide/output_view.h"
 #include "ide/reg_mru.h"
 #include "platform/ini_file.h"
+#include "scanner/scanner.h"
 #include "tests/ide/ide_test_support.h"
 
 #include <QAction>

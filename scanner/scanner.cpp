@@ -1,4 +1,4 @@
-#include "compiler/scanner.h"
+#include "scanner/scanner.h"
 
 #include "platform/strings.h"
 #include "platform/text_file.h"
