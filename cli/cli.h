@@ -24,6 +24,7 @@ struct Options {
     std::string outDir;                   // --out-dir; empty means the current folder
     int maxDecodeSize = 1024;             // --max-decode-size
     std::string output;                   // -o
+    bool allowOutputAnywhere = false;     // --allow-output-anywhere: lift the confinement of output files
     std::string mapView = "both";         // --view (map only): top, side or both
     bool dark = false;                    // --dark (map only): the dark colours
     std::vector<std::string> files;       // the command's operands

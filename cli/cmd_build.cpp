@@ -4,7 +4,7 @@
 #include "cli/unit_compiler.h"
 #include "compiler/compiler.h"
 #include "iff/iff_compiler.h"
-#include "platform/text_file.h"
+#include "platform/exception.h"
 
 #include <iostream>
 
@@ -31,31 +31,17 @@ int RunBuild(const Options& options) {
     // assembler needs its own.
     run.compiler.reset();
 
-    bool writeFailed = false;
     TIffCompiler assembler;
     assembler.OnMessage = [&](int level, const std::string& line) {
         if (level <= options.verbosity) PrintMessage(line);
     };
-    assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& fileName) {
-        try {
-            const std::filesystem::path path = PlaceOutputFile(fileName, options.outDir);
-            WriteFileAtomic(path, bytes);
-            std::cout << WrittenFileLine(path, bytes.size()) << std::endl;
-        } catch (const EInOutError& e) {
-            PrintMessage(e.what());
-            writeFailed = true;
-        }
-    };
     assembler.TakeInputText(std::move(*linked), run.folder);
     try {
-        assembler.Compile();
-    } catch (const EIffCompiler&) {
-        return writeFailed ? kExitUsage : kExitReported;
+        return AssembleFiles(assembler, options, run.policy);
     } catch (const Exception& e) {
         PrintMessage(e.what());
         return kExitReported;
     }
-    return writeFailed ? kExitUsage : kExitOk;
 }
 
 } // namespace velkor::cli

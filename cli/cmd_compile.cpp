@@ -12,6 +12,7 @@ int RunCompile(const Options& options) {
     UnitCompiler run;
     try {
         run = PrepareUnitCompiler(options, false);
+        if (!options.output.empty()) run.policy.CheckNotInput(options.output);
     } catch (const EInOutError& e) {
         PrintMessage(e.what());
         return kExitUsage;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "cli/cli.h"
+#include "platform/output_policy.h"
 
 #include <filesystem>
 #include <memory>
@@ -17,10 +18,12 @@ namespace velkor::cli {
 struct UnitCompiler {
     std::unique_ptr<TCompiler> compiler; // ready for Compile
     std::filesystem::path folder;        // the unit's own folder, as found on disk
+    OutputPolicy policy;                 // where the unit's binary files (and those of #FILE units) may go
 };
 
 // Loads the unit and prepares a compiler for it: options applied, messages to stderr, the search path
-// (the unit's own folder, each -I, then "$compiler$\lib") and #FILE outputs placed as `asm` places files.
+// (the unit's own folder, each -I, then "$compiler$\lib") and #FILE outputs placed as `asm` places files
+// and refused where `asm` refuses them.
 // Throws EInOutError when the unit cannot be read.
 UnitCompiler PrepareUnitCompiler(const Options& options, bool symbolsOnly);
 

@@ -1,6 +1,8 @@
 // Build Iff: the IFF view's text assembled into the binary files it names.
 #pragma once
 
+#include "platform/output_policy.h"
+
 #include <filesystem>
 #include <string>
 
@@ -27,5 +29,13 @@ std::filesystem::path OutputFolderFor(const std::filesystem::path& unitFolder);
 // Where an assembled file goes: a name without a folder into `outputFolder`, a path as the resolver
 // finds it.
 std::filesystem::path PlaceBuiltFile(const std::string& name, const std::filesystem::path& outputFolder);
+
+// The settings key that lets a page's text write its files anywhere ("compiler"/"allow_output_anywhere",
+// off by default).
+inline constexpr const char* kAllowOutputAnywhereKey = "allow_output_anywhere";
+
+// Where the files that a page's text names may go: below the page's folder, the executable's folder and
+// the named folders, unless the settings allow output anywhere; never over `source`, the page's own file.
+OutputPolicy IdeOutputPolicy(const std::filesystem::path& source);
 
 } // namespace velkor

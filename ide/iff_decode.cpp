@@ -81,7 +81,7 @@ void TIffDThread::run() {
     try {
         for (const std::string& note : DecodeIffFile(fileName_, textFile, limit_)) notes << ToQ(note);
     } catch (const std::exception& e) {
-        error = ToQ(e.what());
+        error = ToQ(fileName_ + ": " + e.what());
     }
     emit Decoded(ToQ(textFile), error, notes);
 }

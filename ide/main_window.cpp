@@ -1,6 +1,5 @@
 #include "ide/main_window.h"
 
-#include "compiler/scanner.h"
 #include "ide/background_job.h"
 #include "ide/edit_page.h"
 #include "ide/ext_handler.h"
@@ -15,7 +14,9 @@
 #include "ide/settings_dialog.h"
 #include "ide/window_placement.h"
 #include "platform/executable_path.h"
+#include "platform/path_resolver.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <QAction>
 #include <QApplication>
@@ -259,35 +260,38 @@ TfrmEdit* TfrmMain::OpenFile(const std::string& name, bool addToRecent) {
 }
 
 TfrmEdit* TfrmMain::DecodeFile(const std::string& name) {
+    const std::string textFile = name + ".pas";
+    std::error_code ec;
+    const bool existed = std::filesystem::exists(textFile, ec);
     if (IdeIni().ReadBool("iffd", "UseSeparateThread", false)) {
         auto* thread = new TIffDThread(name, maxDecodeSize_);
         // Blocking: the decode thread waits while the interface thread opens the page.
         connect(
             thread, &TIffDThread::Decoded, this,
-            [this, name](const QString& textFile, const QString& error, const QStringList& notes) {
+            [this, name, existed](const QString& decodedText, const QString& error,
+                                  const QStringList& notes) {
                 for (const QString& note : notes) Output(name + ": " + FromQ(note));
-                OpenDecodedText(FromQ(textFile), error);
+                OpenDecodedText(FromQ(decodedText), error, existed);
             },
             Qt::BlockingQueuedConnection);
         thread->start(QThread::LowPriority);
         return nullptr;
     }
-    const std::string textFile = name + ".pas";
     QString error;
     try {
         for (const std::string& note : DecodeIffFile(name, textFile, maxDecodeSize_))
             Output(name + ": " + note);
     } catch (const std::exception& e) {
-        error = ToQ(e.what());
+        error = ToQ(name + ": " + e.what());
     }
-    OpenDecodedText(textFile, error);
+    OpenDecodedText(textFile, error, existed);
     return error.isEmpty() ? ActivePage() : nullptr;
 }
 
-void TfrmMain::OpenDecodedText(const std::string& textFile, const QString& error) {
+void TfrmMain::OpenDecodedText(const std::string& textFile, const QString& error, bool existed) {
     std::error_code ec;
     if (!error.isEmpty()) {
-        std::filesystem::remove(textFile, ec);
+        if (!existed) std::filesystem::remove(textFile, ec);
         DialogHooks().ShowMessage(this, error);
         return;
     }

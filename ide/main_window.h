@@ -155,7 +155,8 @@ private:
     void FirstShow();
     void AddPage(TfrmEdit& page);
     void RemovePage(TfrmEdit& page);
-    void OpenDecodedText(const std::string& textFile, const QString& error);
+    // `existed`: the text file stood there before the decode, so a failed decode must not remove it.
+    void OpenDecodedText(const std::string& textFile, const QString& error, bool existed);
     QList<TDockableView*> Views() const;
 
     TfrmHelp* help_;                    // the help view, owned as a child

@@ -1,15 +1,16 @@
 #include "ide/settings_dialog.h"
 
-#include "compiler/scanner.h"
 #include "ide/ext_handler.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
+#include "ide/iff_build.h"
 #include "ide/iff_decode.h"
 #include "iff/decoder_settings.h"
 #include "platform/executable_path.h"
 #include "platform/named_folders.h"
 #include "platform/numbers.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -134,7 +135,12 @@ QWidget* TfrmSettings::CreateCompilerTab() {
     cbFastScanner = NamedCheckBox("cbFastScanner", "Use Fast Scanner", tab);
     layout->addWidget(cbHaltOnError);
     layout->addWidget(cbOptimizer);
+    cbAllowOutputAnywhere = NamedCheckBox("cbAllowOutputAnywhere", "Allow output anywhere", tab);
+    cbAllowOutputAnywhere->setToolTip(QStringLiteral(
+        "Let a unit write its files outside its own folder, the program's folder and the named "
+        "folders"));
     layout->addWidget(cbFastScanner);
+    layout->addWidget(cbAllowOutputAnywhere);
     layout->addStretch();
     return tab;
 }
@@ -242,6 +248,7 @@ void TfrmSettings::ReadSettings() {
     cbHaltOnError->setChecked(ini.ReadBool("compiler", "haltonerror", true));
     cbOptimizer->setChecked(ini.ReadBool("compiler", "optimization", true));
     cbFastScanner->setChecked(ini.ReadBool("compiler", "fast_scanner", false));
+    cbAllowOutputAnywhere->setChecked(ini.ReadBool("compiler", kAllowOutputAnywhereKey, false));
 }
 
 void TfrmSettings::WriteSettings() {
@@ -278,6 +285,7 @@ void TfrmSettings::WriteSettings() {
     ini.WriteBool("compiler", "haltonerror", cbHaltOnError->isChecked());
     ini.WriteBool("compiler", "optimization", cbOptimizer->isChecked());
     ini.WriteBool("compiler", "fast_scanner", cbFastScanner->isChecked());
+    ini.WriteBool("compiler", kAllowOutputAnywhereKey, cbAllowOutputAnywhere->isChecked());
     SetScannerClass(cbFastScanner->isChecked() ? ScannerClass::Fast : ScannerClass::Standard);
     ini.UpdateFile();
 }

@@ -27,6 +27,7 @@ public:
     QCheckBox* cbHaltOnError;
     QCheckBox* cbOptimizer;
     QCheckBox* cbFastScanner;
+    QCheckBox* cbAllowOutputAnywhere; // lifts the confinement of the files a unit names
     QListWidget* clbPlugins;
     QCheckBox* cbDisableIntelligence;
     QCheckBox* cbAutosave;

@@ -1,6 +1,6 @@
 #include "iff/hash_names.h"
 
-#include "compiler/scanner.h"
+#include "scanner/scanner.h"
 #include "iff/checksum.h"
 #include "iff/value_lines.h"
 #include "iff/wcp_opcodes.h"
@@ -14,16 +14,7 @@ namespace velkor {
 
 namespace {
 
-constexpr std::array<std::uint32_t, 256> MakeCrcTable() {
-    std::array<std::uint32_t, 256> table{};
-    for (std::uint32_t i = 0; i < 256; ++i) {
-        std::uint32_t c = i;
-        for (int k = 0; k < 8; ++k) c = (c & 1) ? (0xEDB88320u ^ (c >> 1)) : (c >> 1);
-        table[i] = c;
-    }
-    return table;
-}
-constexpr auto kCrc = MakeCrcTable();
+constexpr const auto& kCrc = kNameHashTable;
 
 // The top bytes of the table's entries are all different, so the top byte of a checksum tells which entry
 // the last step added: that is what lets a step be taken back.

@@ -54,9 +54,10 @@ using TextSink = std::function<void(std::string_view piece)>;
 DecodedIff DecodeReader(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
                         const DecodeOptions& options = {}, const TextSink& sink = {});
 
-// Decodes the file `input` into the text file `output`, the side files beside it, and returns the notes
-// on why the text is not exact. Throws EIffReader for input that is not valid IFF and EInOutError when a
-// file cannot be read or written.
+// Decodes the file `input` into the text file `output`, the side files beside it: all of them or, when one
+// cannot be written, none (the files that stood there before stay as they were). An output that is the
+// input itself is refused. Returns the notes on why the text is not exact. Throws EIffReader for input that
+// is not valid IFF and EInOutError when a file cannot be read or written.
 std::vector<std::string> Decode(const std::filesystem::path& input, const std::filesystem::path& output,
                                 std::int64_t limit, const DecodeOptions& options = {});
 

@@ -1,6 +1,8 @@
 #include "iff/name_comments.h"
 
 #include "iff/value_lines.h"
+#include "platform/byte_order.h"
+#include "platform/numbers.h"
 
 #include <algorithm>
 
@@ -8,16 +10,11 @@ namespace velkor {
 
 namespace {
 
-std::uint32_t WordAt(std::span<const std::uint8_t> data, std::size_t at) {
-    return std::uint32_t{data[at]} | (std::uint32_t{data[at + 1]} << 8) |
-           (std::uint32_t{data[at + 2]} << 16) | (std::uint32_t{data[at + 3]} << 24);
-}
-
 void Word(std::string& out, std::string_view indent, std::span<const std::uint8_t> data, std::size_t at,
           bool hex, const WcpNames& names) {
-    const std::uint32_t word = WordAt(data, at);
+    const std::uint32_t word = ReadLittleEndian32(data, at);
     const std::string* name = hex ? names.Value(word) : nullptr;
-    if (word == kUnwritableInteger)
+    if (word == static_cast<std::uint32_t>(kNoValue))
         WriteByteRows(out, indent, data.subspan(at, 4), name ? std::string_view(*name) : std::string_view());
     else
         WriteLong(out, indent, static_cast<std::int32_t>(word), hex, name ? std::string_view(*name) : "");
@@ -42,7 +39,7 @@ void WriteNamedWords(std::string& out, std::string_view indent, std::span<const 
         break;
     case NamedWordsChunk::NameList: {
         if (words == 0) break;
-        const std::size_t count = std::min<std::size_t>(WordAt(data, 0), words - 1);
+        const std::size_t count = std::min<std::size_t>(ReadLittleEndian32(data, 0), words - 1);
         Word(out, indent, data, 0, false, names);
         at = 4;
         for (std::size_t i = 0; i < count; ++i, at += 4) Word(out, indent, data, at, true, names);

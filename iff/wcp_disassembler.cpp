@@ -1,6 +1,7 @@
 #include "iff/wcp_disassembler.h"
 
 #include "iff/value_lines.h"
+#include "platform/byte_order.h"
 #include "iff/wcp_opcodes.h"
 #include "platform/numbers.h"
 
@@ -17,11 +18,6 @@ namespace {
 
 // Listing lines stop moving right after this many nested blocks, as the decoder's own lines do.
 constexpr std::size_t kMaxIndentDepth = 32;
-
-std::uint32_t WordAt(std::span<const std::uint8_t> data, std::size_t at) {
-    return std::uint32_t{data[at]} | (std::uint32_t{data[at + 1]} << 8) |
-           (std::uint32_t{data[at + 2]} << 16) | (std::uint32_t{data[at + 3]} << 24);
-}
 
 // The mnemonic a listing shows for a built-in instruction word. Where several share a word, the first in
 // table order, unless another of the same operands extends its name ("op" is shown as "opc"). Looked up for
@@ -85,18 +81,18 @@ struct RecordHeader {
 
 std::optional<RecordHeader> ReadHeader(std::span<const std::uint8_t> data, std::size_t at) {
     const std::size_t left = data.size() - at;
-    if (left < 16 || WordAt(data, at + 4) != 0) return std::nullopt;
+    if (left < 16 || ReadLittleEndian32(data, at + 4) != 0) return std::nullopt;
     RecordHeader h;
-    h.name = WordAt(data, at);
-    h.count = WordAt(data, at + 8);
+    h.name = ReadLittleEndian32(data, at);
+    h.count = ReadLittleEndian32(data, at + 8);
     // A negative count is written without descriptors, the way the assembler reads one.
     const std::uint32_t descriptors = static_cast<std::int32_t>(h.count) > 0 ? h.count : 0;
-    if (h.count == kUnwritableInteger) return std::nullopt;
+    if (h.count == static_cast<std::uint32_t>(kNoValue)) return std::nullopt;
     std::size_t p = at + 12;
     if ((left - 16) / 4 < descriptors) return std::nullopt;
     for (std::uint32_t i = 0; i < descriptors; ++i, p += 4)
-        if (WordAt(data, p) != kWcpParameterWord) return std::nullopt;
-    const std::uint32_t size = WordAt(data, p);
+        if (ReadLittleEndian32(data, p) != kWcpParameterWord) return std::nullopt;
+    const std::uint32_t size = ReadLittleEndian32(data, p);
     p += 4;
     if (size % 4 != 0 || size > data.size() - p) return std::nullopt;
     h.bodyStart = p;
@@ -215,7 +211,7 @@ public:
         Line(0, "{");
         std::size_t depth = 0;
         for (std::size_t p = h.bodyStart; p < h.bodyEnd;) {
-            const std::uint32_t word = WordAt(data, p);
+            const std::uint32_t word = ReadLittleEndian32(data, p);
             p += 4;
             if (word == kWcpBlockBegin) {
                 Line(1 + depth, "{");
@@ -302,7 +298,7 @@ private:
             out_.Put8(kRegisterNames[word].data(), word < 10 ? 2 : 3);
         } else if (const std::string* name = Named(word)) {
             out_.Put(*name);
-        } else if (word == kUnwritableInteger) {
+        } else if (word == static_cast<std::uint32_t>(kNoValue)) {
             out_.Put(NameWithHash("n_", word));
         } else if (word < kLargeNumber) {
             Decimal(word);
@@ -316,7 +312,7 @@ private:
     void ConstantOperand(std::uint32_t word) {
         if (const std::string* name = Named(word)) {
             out_.Put(*name);
-        } else if (word == kUnwritableInteger) {
+        } else if (word == static_cast<std::uint32_t>(kNoValue)) {
             out_.Put(NameWithHash("n_", word));
         } else if (word >= kLargeNumber && 0u - word >= kLargeNumber) {
             Hex(word);
@@ -342,7 +338,7 @@ private:
         out_.Put8(shown.text.data(), m.name.size());
         const bool call = m.index == 4;
         for (std::size_t i = 0; i < m.operandCount; ++i) {
-            const std::uint32_t word = WordAt(data, p + 4 * i);
+            const std::uint32_t word = ReadLittleEndian32(data, p + 4 * i);
             out_.Put(' ');
             if (call && i == 0 && word >= 32)
                 out_.Put(names_.Function(word));
@@ -362,7 +358,7 @@ private:
         out_.Put(names_.GameFunction(word));
         for (std::size_t i = 0; i < count; ++i) {
             out_.Put(' ');
-            ValueOperand(WordAt(data, p + 4 * i));
+            ValueOperand(ReadLittleEndian32(data, p + 4 * i));
         }
         out_.Put(";\r\n");
     }

@@ -185,7 +185,7 @@ TEST(VelkorcDecode, FailuresAreReportedPerFileAndTheOthersStillDecode) {
         RunVelkorc({"decode", "missing.iff", "text.txt", "good.iff", "tiny.iff", "cut.iff"}, dir.path());
     EXPECT_EQ(r.exitCode, 2);
     EXPECT_EQ(r.out, "");
-    EXPECT_EQ(r.err, "velkorc: missing.iff: Cannot open file \"missing.iff\"\n"
+    EXPECT_EQ(r.err, "velkorc: missing.iff: Cannot open file \"missing.iff\": No such file or directory\n"
                      "velkorc: text.txt: TIffReader: text.txtnot a valid .iff file!\n"
                      "velkorc: tiny.iff: TIffReader: tiny.iffnot a valid .iff file!\n"
                      "velkorc: cut.iff: EIffReader_ErrorInChunk: Error in Chunk \"DATA\" at offset C\n");
@@ -257,6 +257,31 @@ TEST(VelkorcDecode, ManyFilesAtOnceGiveWhatOneAtATimeGives) {
         ++files;
     }
     EXPECT_GT(files, 2 * names.size()); // side files included
+}
+
+// A text that cannot give back the same bytes is said so on stderr, file by file; the decode succeeds.
+TEST(VelkorcDecode, LossyDecodesAreReported) {
+    TempDir dir;
+    struct Case {
+        std::string name;
+        std::string bytes;
+        std::string note; // empty for an exact decode
+    };
+    const std::vector<Case> cases = {
+        {"exact.iff", kSmall, ""},
+        {"tail.iff", kSmall + std::string(2, '\0'),
+         "2 bytes at offset 00000022 lie behind the last form and are left out: the decode is not exact"},
+        {"type.iff", Form(std::string("T\x01ST", 4), Chunk("DATA", "\x01")),
+         "the form type cannot be written as it is and becomes \"T_ST\": the decode is not exact"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        WriteFile(dir / c.name, c.bytes);
+        const ToolResult r = RunVelkorc({"decode", c.name}, dir.path());
+        EXPECT_EQ(r.exitCode, 0);
+        EXPECT_EQ(r.err, c.note.empty() ? "" : "velkorc: " + c.name + ": " + c.note + "\n");
+        EXPECT_TRUE(std::filesystem::exists(dir / (c.name + ".pas")));
+    }
 }
 
 } // namespace

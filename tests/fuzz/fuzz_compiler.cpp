@@ -4,10 +4,10 @@
 // unit assembles is written there, so the run touches nothing else. What a mission, series or sector
 // assembles to must decode with its functions as listings and assemble back to the same bytes.
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "iff/iff_decoder.h"
 #include "platform/named_folders.h"
 #include "platform/path_resolver.h"
+#include "scanner/scanner.h"
 #include "tests/support/decode_roundtrip.h"
 
 #include <cstddef>

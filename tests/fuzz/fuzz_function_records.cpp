@@ -21,20 +21,8 @@ namespace {
 using namespace velkor;
 using test::Bytes;
 
-// Where side files go for the assembler to read (a chunk that is no record follows the decode limit); one
-// folder per process, removed at exit.
 const std::filesystem::path& SideFolder() {
-    static const std::filesystem::path folder = [] {
-        std::filesystem::path p = std::filesystem::temp_directory_path() /
-                                  ("velkor-fuzz-function-records-" + std::to_string(getpid()));
-        std::filesystem::create_directories(p);
-        std::atexit([] {
-            std::error_code ec;
-            std::filesystem::remove_all(SideFolder(), ec);
-        });
-        return p;
-    }();
-    return folder;
+    return test::FuzzSideFolder("velkor-fuzz-function-records");
 }
 
 [[noreturn]] void Fail(const char* what, const std::string& text) {

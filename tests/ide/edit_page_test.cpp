@@ -283,5 +283,42 @@ TEST_F(EditPageTest, ADecodedFileWithSideFilesBuildsBackToItsBytes) {
     EXPECT_EQ(ReadFile(built), form);
 }
 
+TEST_F(EditPageTest, FilesAUnitNamesOutsideItsPlacesAreRefusedUnlessTheSettingsAllow) {
+    TempDir outside; // made before the temporary folder moves below the program's folder
+    const PrivateTempFolder tmp(Dir() / "tmp");
+    const std::filesystem::path target = outside.path() / "Raw.bin";
+    std::filesystem::create_directories(Dir() / "src");
+    const std::string unit = (Dir() / "src" / "raw.pas").string();
+    WriteFile(unit, "iff \"" + target.string() + "\"\r\n{ form \"DATA\" { } }\r\n");
+    for (const bool allowed : {false, true}) {
+        SCOPED_TRACE(allowed);
+        TIniFile(IniPath()).WriteBool("compiler", "allow_output_anywhere", allowed);
+        TfrmMain window({});
+        ASSERT_NE(window.OpenFile(unit, false), nullptr);
+        window.MenuItem(QStringLiteral("MenuCompileBuild"))->trigger();
+        const QString output = window.OutputView().Lines().join(u'\n');
+        EXPECT_EQ(std::filesystem::exists(target), allowed) << output.toStdString();
+        EXPECT_EQ(
+            output.contains(QString::fromStdString(
+                "Cannot write file \"" + target.string() +
+                "\": it lies outside the output folder, the source's folder and the named folders (check "
+                "\"Allow output anywhere\" in the settings to allow it)")),
+            !allowed)
+            << output.toStdString();
+    }
+}
+
+TEST_F(EditPageTest, AVerbosityOutOfRangeIsTakenAsTheNearestLevel) {
+    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 2147483647);
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
+    ASSERT_NE(page, nullptr);
+    EXPECT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
+    EXPECT_FALSE(window.OutputView().Lines().contains(QStringLiteral("Range check error")));
+    EXPECT_EQ(ReadCompileSettings().Verbosity, 255);
+    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", -5);
+    EXPECT_EQ(ReadCompileSettings().Verbosity, 0);
+}
+
 } // namespace
 } // namespace velkor::test

@@ -1,5 +1,4 @@
 // The main window: start-up, the open procedure, decoding on open, pages, the timer and closing.
-#include "compiler/scanner.h"
 #include "ide/edit_page.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
@@ -7,6 +6,7 @@
 #include "ide/output_view.h"
 #include "ide/reg_mru.h"
 #include "platform/ini_file.h"
+#include "scanner/scanner.h"
 #include "tests/ide/ide_test_support.h"
 
 #include <QAction>
@@ -231,9 +231,18 @@ TEST_F(MainWindowTest, ADecoderFailureIsShownAndOpensNothing) {
     const std::string iff = MakeFile("bad.mis", "FORMxxxx");
     TfrmMain window({});
     EXPECT_EQ(window.OpenFile(iff, true), nullptr);
-    EXPECT_EQ(messages_, QStringList{"TIffReader: Read beyond end of chunk!"});
+    EXPECT_EQ(messages_,
+              QStringList{QString::fromStdString(iff + ": TIffReader: Read beyond end of chunk!")});
     EXPECT_FALSE(std::filesystem::exists(iff + ".pas"));
     EXPECT_EQ(Captions(window), QStringList{"Untitled0.pas"});
+    // A text file of the user's that stood there before is not the failed decode's to remove: a decode
+    // that fails writes nothing.
+    SetDecodeFunctionForTesting([](const std::string&, const std::string&, std::int32_t) {
+        throw Exception("TIffReader: Read beyond end of chunk!");
+    });
+    WriteFile(iff + ".pas", "mine");
+    EXPECT_EQ(window.OpenFile(iff, true), nullptr);
+    EXPECT_EQ(ReadFile(iff + ".pas"), "mine");
     SetDecodeFunctionForTesting({});
 }
 

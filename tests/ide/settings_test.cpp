@@ -1,10 +1,10 @@
 // The settings dialog: what it shows for a fresh and a written settings file, its control rules, and
 // what OK and Apply write.
-#include "compiler/scanner.h"
 #include "ide/iff_decode.h"
 #include "ide/settings_dialog.h"
 #include "platform/executable_path.h"
 #include "platform/ini_file.h"
+#include "scanner/scanner.h"
 #include "tests/ide/ide_test_support.h"
 
 #include <QCheckBox>
