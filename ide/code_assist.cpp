@@ -1,13 +1,13 @@
 #include "ide/code_assist.h"
 
 #include "compiler/compiler.h"
+#include "compiler/symbol_queries.h"
 #include "compiler/symbol_table.h"
 #include "editor/key_event.h"
 #include "ide/edit_page.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
 #include "ide/page_host.h"
-#include "compiler/symbol_queries.h"
 #include "iff/iff_strings.h"
 #include "platform/exception.h"
 #include "platform/executable_path.h"
@@ -89,6 +89,9 @@ CodeAssist::CodeAssist(TfrmEdit& page, TPageHost& host, TPageEditor& memo)
     // A window of its own, so that near the page's edge it is not cut off; the keys come from the editor.
     codeHelp_->setWindowFlags(Qt::ToolTip);
     codeHelp_->setFocusPolicy(Qt::NoFocus);
+    // Whole rows in a window exactly that many rows high: the selected row is never cut at the bottom.
+    codeHelp_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    codeHelp_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     codeHelp_->installEventFilter(this);
     QPalette tip = codeHelp_->palette();
     tip.setColor(QPalette::Base, tip.color(QPalette::ToolTipBase));
@@ -277,7 +280,8 @@ void CodeAssist::ShowStringList() {
     codeHelpPrefix_.clear();
     codeHelpAnchor_ = memo_.SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS);
     const int rowHeight = std::max(codeHelp_->sizeHintForRow(0), codeHelp_->fontMetrics().height());
-    codeHelp_->resize(360, rowHeight * std::min(kCodeHelpRows, std::max(codeHelp_->count(), 1)) + 6);
+    codeHelp_->resize(360, rowHeight * std::min(kCodeHelpRows, std::max(codeHelp_->count(), 1)) +
+                               2 * codeHelp_->frameWidth());
     codeHelp_->move(CaretPoint() + QPoint(5, 18));
     codeHelp_->raise();
     codeHelp_->show();

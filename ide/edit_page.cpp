@@ -2,12 +2,14 @@
 
 #include "compiler/compiler.h"
 #include "compiler/symbol_table.h"
+#include "ide/background_job.h"
 #include "ide/code_assist.h"
 #include "ide/help_view.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
 #include "ide/iff_build.h"
 #include "ide/iff_view.h"
+#include "ide/message_location.h"
 #include "ide/output_view.h"
 #include "ide/page_host.h"
 #include "platform/exception.h"
@@ -31,10 +33,10 @@ const char* const kSourceFileFilter = "Pascal File (*.pas)|*.pas|Text File (*.tx
 
 namespace {
 
-// The hourglass for the length of a scope.
+// The hourglass (or, while the window stays usable, the busy arrow) for the length of a scope.
 class WaitCursor {
 public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    explicit WaitCursor(Qt::CursorShape shape = Qt::WaitCursor) { QApplication::setOverrideCursor(shape); }
     ~WaitCursor() { QApplication::restoreOverrideCursor(); }
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
@@ -249,6 +251,11 @@ bool TfrmEdit::SaveAs() {
     const QString chosen = DialogHooks().SaveFile(this, request);
     if (chosen.isEmpty()) return false;
     const std::string file = std::filesystem::absolute(FromQ(chosen)).lexically_normal().string();
+    // Replacing another file loses it: the user is asked first.
+    if (IsExistingFile(file) && file != fileName_ &&
+        DialogHooks().AskYesNoCancel(this, ToQ(file + " already exists.\nDo you want to replace it?")) !=
+            TMsgAnswer::Yes)
+        return false;
     try {
         WriteTo(file);
     } catch (const Exception& e) {
@@ -275,7 +282,9 @@ void TfrmEdit::ReportException(const std::exception& error) {
 }
 
 bool TfrmEdit::Compile() {
-    WaitCursor wait;
+    // One compile or build at a time: the window stays usable while one runs.
+    if (JobRunning()) return false;
+    WaitCursor wait(Qt::BusyCursor);
     bool success = true;
     if (autosave_) Save();
     host_.OutputView().BringToFront();
@@ -283,12 +292,7 @@ bool TfrmEdit::Compile() {
     memo_->ClearErrorLine();
 
     TCompiler compiler;
-    compiler.OnOutput = [this](const std::string& line) { host_.Output(line); };
-    compiler.PlaceOutputFile = [policy = IdeOutputPolicy(fileName_)](const std::string& name) {
-        std::filesystem::path path = PlaceBuiltFile(name);
-        policy.Check(path);
-        return path;
-    };
+    std::string linked;
     try {
         compiler.SetSource(NormaliseLineBreaks(FromQ(memo_->Text())));
         const TCompileSettings settings = ReadCompileSettings();
@@ -296,12 +300,30 @@ bool TfrmEdit::Compile() {
         compiler.HaltOnError = settings.HaltOnError;
         compiler.Verbosity = settings.Verbosity;
         const std::string folder = FolderOf(fileName_);
-        if (!folder.empty()) compiler.AddToSearchPath(folder);
-        compiler.AddToSearchPath("$compiler$\\lib");
-        compiler.SetFileName(fileName_);
-        compiler.Compile();
-        compiler.Finish();
-        host_.IffView().SetText(ToQ(compiler.Link()));
+        const std::filesystem::path outputFolder = OutputFolderFor(UnitFolderOf(fileName_));
+        const bool ownOutputFolder = !IdeIni().ReadString("compiler", "outputdir", "").empty();
+        OutputPolicy policy = IdeOutputPolicy(fileName_);
+        policy.AllowFolder(outputFolder);
+        compiler.PlaceOutputFile = [outputFolder, policy](const std::string& name) {
+            std::filesystem::path path = PlaceBuiltFile(name, outputFolder);
+            policy.Check(path);
+            return path;
+        };
+        const bool ran = RunJob(host_, QStringLiteral("Compiling ") + Caption(), [&](TJobContext& job) {
+            compiler.OnOutput = [&job, verbosity = settings.Verbosity](const std::string& line) {
+                if (ShownAtVerbosity(line, verbosity)) job.Output(line);
+            };
+            if (!folder.empty()) compiler.AddToSearchPath(folder);
+            // The units of a project find each other's outputs, as with velkorc's --out-dir DIR -I DIR.
+            if (ownOutputFolder) compiler.AddToSearchPath(outputFolder.string());
+            compiler.AddToSearchPath("$compiler$\\lib");
+            compiler.SetFileName(fileName_);
+            compiler.Compile();
+            compiler.Finish();
+            linked = compiler.Link();
+        });
+        if (!ran) return false;
+        host_.IffView().SetText(ToQ(linked));
     } catch (const std::exception& e) {
         success = false;
         const int line = compiler.ErrorLine; // from 1; the editor counts from 0
@@ -313,6 +335,7 @@ bool TfrmEdit::Compile() {
         }
         if (!dynamic_cast<const ECompiler*>(&e)) ReportException(e);
     }
+    host_.OutputView().SetOrigin(compiler.UnitName, compiler.SearchPath, fileName_);
     if (success) {
         assist_->SetSymbols(std::make_shared<TSymbolTable>(compiler.Symbols()));
         std::string searchPath;
@@ -323,7 +346,7 @@ bool TfrmEdit::Compile() {
 }
 
 void TfrmEdit::BuildIff() {
-    BuildIffFromView(host_, std::filesystem::path(FileName()).parent_path());
+    BuildIffFromView(host_, std::filesystem::path(FileName()).parent_path(), UnitFolderOf(fileName_));
 }
 
 void TfrmEdit::Undo() {

@@ -51,7 +51,8 @@ public:
     bool Load(const std::string& name, bool addToRecent);
     // Writes to the file when it exists, else Save As. True when written.
     bool Save();
-    // Asks for a name (no overwrite prompt) and writes there. True when written.
+    // Asks for a name and writes there; replacing another existing file is confirmed first. True when
+    // written.
     bool SaveAs();
     // "Save changes to <file>?" when modified: true when the page may close.
     bool SaveQuery();

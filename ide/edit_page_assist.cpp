@@ -1,11 +1,11 @@
 // The page's code-assistance operations, kept under their own names and forwarded to its CodeAssist, and
 // the symbol lists, which are dialogs of the page.
+#include "compiler/symbol_queries.h"
 #include "compiler/symbol_table.h"
 #include "ide/code_assist.h"
 #include "ide/edit_page.h"
 #include "ide/ide_dialogs.h"
 #include "ide/proc_list.h"
-#include "compiler/symbol_queries.h"
 
 namespace velkor {
 

@@ -1,5 +1,6 @@
 #include "ide/main_window.h"
 
+#include "ide/background_job.h"
 #include "ide/edit_page.h"
 #include "ide/ext_handler.h"
 #include "ide/help_view.h"
@@ -45,9 +46,14 @@ bool StartsWithForm(const std::string& name) {
     return std::string_view(head, 4) == "FORM";
 }
 
-// The mouse hint over an editor would otherwise pop up while the user merely moves across the text;
-// it waits 4 s, the application's hint pause.
-constexpr int kHintPauseMs = 4000;
+bool IsRegularFile(const std::string& name) {
+    std::error_code ec;
+    return std::filesystem::is_regular_file(name, ec);
+}
+
+// The mouse hint over an editor waits half a second: long enough not to pop up while the mouse merely
+// crosses the text, short enough to be there when the user looks for it.
+constexpr int kHintPauseMs = 500;
 
 class THintPauseStyle : public QProxyStyle {
 public:
@@ -103,6 +109,8 @@ TfrmMain::TfrmMain(const QStringList& files, QWidget* parent) : QMainWindow(pare
     statusBar()->setObjectName(QStringLiteral("StatusBar1"));
     statusBar()->addWidget(panel0_, 1);
     statusBar()->addPermanentWidget(panel1_);
+    SetUpPageTabs();
+    CreateJobWidgets();
 
     mru_ = new TRegMru(this);
     timer1_ = new QTimer(this);
@@ -112,6 +120,8 @@ TfrmMain::TfrmMain(const QStringList& files, QWidget* parent) : QMainWindow(pare
     map_ = new TfrmMapView(*this);
     CreateMenus();
     ConnectMenus();
+    CreateWindowActions();
+    connect(output_, &TfrmOutput::LocationRequested, this, &TfrmMain::GotoMessage);
     CreateDockAreas();
     RestoreViewPlacements();
     LoadSpecialDecoderFlags();
@@ -163,14 +173,13 @@ void TfrmMain::ShowSettings() {
 
 void TfrmMain::AddPage(TfrmEdit& page) {
     pages_.append(&page);
-    const int index = editorTabs_->addTab(&page, page.Caption());
-    editorTabs_->setTabToolTip(index, ToQ(page.FileName()));
+    editorTabs_->addTab(&page, page.Caption());
+    UpdatePageTab(page);
     connect(&page, &TfrmEdit::CaptionChanged, this, [this, p = &page] {
-        const int at = editorTabs_->indexOf(p);
-        if (at < 0) return;
-        editorTabs_->setTabText(at, p->Caption());
-        editorTabs_->setTabToolTip(at, ToQ(p->FileName()));
+        UpdatePageTab(*p);
+        if (p == ActivePage()) UpdatePageState();
     });
+    WatchPage(page);
 }
 
 void TfrmMain::RemovePage(TfrmEdit& page) {
@@ -217,6 +226,11 @@ TfrmEdit* TfrmMain::FindPage(const std::string& name) const {
 }
 
 bool TfrmMain::ClosePage(TfrmEdit& page) {
+    // A compile running beside the window reads the page it started from: it is stopped first.
+    if (JobRunning()) {
+        StopJob();
+        return false;
+    }
     if (!page.SaveQuery()) return false;
     RemovePage(page);
     return true;
@@ -338,9 +352,9 @@ void TfrmMain::TimerTick() {
             QStringLiteral("%1:%2").arg(page->Memo()->CaretLine() + 1).arg(page->Memo()->CaretColumn() + 1));
     }
     iff_->UpdateCaption();
-    // A disabled item's shortcut is dead: F1 must follow the caret onto a word even when the Help menu was
-    // last opened with nothing under the caret. The caption waits for the menu to open.
-    MenuItem(QStringLiteral("MenuHelpTopic"))->setEnabled(page && !page->WordAtCursor().isEmpty());
+    // The caption of the Topic item waits for the menu to open; its enabled state follows the caret.
+    UpdateTopicItem();
+    UpdatePageState();
 }
 
 QString TfrmMain::StatusPanelText(int panel) const {
@@ -349,8 +363,10 @@ QString TfrmMain::StatusPanelText(int panel) const {
 
 void TfrmMain::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
-    panel0_->setMinimumWidth(std::max(0, width() - 80));
-    panel0_->setMaximumWidth(std::max(0, width() - 80));
+    // The panels beside it (insert mode, modified state, the busy bar) take their room first.
+    const int others = panelMode_->minimumWidth() + panelModified_->minimumWidth();
+    panel0_->setMinimumWidth(std::max(0, width() - 80 - others));
+    panel0_->setMaximumWidth(std::max(0, width() - 80 - others));
 }
 
 // --- closing
@@ -369,6 +385,13 @@ bool TfrmMain::CloseQuery() {
 }
 
 void TfrmMain::closeEvent(QCloseEvent* event) {
+    if (JobRunning()) {
+        // The work unwinds first; the window closes (asking about modified pages) when it has.
+        closeAfterJob_ = true;
+        StopJob();
+        event->ignore();
+        return;
+    }
     if (!CloseQuery()) {
         event->ignore();
         return;

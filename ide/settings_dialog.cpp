@@ -21,6 +21,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -62,6 +63,8 @@ TfrmSettings::TfrmSettings(QWidget* parent) : QDialog(parent) {
     Pages->addTab(CreatePluginsTab(), QStringLiteral("Plugins"));
     Pages->addTab(CreateEditorTab(), QStringLiteral("Editor"));
     Pages->addTab(CreateDecoderTab(), QStringLiteral("Iff Decoder"));
+    // Every tab shows its caption, at any font size: the dialog grows to the tab row instead of scrolling it.
+    Pages->tabBar()->setUsesScrollButtons(false);
     layout->addWidget(Pages);
 
     auto* buttons = new QDialogButtonBox(this);

@@ -9,12 +9,15 @@
                     `xxd -p` on the same file; target: 2.5 times its MB/s
   scaling           each of the above at 1x and 10x the input; target: CPU time ratio at most 11
   peak memory       of every velkorc run, beside its input size
+  IDE               the output list taking 100,000 lines (target: under 0.5 s), and a 50,000-line mission
+                    compiled in an editor page beside `velkorc compile` of the same unit (target: at most
+                    2x at verbosity 0; verbosity 2 is shown for comparison); needs build/bench/ide_bench
   lsp               velkorc lsp on a generated mission of 50,000 lines: diagnostics after a change (debounce
                     included) within 200 ms, completion within 50 ms; the server's CPU time per compile beside
 
 Every output is checked: the asm output against xxd's bytes, the decoded text by assembling it again (and
 the mission's functions for being listings, not byte rows).
-Usage: scripts/bench.py [--scale F] [--velkorc PATH] [--keep DIR]
+Usage: scripts/bench.py [--scale F] [--velkorc PATH] [--ide-bench PATH] [--keep DIR] [--only ide]
 --scale shrinks or grows every input (0.1 for a quick look); the figures are meant at 1.
 """
 import argparse
@@ -435,13 +438,57 @@ class Report:
         print(f"{what:<34} {figure:>26}   {anchor:>34}   {target:<22} {'met' if ok else 'MISSED'}", flush=True)
 
 
+def ide_run(cmd, cwd):
+    """The fastest of three runs of ide_bench, which prints its own figure in seconds."""
+    figures = []
+    for _ in range(3):
+        proc = subprocess.run(cmd, cwd=cwd, capture_output=True, text=True)
+        if proc.returncode != 0:
+            sys.exit(f"{' '.join(map(str, cmd))} failed:\n{proc.stderr[:2000]}")
+        figures.append(float(proc.stdout.split()[-1]))
+    return min(figures)
+
+
+def ide_figures(rep, velkorc, ide_bench, work, scale):
+    """The IDE beside velkorc: the output list and a compile in an editor page."""
+    if not os.access(ide_bench, os.X_OK):
+        print(f"{ide_bench} is missing: build the target ide_bench for the IDE's figures")
+        return
+    lines = int(100_000 * scale)
+    secs = ide_run([ide_bench, "output", str(lines)], work)
+    rep.line(f"IDE output list {lines:,} lines", f"{secs:.3f} s", "", "under 0.5 s", secs < 0.5)
+    unit_lines = int(50_000 * scale)
+    mis, _ = generate_sources(unit_lines)
+    d = os.path.join(work, "ide")
+    os.makedirs(d, exist_ok=True)
+    with open(os.path.join(d, "bench.pas"), "w", newline="") as f:
+        f.write(mis)
+    for verbosity in (0, 2):
+        cli, _, _ = best([velkorc, "compile", "-v", str(verbosity), "-o", "bench.txt", "bench.pas"], d, 3)
+        ide = ide_run([ide_bench, "compile", "bench.pas", str(verbosity)], d)
+        rep.line(f"IDE compile {unit_lines:,} lines -v {verbosity}", f"{ide:.2f} s ({ide / cli:.1f}x)",
+                 f"velkorc compile {cli:.2f} s", "at most 2x" if verbosity == 0 else "(shown)",
+                 ide <= 2 * cli if verbosity == 0 else True)
+
+
 def main():
     ap = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     ap.add_argument("--scale", type=float, default=1.0)
     ap.add_argument("--velkorc", default=os.path.join(os.path.dirname(__file__), "..", "build", "velkorc"))
+    ap.add_argument("--ide-bench", default=os.path.join(os.path.dirname(__file__), "..", "build", "bench", "ide_bench"))
     ap.add_argument("--keep", help="keep the generated inputs in this folder")
+    ap.add_argument("--only", choices=["ide"], help="run only these figures")
     args = ap.parse_args()
     velkorc = os.path.realpath(args.velkorc)
+    if args.only == "ide":
+        work = args.keep or tempfile.mkdtemp(prefix="velkor-bench-")
+        os.makedirs(work, exist_ok=True)
+        rep = Report()
+        print(f"{'':<34} {'velkorc':>26}   {'anchor':>34}   target")
+        ide_figures(rep, velkorc, os.path.realpath(args.ide_bench), work, args.scale)
+        if not args.keep:
+            shutil.rmtree(work, ignore_errors=True)
+        return
     for tool in ("fpc", "xxd"):
         if not shutil.which(tool):
             sys.exit(f"{tool} is missing: run scripts/setup.sh --bench first")
@@ -523,6 +570,8 @@ def main():
         rep.line(f"  peak memory ({factor}x)", f"{peak:,.0f} MB", f"input {mb(real):,.1f} MB", "", True)
         for name in os.listdir(d):
             os.remove(os.path.join(d, name))
+
+    ide_figures(rep, velkorc, os.path.realpath(args.ide_bench), work, args.scale)
 
     # Judged on CPU time: the wall time of one large run also counts whatever else the machine is doing.
     for what in ("compile", "asm", "decode"):

@@ -83,17 +83,19 @@ TEST_F(EditPageTest, SaveWritesAnExistingFileInItsOwnLineBreakStyle) {
     EXPECT_EQ(ReadFile(file), "unit u;\n// note\nvar a;\n");
 }
 
-TEST_F(EditPageTest, SaveOnANewPageAsksForANameAndSaveAsOverwritesWithoutAsking) {
+TEST_F(EditPageTest, SaveOnANewPageAsksForANameAndBeforeReplacingAFile) {
     TfrmMain window({});
     TfrmEdit* page = window.ActivePage();
     page->Memo()->SetText(QStringLiteral("unit fresh;\r\n"));
     const std::string target = MakeFile("Fresh.pas", "old contents");
     saveAnswers_ << QString::fromStdString(target);
+    answers_.push_back(TMsgAnswer::Yes);
     ASSERT_TRUE(page->Save());
     EXPECT_EQ(ReadFile(target), "unit fresh;\r\n");
     EXPECT_EQ(page->Caption(), QStringLiteral("Fresh.pas"));
     EXPECT_FALSE(page->Modified());
-    EXPECT_TRUE(questions_.isEmpty());
+    EXPECT_EQ(questions_,
+              QStringList{QString::fromStdString(target + " already exists.\nDo you want to replace it?")});
     EXPECT_EQ(TIniFile(IniPath()).ReadString("editor", "DirLoad", ""), Dir().string());
     // Save As never adds to the recent list.
     EXPECT_TRUE(window.RegMru1().Items().empty());

@@ -58,9 +58,9 @@ TEST_F(MainWindowTest, StartsWithExactlyOneUntitledPageAndTheCaption) {
     EXPECT_EQ(window.MaxDecodeSize(), 1024);
 }
 
-TEST_F(MainWindowTest, HintsWaitTheHintPauseOfFourSeconds) {
+TEST_F(MainWindowTest, HintsWaitHalfASecond) {
     TfrmMain window({});
-    EXPECT_EQ(QApplication::style()->styleHint(QStyle::SH_ToolTip_WakeUpDelay), 4000);
+    EXPECT_EQ(QApplication::style()->styleHint(QStyle::SH_ToolTip_WakeUpDelay), 500);
     // A second window does not wrap the style again.
     QStyle* style = QApplication::style();
     TfrmMain second({});
@@ -380,7 +380,7 @@ TEST_F(MainWindowTest, OutputCallbackAppendsAndSelectsTheLine) {
     window.Output("first");
     window.Output("second");
     EXPECT_EQ(window.OutputView().Lines(), (QStringList{"first", "second"}));
-    EXPECT_EQ(window.OutputView().ListBox1()->currentRow(), 1);
+    EXPECT_EQ(window.OutputView().CurrentRow(), 1);
     EXPECT_EQ(TfrmMain::Instance(), &window);
 }
 
