@@ -1,6 +1,6 @@
 // Both scanners over the same generated unit of 100,000 lines: the rewriting TScanner should stay within
 // about twice the time of TFastScanner.
-#include "compiler/scanner.h"
+#include "scanner/scanner.h"
 
 #include <benchmark/benchmark.h>
 

@@ -19,10 +19,12 @@ struct Options {
     bool fastScanner = false;             // --fast-scanner
     bool noLineMarkers = false;           // --no-line-markers (tokens only)
     bool exactFloats = false;             // --exact-floats (decode only)
+    bool noDisassemble = false;           // --no-disassemble (decode only)
     std::vector<std::string> searchPaths; // -I, --search-path, in order
     std::string outDir;                   // --out-dir; empty means the current folder
     int maxDecodeSize = 1024;             // --max-decode-size
     std::string output;                   // -o
+    bool allowOutputAnywhere = false;     // --allow-output-anywhere: lift the confinement of output files
     std::string mapView = "both";         // --view (map only): top, side or both
     bool dark = false;                    // --dark (map only): the dark colours
     std::vector<std::string> files;       // the command's operands

@@ -1,11 +1,9 @@
 // velkorc asm: assemble a textual-IFF file into the binary files it names.
 #include "cli/cli.h"
 #include "cli/output_files.h"
-#include "compiler/scanner.h"
 #include "iff/iff_compiler.h"
-#include "platform/text_file.h"
-
-#include <iostream>
+#include "platform/path_resolver.h"
+#include "scanner/scanner.h"
 
 namespace velkor::cli {
 
@@ -19,31 +17,11 @@ int RunAsm(const Options& options) {
         return kExitUsage;
     }
 
-    bool writeFailed = false;
+    const std::filesystem::path text = FindExisting(options.files.front()).value_or(options.files.front());
     assembler.OnMessage = [&](int level, const std::string& line) {
         if (level <= options.verbosity) PrintMessage(line);
     };
-    // Each file is written as soon as its block is finished, so the files before an error are kept.
-    assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& fileName) {
-        try {
-            std::filesystem::path path = PlaceOutputFile(fileName, options.outDir);
-            WriteFileAtomic(path, bytes);
-            std::cout << WrittenFileLine(path, bytes.size()) << std::endl;
-        } catch (const EInOutError& e) {
-            PrintMessage(e.what());
-            writeFailed = true;
-        }
-    };
-
-    try {
-        assembler.Compile();
-    } catch (const EIffCompiler&) {
-        return writeFailed ? kExitUsage : kExitReported;
-    } catch (const EInOutError& e) {
-        PrintMessage(e.what());
-        return kExitUsage;
-    }
-    return writeFailed ? kExitUsage : kExitOk;
+    return AssembleFiles(assembler, options, MakeOutputPolicy(options, text));
 }
 
 } // namespace velkor::cli

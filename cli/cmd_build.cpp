@@ -4,7 +4,7 @@
 #include "cli/unit_compiler.h"
 #include "compiler/compiler.h"
 #include "iff/iff_compiler.h"
-#include "platform/text_file.h"
+#include "platform/exception.h"
 
 #include <iostream>
 
@@ -23,48 +23,25 @@ int RunBuild(const Options& options) {
     c.OnFileWritten = [](const std::filesystem::path& path, std::size_t size) {
         std::cout << WrittenFileLine(path, size) << std::endl;
     };
-    std::string linked;
-    try {
-        c.Compile();
-        c.Finish();
-        linked = c.Link();
-    } catch (const ECompiler&) {
-        return kExitReported;
-    } catch (const Exception& e) {
-        PrintMessage(e.what());
-        return kExitReported;
-    }
+    std::optional<std::string> linked = CompileAndLink(c);
+    if (!linked) return kExitReported;
     // A unit with errors is not assembled: its text may name files it would then overwrite half-made.
     if (c.ErrorCount > 0) return kExitReported;
     // The unit's listing and lists are in the linked text now: their memory is given back before the
     // assembler needs its own.
     run.compiler.reset();
 
-    bool writeFailed = false;
     TIffCompiler assembler;
     assembler.OnMessage = [&](int level, const std::string& line) {
         if (level <= options.verbosity) PrintMessage(line);
     };
-    assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& fileName) {
-        try {
-            const std::filesystem::path path = PlaceOutputFile(fileName, options.outDir);
-            WriteFileAtomic(path, bytes);
-            std::cout << WrittenFileLine(path, bytes.size()) << std::endl;
-        } catch (const EInOutError& e) {
-            PrintMessage(e.what());
-            writeFailed = true;
-        }
-    };
-    assembler.TakeInputText(std::move(linked), run.folder);
+    assembler.TakeInputText(std::move(*linked), run.folder);
     try {
-        assembler.Compile();
-    } catch (const EIffCompiler&) {
-        return writeFailed ? kExitUsage : kExitReported;
+        return AssembleFiles(assembler, options, run.policy);
     } catch (const Exception& e) {
         PrintMessage(e.what());
         return kExitReported;
     }
-    return writeFailed ? kExitUsage : kExitOk;
 }
 
 } // namespace velkor::cli

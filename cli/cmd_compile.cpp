@@ -12,28 +12,20 @@ int RunCompile(const Options& options) {
     UnitCompiler run;
     try {
         run = PrepareUnitCompiler(options, false);
+        if (!options.output.empty()) run.policy.CheckNotInput(options.output);
     } catch (const EInOutError& e) {
         PrintMessage(e.what());
         return kExitUsage;
     }
     TCompiler& c = *run.compiler;
-    std::string linked;
-    try {
-        c.Compile();
-        c.Finish();
-        linked = c.Link();
-    } catch (const ECompiler&) {
-        return kExitReported; // reported through the messages already
-    } catch (const Exception& e) {
-        PrintMessage(e.what());
-        return kExitReported;
-    }
+    std::optional<std::string> linked = CompileAndLink(c);
+    if (!linked) return kExitReported;
 
     if (options.output.empty()) {
-        std::cout << linked << std::flush;
+        std::cout << *linked << std::flush;
     } else {
         try {
-            WriteFileAtomic(options.output, linked);
+            WriteFileAtomic(options.output, *linked);
         } catch (const EInOutError& e) {
             PrintMessage(e.what());
             return kExitUsage;

@@ -1,5 +1,6 @@
 // velkorc decode: binary IFF files into textual IFF, several files at once on all cores.
 #include "cli/cli.h"
+#include "codegen/decoder_names.h"
 #include "iff/iff_decoder.h"
 #include "platform/path_resolver.h"
 
@@ -36,6 +37,8 @@ Outcome DecodeOne(const Options& options, const std::string& input) {
     try {
         DecodeOptions decodeOptions;
         decodeOptions.exactFloats = options.exactFloats;
+        decodeOptions.disassemble = !options.noDisassemble;
+        if (decodeOptions.disassemble) decodeOptions.names = SystemDecoderNames();
         return {{}, Decode(input, OutputFor(options, input), options.maxDecodeSize, decodeOptions)};
     } catch (const std::exception& e) {
         return {e.what(), {}};

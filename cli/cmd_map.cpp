@@ -34,19 +34,10 @@ int MapOfUnit(const Options& options, TMapSource& source) {
         return kExitUsage;
     }
     TCompiler& c = *run.compiler;
-    std::string linked;
-    try {
-        c.Compile();
-        c.Finish();
-        linked = c.Link();
-    } catch (const ECompiler&) {
-        return kExitReported;
-    } catch (const Exception& e) {
-        PrintMessage(e.what());
-        return kExitReported;
-    }
+    std::optional<std::string> linked = CompileAndLink(c);
+    if (!linked) return kExitReported;
     if (c.ErrorCount > 0) return kExitReported;
-    source = MapObjectsFromText(std::move(linked), run.folder);
+    source = MapObjectsFromText(std::move(*linked), run.folder);
     for (const std::string& line : source.errors) PrintMessage(line);
     return source.errors.empty() ? kExitOk : kExitReported;
 }
@@ -76,8 +67,8 @@ int RunMap(const Options& options) {
             return kExitUsage;
         }
         source.fileName = found->filename().string();
-    } else if (IsTextualIff(LoadTextFile(*found))) {
-        source = MapObjectsFromText(LoadTextFile(*found), std::filesystem::absolute(*found).parent_path());
+    } else if (std::string text = LoadTextFile(*found); IsTextualIff(text)) {
+        source = MapObjectsFromText(std::move(text), std::filesystem::absolute(*found).parent_path());
         for (const std::string& line : source.errors) PrintMessage(line);
         if (!source.errors.empty()) return kExitReported;
     } else if (const int status = MapOfUnit(options, source); status != kExitOk) {

@@ -1,7 +1,7 @@
 // velkorc tokens: watch a scanner from the shell.
 #include "cli/cli.h"
-#include "compiler/scanner.h"
 #include "platform/text_file.h"
+#include "scanner/scanner.h"
 
 #include <iostream>
 

@@ -40,14 +40,22 @@ constexpr const char* kToolHelp =
     "  --out-dir DIR               folder for output files whose names have no folder (default: current)\n"
     "  --max-decode-size N         decode limit in bytes (default 1024)\n"
     "  --exact-floats              decode only: write floats in the shortest form that reads back exactly\n"
+    "  --no-disassemble            decode only: write function records as byte rows, not WCP_ASM listings\n"
     "  -o FILE                     output file of compile, of a single decode or of map\n"
     "  --view top|side|both        map only: the views drawn (default both)\n"
     "  --dark                      map only: dark colours\n"
+    "  --allow-output-anywhere     let a unit or text write its binary files outside the output folder,\n"
+    "                              its own folder and the named folders (default: refused)\n"
     "\n"
     "Messages of the compiler and the assembler go to stderr, one line each.\n"
     "In token texts CR, LF, tab, NUL and backslash are written as \\r, \\n, \\t, \\0 and \\\\.\n"
     "Exit status: 0 no error reported, 1 the compiler or assembler reported an error,\n"
-    "2 usage or input/output error.\n";
+    "2 usage or input/output error.\n"
+    "\n"
+    "Files: every write replaces its target atomically and keeps its mode; no output may be an input\n"
+    "of the same run. Binary files that a unit or text names are written only inside the output folder\n"
+    "(--out-dir, else the current folder), below the unit's or text's own folder, or inside a named\n"
+    "folder ($compiler$, the game folders, user-defined folders), unless --allow-output-anywhere.\n";
 
 struct CommandHelp {
     std::string_view name;
@@ -58,21 +66,27 @@ constexpr CommandHelp kCommandHelp[] = {
     {"compile", "Usage: velkorc compile [OPTIONS] UNIT\n"
                 "Compiles UNIT (Compile, Finish, Link) and writes the linked textual IFF to stdout, or to\n"
                 "the file given by -o. Options: -v N, --no-halt, -O, --fast-scanner, -I DIR, --out-dir DIR,\n"
-                "-o FILE. Units named by #FILE are assembled into their binary files.\n"},
+                "-o FILE, --allow-output-anywhere. Units named by #FILE are assembled into their binary\n"
+                "files.\n"},
     {"build", "Usage: velkorc build [OPTIONS] UNIT\n"
               "Compiles UNIT and assembles the linked text into the binary files it names; names without\n"
               "a folder go into --out-dir. Prints one line per written file with its size.\n"
-              "Options: -v N, --no-halt, -O, --fast-scanner, -I DIR, --out-dir DIR.\n"},
+              "Options: -v N, --no-halt, -O, --fast-scanner, -I DIR, --out-dir DIR,\n"
+              "--allow-output-anywhere (write files outside the output folder, the unit's folder and\n"
+              "the named folders).\n"},
     {"asm", "Usage: velkorc asm [OPTIONS] TEXT\n"
             "Assembles the textual-IFF file TEXT into the binary files it names; names without a folder\n"
             "go into --out-dir. Prints one line per written file with its size.\n"
-            "Options: --fast-scanner, --out-dir DIR.\n"},
+            "Options: --fast-scanner, --out-dir DIR, --allow-output-anywhere (write files outside the\n"
+            "output folder, the text's folder and the named folders).\n"},
     {"decode", "Usage: velkorc decode [OPTIONS] FILE...\n"
                "Decodes binary IFF files into textual IFF, each into FILE.pas (or -o OUT for one file).\n"
                "Chunks larger than --max-decode-size N bytes (default 1024) go to side files beside the\n"
                "output. --exact-floats writes floats in the shortest form that reads back exactly.\n"
                "A truncated file or a form of odd size is decoded all the same, with a note on stderr\n"
-               "that the text is not exact.\n"},
+               "that the text is not exact.\n"
+               "Script functions are written as WCP_ASM listings whatever their size, with names beside\n"
+               "the ids that stand for names; --no-disassemble writes them as byte rows instead.\n"},
     {"tokens", "Usage: velkorc tokens [OPTIONS] FILE\n"
                "Prints each token of FILE as \"<line>\\t<kind>\\t<text>\", end of text included.\n"
                "Options: --fast-scanner, --no-line-markers.\n"},
@@ -157,8 +171,12 @@ int Main(int argc, char** argv) {
             o.fastScanner = true;
         } else if (a == "--no-line-markers") {
             o.noLineMarkers = true;
+        } else if (a == "--allow-output-anywhere") {
+            o.allowOutputAnywhere = true;
         } else if (a == "--exact-floats") {
             o.exactFloats = true;
+        } else if (a == "--no-disassemble") {
+            o.noDisassemble = true;
         } else if (a == "-I" || a == "--search-path") {
             if (!value(v)) return UsageError(std::string(a) + " needs a folder");
             o.searchPaths.emplace_back(v);

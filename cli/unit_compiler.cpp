@@ -2,10 +2,10 @@
 
 #include "cli/output_files.h"
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "platform/exception.h"
 #include "platform/path_resolver.h"
 #include "platform/text_file.h"
+#include "scanner/scanner.h"
 
 namespace velkor::cli {
 
@@ -13,12 +13,11 @@ UnitCompiler PrepareUnitCompiler(const Options& options, bool symbolsOnly) {
     SetScannerClass(options.fastScanner ? ScannerClass::Fast : ScannerClass::Standard);
     const std::string& unit = options.files.front();
     auto found = FindExisting(unit);
-    std::error_code ec;
-    if (!found || std::filesystem::is_directory(*found, ec))
-        throw EInOutError("Cannot open file \"" + unit + "\"");
+    std::string source = LoadTextFile(found ? *found : ToNativePath(unit));
 
     UnitCompiler run;
     run.folder = std::filesystem::absolute(*found).parent_path();
+    run.policy = MakeOutputPolicy(options, *found);
     run.compiler = std::make_unique<TCompiler>();
     TCompiler& c = *run.compiler;
     c.Verbosity = static_cast<std::uint8_t>(options.verbosity);
@@ -27,13 +26,30 @@ UnitCompiler PrepareUnitCompiler(const Options& options, bool symbolsOnly) {
     c.SymbolsOnly = symbolsOnly;
     c.OnOutput = PrintMessage;
     const std::string outDir = options.outDir;
-    c.PlaceOutputFile = [outDir](const std::string& name) { return PlaceOutputFile(name, outDir); };
-    c.SetSource(LoadTextFile(*found));
+    c.PlaceOutputFile = [outDir, policy = run.policy](const std::string& name) {
+        std::filesystem::path path = PlaceOutputFile(name, outDir);
+        policy.Check(path);
+        return path;
+    };
+    c.SetSource(std::move(source));
     c.AddToSearchPath(run.folder.string());
     for (const auto& folder : options.searchPaths) c.AddToSearchPath(folder);
     c.AddToSearchPath("$compiler$\\lib");
     c.SetFileName(unit);
     return run;
+}
+
+std::optional<std::string> CompileAndLink(TCompiler& compiler) {
+    try {
+        compiler.Compile();
+        compiler.Finish();
+        return compiler.Link();
+    } catch (const ECompiler&) {
+        return std::nullopt;
+    } catch (const Exception& e) {
+        PrintMessage(e.what());
+        return std::nullopt;
+    }
 }
 
 } // namespace velkor::cli

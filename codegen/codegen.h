@@ -11,6 +11,7 @@
 
 namespace velkor {
 
+class IffTextWriter;
 class TCompiler;
 struct TSymbol;
 
@@ -85,8 +86,8 @@ private:
     void DeclareFunctionSymbol(const std::string& name, std::int32_t kind, int parameters, bool implemented);
     std::string ByNameOperand(const std::string& name, bool quoted); // a game call's "@name" operand
 
-    // objects.cpp
-    void CompileProperty(const std::string& keyword);
+    // objects.cpp: one property of an object form, written inside its property list
+    void CompileProperty(const std::string& keyword, IffTextWriter& form);
 
     bool ErrorSince(int errorCount) const; // an error was reported since the count was taken
 

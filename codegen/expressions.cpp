@@ -5,10 +5,10 @@
 
 #include "codegen/nesting_guard.h"
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
 #include "platform/numbers.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 namespace velkor {
 
@@ -219,7 +219,7 @@ int TCodeGen::PushAccumulator() {
     const std::string name = "__ST" + std::to_string(StackDepth);
     auto& symbols = compiler_.Symbols();
     const int index = symbols.Find(name);
-    const TSymbol slot = index >= 0 ? symbols.Get(index) : symbols.AddVariable(name, skStackVar, 0);
+    const TSymbol slot = index >= 0 ? symbols.Get(index) : compiler_.AddVariable(name, skStackVar, 0);
     if (compiler_.Wants(2)) compiler_.Output(2, "push " + name);
     EmitLine("movv v" + std::to_string(slot.Register) + " v8;");
     ++StackDepth;

@@ -4,9 +4,10 @@
 #include "codegen/codegen.h"
 
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
+#include "platform/numbers.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 namespace velkor {
 
@@ -45,7 +46,7 @@ void TCodeGen::CompileFunctionDeclaration() {
                     compiler_.Expected("<Identifier>", parameter);
                     return;
                 }
-                symbols.AddPassVariable(parameter);
+                compiler_.AddPassVariable(parameter);
                 ++parameters;
                 compiler_.PeekToken();
                 if (compiler_.TokenKind() != tkComma) break;
@@ -111,7 +112,7 @@ void TCodeGen::DeclareFunctionSymbol(const std::string& name, std::int32_t kind,
         symbols.At(existing) = function;
         return;
     }
-    symbols.Add(function);
+    compiler_.AddSymbol(function);
 }
 
 void TCodeGen::CompileFunctionBody() {
@@ -144,7 +145,7 @@ void TCodeGen::CompileFunctionBody() {
         const TSymbol& s = symbols.Get(i);
         if (s.Kind != skPassVar && s.Kind != skLocalVar && s.Kind != skStackVar) continue;
         head.push_back("  //symbol: " + s.Name + ", reg: " + std::to_string(s.Register));
-        if (s.Kind == skLocalVar && s.Value != kNoInitialValue)
+        if (s.Kind == skLocalVar && s.Value != kNoValue)
             initialValues.push_back("  movc " + Reg(s.Register) + " " + std::to_string(s.Value) + ";");
     }
     if (registers > 0) {

@@ -101,4 +101,12 @@ std::span<const ObjectProperty> ObjectProperties() {
     return kProperties;
 }
 
+std::string PropertyChunkHeader(std::string_view id, std::string_view comment) {
+    std::string header = "CHUNK $";
+    header += id;
+    header += " // ";
+    header += comment;
+    return header;
+}
+
 } // namespace velkor

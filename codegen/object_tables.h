@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace velkor {
@@ -41,5 +42,8 @@ std::span<const ObjectProperty> ObjectProperties();
 // The property every object form starts with: its type number.
 inline constexpr std::string_view kTypePropertyId = "56A0F92F";
 inline constexpr std::string_view kTypePropertyComment = "OBJ_PROP_TYPE";
+
+// The header line of a property's chunk: "CHUNK $<id> // <comment>".
+std::string PropertyChunkHeader(std::string_view id, std::string_view comment);
 
 } // namespace velkor

@@ -5,10 +5,11 @@
 
 #include "codegen/object_tables.h"
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
+#include "iff/iff_text_writer.h"
 #include "platform/numbers.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 namespace velkor {
 
@@ -19,13 +20,9 @@ bool IsWord(TCompiler& c, std::string_view word) {
     return c.TokenKind() == tkIdentifier && SameText(token, word);
 }
 
-std::string ValueLine(char type, std::string_view indent, const std::string& value) {
-    std::string line(indent);
-    if (type == 'c')
-        line += "cstring \"" + value + "\"";
-    else
-        line += (type == 'l' ? "long " : "float ") + value;
-    return line;
+std::string ValueLine(char type, const std::string& value) {
+    if (type == 'c') return "cstring \"" + value + "\"";
+    return (type == 'l' ? "long " : "float ") + value;
 }
 
 } // namespace
@@ -53,7 +50,7 @@ void TCodeGen::CompileObject() {
     if (existing >= 0 && symbols.Get(existing).Kind == skObject && symbols.Get(existing).Value == 0)
         symbols.At(existing) = object;
     else
-        symbols.Add(object);
+        compiler_.AddSymbol(object);
 
     if (forward) {
         compiler_.Output(1, "#adding object forward declaration:" + name);
@@ -72,10 +69,9 @@ void TCodeGen::CompileObject() {
         if (!type) compiler_.Expected("<object type>", word);
     }
 
-    lines.push_back("FORM \"OBJ_\"");
-    lines.push_back("{");
-    lines.push_back("  CHUNK \"TYPE\"");
-    lines.push_back("  {");
+    IffTextWriter w(lines);
+    w.Open("FORM \"OBJ_\"");
+    w.Open("CHUNK \"TYPE\"");
     std::string typeText;
     if (IsWord(compiler_, "OBJ")) {
         compiler_.NextToken();
@@ -84,30 +80,25 @@ void TCodeGen::CompileObject() {
         compiler_.Expect(";");
     }
     if (type && !type->TypeText.empty()) typeText = type->TypeText;
-    lines.push_back("    cstring \"" + typeText + "\"");
-    lines.push_back("  }");
+    w.Line("cstring \"" + typeText + "\"");
+    w.Close();
 
-    lines.push_back("  CHUNK \"COMN\"");
-    lines.push_back("  {");
-    lines.push_back("    crc32 \"" + gameName + "\"");
+    w.Open("CHUNK \"COMN\"");
+    w.Line("crc32 \"" + gameName + "\"");
     for (const char* axis : {"x", "y", "z"}) {
         compiler_.Expect(axis);
         compiler_.Expect(":");
-        lines.push_back("    float " + compiler_.ReadValue(1));
+        w.Line("float " + compiler_.ReadValue(1));
         compiler_.Expect(";");
     }
-    lines.push_back("  }");
+    w.Close();
 
-    lines.push_back("  FORM \"PLST\"");
-    lines.push_back("  {");
-    lines.push_back("    FORM \"PROP\"");
-    lines.push_back("    {");
-    lines.push_back("      CHUNK $" + std::string(kTypePropertyId) + " // " +
-                    std::string(kTypePropertyComment));
-    lines.push_back("      {");
-    lines.push_back("        long " + std::to_string(type ? type->Number : 0));
-    lines.push_back("      }");
-    lines.push_back("    }");
+    w.Open("FORM \"PLST\"");
+    w.Open("FORM \"PROP\"");
+    w.Open(PropertyChunkHeader(kTypePropertyId, kTypePropertyComment));
+    w.Line("long " + std::to_string(type ? type->Number : 0));
+    w.Close();
+    w.Close();
     for (;;) {
         const std::string keyword = compiler_.PeekToken();
         const std::int32_t kind = compiler_.TokenKind();
@@ -118,16 +109,16 @@ void TCodeGen::CompileObject() {
         }
         if (keyword == "#" && compiler_.HandleDirective()) continue;
         compiler_.NextToken();
-        CompileProperty(keyword);
+        CompileProperty(keyword, w);
     }
-    lines.push_back("  }");
-    lines.push_back("}");
+    w.Close();
+    w.Close();
     compiler_.Expect("end");
     compiler_.Expect(";");
 }
 
 // One property, its keyword already read: "KEYWORD : values ;" with the values separated by ",".
-void TCodeGen::CompileProperty(const std::string& keyword) {
+void TCodeGen::CompileProperty(const std::string& keyword, IffTextWriter& form) {
     const std::string word = UpperCase(keyword);
     if (word == "WING") {
         compiler_.Error("WING not supported!");
@@ -139,30 +130,23 @@ void TCodeGen::CompileProperty(const std::string& keyword) {
         return;
     }
     if (!compiler_.Expect(":")) return;
-    auto& lines = compiler_.Data().Objects;
-    lines.push_back("    FORM \"PROP\"");
-    lines.push_back("    {");
-    lines.push_back("      CHUNK $" + std::string(property->ChunkId) + " // " +
-                    std::string(property->Comment));
-    lines.push_back("      {");
+    form.Open("FORM \"PROP\"");
+    form.Open(PropertyChunkHeader(property->ChunkId, property->Comment));
     bool first = true;
     for (std::size_t i = 0; i < property->ValueCount; ++i) {
         const PropertyValue& v = property->Values[i];
         if (!v.Fixed.empty()) {
-            lines.push_back(ValueLine(v.Type, "        ", std::string(v.Fixed)));
+            form.Line(ValueLine(v.Type, std::string(v.Fixed)));
             continue;
         }
         if (!first) compiler_.Expect(",");
         first = false;
-        std::string line = ValueLine(v.Type, "        ",
-                                     compiler_.ReadValue(v.Type == 'c'   ? 2
-                                                         : v.Type == 'l' ? 0
-                                                                         : 1));
+        std::string line = ValueLine(v.Type, compiler_.ReadValue(v.Type == 'c' ? 2 : v.Type == 'l' ? 0 : 1));
         if (!v.Comment.empty()) line += " // " + std::string(v.Comment);
-        lines.push_back(line);
+        form.Line(line);
     }
-    lines.push_back("      }");
-    lines.push_back("    }");
+    form.Close();
+    form.Close();
     compiler_.Expect(";");
 }
 
@@ -185,26 +169,25 @@ void TCodeGen::CompileObjective() {
     objective.FileNumber = compiler_.FileNumber;
     objective.Line = compiler_.Line();
     objective.Text = std::to_string(symbols.CountOfKind(skNumber));
-    symbols.Add(objective);
+    compiler_.AddSymbol(objective);
 
-    auto& lines = compiler_.Data().Objectives;
-    lines.push_back("CHUNK \"MOBJ\"");
-    lines.push_back("{");
+    IffTextWriter w(compiler_.Data().Objectives);
+    w.Open("CHUNK \"MOBJ\"");
     for (const char* field : {"hidden", "type", "text", "status", "counter"}) {
         compiler_.Expect(field);
         compiler_.Expect(":");
         const std::string value = compiler_.ReadValue(0);
         if (std::string_view(field) == "text") {
             // One text number fills both string fields of the record.
-            lines.push_back("  long " + value + " // string1");
-            lines.push_back("  long " + value + " // string2");
+            w.Line("long " + value + " // string1");
+            w.Line("long " + value + " // string2");
         } else {
-            lines.push_back("  long " + value + " // " + field);
+            w.Line("long " + value + " // " + field);
         }
         compiler_.Expect(";");
     }
-    for (int i = 0; i < 3; ++i) lines.push_back("  long 0");
-    lines.push_back("}");
+    for (int i = 0; i < 3; ++i) w.Line("long 0");
+    w.Close();
     compiler_.Expect("end");
     compiler_.Expect(";");
 }

@@ -4,9 +4,10 @@
 
 #include "codegen/nesting_guard.h"
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
+#include "platform/numbers.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 namespace velkor {
 
@@ -53,7 +54,7 @@ void TCodeGen::CompileStatement() {
         if (word == "DEC") return CompileIncDec(false);
         if (word == "BREAK") return CompileBreak();
         if (word == "RESULT" && compiler_.Symbols().Find("RESULT") < 0) {
-            compiler_.Symbols().AddVariable("result", skLocalVar, kNoInitialValue);
+            compiler_.AddVariable("result", skLocalVar, kNoValue);
             return CompileAssignment();
         }
     }

@@ -3,12 +3,12 @@
 #include "codegen/codegen.h"
 #include "codegen/optimizer.h"
 #include "compiler/compiler_version.h"
-#include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
 #include "compiler/unit_forms.h"
 #include "iff/checksum.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <algorithm>
 #include <mutex>
@@ -49,8 +49,7 @@ TCompiler::TCompiler(std::shared_ptr<TSymbolTable> symbols, std::shared_ptr<Stri
       KillBoard(killBoard ? std::move(killBoard) : std::make_shared<StringList>()),
       Defines(defines ? std::move(defines) : std::make_shared<TDefines>(TDefines{"VER122"})),
       IncludedFiles(includedFiles ? std::move(includedFiles) : std::make_shared<IncludedFileList>()),
-      scanner_(CreateScanner()),
-      symbols_(symbols ? std::move(symbols) : std::make_shared<TSymbolTable>(this)),
+      scanner_(CreateScanner()), symbols_(symbols ? std::move(symbols) : std::make_shared<TSymbolTable>()),
       data_(std::make_unique<TCompData>(*this)), codegen_(std::make_unique<TCodeGen>(*this)) {}
 
 TCompiler::~TCompiler() = default;
@@ -60,6 +59,8 @@ std::string TCompiler::Version() {
 }
 
 void TCompiler::SetSource(std::string text) {
+    // Editors on Windows start UTF-8 files with a byte-order mark; it is no part of the unit.
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
     scanner_->LineMarkers = LineMarkers;
     data_->Source = text;
     scanner_->SetText(std::move(text));

@@ -7,9 +7,10 @@
 
 #include "compiler/comp_data.h"
 #include "compiler/defines.h"
+#include "iff/build_chain.h" // LinkedTextFile, for the callers that show the linked text
 #include "platform/exception.h"
-
 #include "platform/source_location.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -27,6 +28,7 @@ class TCodeGen;
 class TIffStringList;
 class TSourceHost;
 struct TSymbol;
+struct TSymbolSite;
 
 class ECompiler : public Exception {
 public:
@@ -51,18 +53,9 @@ struct IncludedFile {
 };
 using IncludedFileList = std::vector<IncludedFile>;
 
-class TCompiler {
-public:
-    // Each shared object that is not given is made by this compiler (Defines then holds "VER122", Rooms
-    // "cerberus.rom"). Include children get all five of their parent.
-    explicit TCompiler(std::shared_ptr<TSymbolTable> symbols = {}, std::shared_ptr<StringList> rooms = {},
-                       std::shared_ptr<TDefines> defines = {}, std::shared_ptr<StringList> killBoard = {},
-                       std::shared_ptr<IncludedFileList> includedFiles = {});
-    ~TCompiler();
-    TCompiler(const TCompiler&) = delete;
-    TCompiler& operator=(const TCompiler&) = delete;
-
-    // --- settings, set by the caller after construction
+// A compiler's settings, set by the caller after construction. Include children and #FILE units take their
+// parent's in one assignment.
+struct TCompilerOptions {
     std::function<void(const std::string&)> OnOutput; // message sink; unassigned means silent
     std::uint8_t Verbosity = 3;                       // messages of a higher level are not passed on
     bool Optimize = true;                             // run the optimiser in Finish
@@ -80,6 +73,22 @@ public:
     // Units named by #FILE are compiled for their messages but neither assembled nor written, as a
     // language server checks a unit on every change.
     bool CheckOnly = false;
+};
+
+class TCompiler : public TCompilerOptions {
+public:
+    // Each shared object that is not given is made by this compiler (Defines then holds "VER122", Rooms
+    // "cerberus.rom"). Include children get all five of their parent.
+    explicit TCompiler(std::shared_ptr<TSymbolTable> symbols = {}, std::shared_ptr<StringList> rooms = {},
+                       std::shared_ptr<TDefines> defines = {}, std::shared_ptr<StringList> killBoard = {},
+                       std::shared_ptr<IncludedFileList> includedFiles = {});
+    ~TCompiler();
+    TCompiler(const TCompiler&) = delete;
+    TCompiler& operator=(const TCompiler&) = delete;
+
+    // --- settings (the members of TCompilerOptions), as one value
+    TCompilerOptions& Options() { return *this; }
+    const TCompilerOptions& Options() const { return *this; }
 
     // --- operations, in the order a caller uses them
     void SetSource(std::string text);
@@ -176,8 +185,20 @@ public:
     void DeclareConstants(std::int32_t kind);
     void DeclareEnums();
 
+    // Symbols declared where the text now stands (symbol_declarations.cpp). A name already in the table is
+    // the error `identifier "<NAME>" redeclared`, named as the record holds it, and is added all the same.
+    void AddSymbol(TSymbol symbol);
+    // A variable: its record from the table, the "adding ..." message, the register limit ("Expression too
+    // complex"), and a global or static variable's storage name in the globals and CRC lists. Returns the
+    // record as made, before the table cut its texts.
+    TSymbol AddVariable(const std::string& name, std::int32_t kind, std::int32_t initialValue);
+    TSymbol AddPassVariable(const std::string& name);
+    void AddConstant(const std::string& name, const std::string& value, std::int32_t kind);
+
 private:
     void Report(const std::string& text, std::int32_t line, const SourceLocation& where);
+    // The file, line and function a declaration read now gets.
+    TSymbolSite Site() const;
     void DeclarationLoop();
     void DeclareOne(); // one declaration, directive or command, by its first token
 
@@ -198,7 +219,7 @@ private:
     void IncludeStringFile(const std::string& written);
     void CompileFiles();
     void CompileFile(const std::string& written);
-    void AssembleLinkedText(const std::string& text, const std::filesystem::path& unitFolder);
+    void AssembleLinkedText(std::string text, const std::filesystem::path& unitFolder);
 
     std::unique_ptr<TScanner> scanner_;     // the selected scanner class, made in the constructor
     std::shared_ptr<TSymbolTable> symbols_; // own or the parent's
@@ -213,9 +234,5 @@ private:
 // The process-wide file-name list: a file's number is its index, appended on first use; "" is -1.
 std::int32_t FileNumberOf(const std::string& name);
 std::string FileNameOf(std::int32_t number);
-
-// "_velkor.txt" in the system's temporary folder: the text each #FILE unit and the IDE's Build IFF leave
-// there for the user to look at.
-std::filesystem::path LinkedTextFile();
 
 } // namespace velkor

@@ -1,10 +1,10 @@
 // The declaration loop of a unit and the variable, constant and enumeration declarations.
 #include "codegen/codegen.h"
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "compiler/symbol_table.h"
 #include "platform/numbers.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 namespace velkor {
 
@@ -90,7 +90,7 @@ void TCompiler::DeclareVariables(std::int32_t kind) {
             Expected("<Identifier>", name);
             return;
         }
-        std::int32_t value = varKind == skLocalVar ? kNoInitialValue : 0;
+        std::int32_t value = varKind == skLocalVar ? kNoValue : 0;
         PeekToken();
         if (TokenKind() == tkOperator && PeekToken() == "=") {
             NextToken();
@@ -99,7 +99,7 @@ void TCompiler::DeclareVariables(std::int32_t kind) {
             // The value reader has converted the number, or reported why it could not.
             if (auto v = StrToInt(ReadValue(0))) value = *v;
         }
-        symbols_->AddVariable(name, varKind, value);
+        AddVariable(name, varKind, value);
         separator = NextToken();
     } while (TokenKind() == tkComma);
     if (TokenKind() != tkSemicolon) Expected(";", separator);
@@ -124,7 +124,7 @@ void TCompiler::DeclareConstants(std::int32_t kind) {
             int found = symbols_->Find(value);
             if (found >= 0) value = symbols_->Get(found).Text;
         }
-        symbols_->AddConstant(name, value, kind);
+        AddConstant(name, value, kind);
         separator = NextToken();
     } while (TokenKind() == tkComma);
     if (TokenKind() != tkSemicolon) Expected(";", separator);
@@ -144,7 +144,7 @@ void TCompiler::DeclareEnums() {
             NextToken();
             if (auto v = StrToInt(ReadValue(0))) next = *v;
         }
-        symbols_->AddConstant(name, std::to_string(next), skEnum);
+        AddConstant(name, std::to_string(next), skEnum);
         ++next;
         separator = NextToken();
     } while (TokenKind() == tkComma);

@@ -1,8 +1,8 @@
 // Included source and string files, #FILE compilations, the search path and the output path.
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "compiler/source_host.h"
 #include "compiler/symbol_table.h"
+#include "iff/build_chain.h"
 #include "iff/iff_compiler.h"
 #include "iff/iff_strings.h"
 #include "platform/named_folders.h"
@@ -10,6 +10,7 @@
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
 #include "platform/text_file.h"
+#include "scanner/scanner.h"
 
 #include <algorithm>
 
@@ -22,14 +23,6 @@ std::string WithTrailingBackslash(std::string folder) {
     return folder;
 }
 
-// A regular file only: a folder or a device of that name is as good as missing.
-std::optional<std::filesystem::path> FindFile(std::string_view name) {
-    auto found = FindExisting(name);
-    std::error_code ec;
-    if (!found || !std::filesystem::is_regular_file(*found, ec)) return std::nullopt;
-    return found;
-}
-
 // The file-name part without its extension, upper-cased: the name a string table goes by.
 std::string TableName(std::string_view path) {
     std::string name = UpperCase(FileNamePart(path));
@@ -37,20 +30,6 @@ std::string TableName(std::string_view path) {
     if (dot != std::string::npos) name.erase(dot);
     return ShortString(name);
 }
-
-// Lets the shared symbol table report through (and take lines and file numbers from) the compiler whose
-// text is being read, and gives it back to the parent afterwards.
-class OwnerScope {
-public:
-    OwnerScope(TSymbolTable& table, TCompiler& owner) : table_(table), previous_(table.SetOwner(&owner)) {}
-    ~OwnerScope() { table_.SetOwner(previous_); }
-    OwnerScope(const OwnerScope&) = delete;
-    OwnerScope& operator=(const OwnerScope&) = delete;
-
-private:
-    TSymbolTable& table_; // the shared table
-    TCompiler* previous_; // its owner before the child took over
-};
 
 // The source text of a file found on the search path: the host's, else the file's.
 std::string ReadSourceText(TSourceHost* host, const std::filesystem::path& found) {
@@ -94,14 +73,14 @@ void TCompiler::SetOutputPath(const std::string& folder) {
 }
 
 bool TCompiler::FindInSearchPath(std::string& name, bool keepFolders, std::filesystem::path& found) const {
-    if (auto direct = FindFile(name)) {
+    if (auto direct = FindExistingFile(name)) {
         found = *direct;
         return true;
     }
     if (!keepFolders) name = FileNamePart(name);
     for (const auto& folder : SearchPath) {
         std::string candidate = WithTrailingBackslash(folder) + name;
-        if (auto hit = FindFile(candidate)) {
+        if (auto hit = FindExistingFile(candidate)) {
             name = std::move(candidate);
             found = *hit;
             return true;
@@ -172,25 +151,15 @@ void TCompiler::IncludeSourceFile(const std::string& written) {
     IncludedFiles->push_back({UpperCase(FileNamePart(written)), nullptr});
 
     TCompiler child(symbols_, Rooms, Defines, KillBoard, IncludedFiles);
-    child.HaltOnError = HaltOnError;
-    child.Verbosity = Verbosity;
+    child.Options() = Options();
     child.SearchPath = SearchPath;
     child.OutputPath = OutputPath;
-    child.OnOutput = OnOutput;
-    child.SymbolsOnly = SymbolsOnly;
-    child.Optimize = Optimize;
-    child.LineMarkers = LineMarkers;
-    child.PlaceOutputFile = PlaceOutputFile;
-    child.OnFileWritten = OnFileWritten;
     child.IncludeDepth = IncludeDepth + 1;
     child.fileChain_ = fileChain_;
-    child.SourceHost = SourceHost;
-    child.CheckOnly = CheckOnly;
     child.SetSource(std::move(text));
     child.SetFileName(name);
     {
         HostScope hosted(SourceHost, found, child.FileName);
-        OwnerScope scope(*symbols_, child);
         try {
             child.Compile();
         } catch (...) {
@@ -241,7 +210,7 @@ void TCompiler::IncludeStringFile(const std::string& written) {
     symbol.FileNumber = FileNumber;
     symbol.Line = Line();
     symbol.Text = ShortString(name);
-    symbols_->Add(std::move(symbol));
+    AddSymbol(std::move(symbol));
 }
 
 // A failed lookup is an error like any other: when not halting, recovery skips the rest of the reference.
@@ -287,7 +256,8 @@ void TCompiler::CompileFile(const std::string& written) {
     }
     if (!fileChain_) {
         fileChain_ = std::make_shared<std::vector<std::filesystem::path>>();
-        if (auto own = FindFile(FileName)) fileChain_->push_back(std::filesystem::weakly_canonical(*own));
+        if (auto own = FindExistingFile(FileName))
+            fileChain_->push_back(std::filesystem::weakly_canonical(*own));
     }
     const std::filesystem::path canonical = std::filesystem::weakly_canonical(found);
     // The same file under another name counts too: on Windows "A.PAS" is "a.pas".
@@ -315,22 +285,15 @@ void TCompiler::CompileFile(const std::string& written) {
     std::string linked;
     {
         TCompiler unit;
-        unit.HaltOnError = HaltOnError;
-        unit.Verbosity = Verbosity;
         unit.SearchPath = SearchPath;
         *unit.Defines = *Defines;
-        // The unit's folder and output path are set while it has no sink yet: its "added to searchpath"
-        // and "output path set to" lines (and a missing folder's hint) are not shown.
+        // The unit's folder and output path are set before it takes the settings, while it has no sink yet:
+        // its "added to searchpath" and "output path set to" lines (and a missing folder's hint) are not
+        // shown.
         unit.AddToSearchPath(std::filesystem::absolute(found).parent_path().string());
-        unit.Optimize = Optimize;
         if (!OutputPath.empty()) unit.SetOutputPath(OutputPath);
-        unit.OnOutput = OnOutput;
-        unit.LineMarkers = LineMarkers;
-        unit.PlaceOutputFile = PlaceOutputFile;
-        unit.OnFileWritten = OnFileWritten;
+        unit.Options() = Options();
         unit.fileChain_ = fileChain_;
-        unit.SourceHost = SourceHost;
-        unit.CheckOnly = CheckOnly;
         unit.SetSource(std::move(text));
         unit.SetFileName(name);
         HostScope hosted(SourceHost, found, unit.FileName);
@@ -349,47 +312,37 @@ void TCompiler::CompileFile(const std::string& written) {
         }
         ErrorCount += unit.ErrorCount;
     }
-    if (!CheckOnly) AssembleLinkedText(linked, found.parent_path());
+    if (!CheckOnly) AssembleLinkedText(std::move(linked), found.parent_path());
 }
 
-std::filesystem::path LinkedTextFile() {
-    return std::filesystem::temp_directory_path() / "_velkor.txt";
-}
-
-void TCompiler::AssembleLinkedText(const std::string& text, const std::filesystem::path& unitFolder) {
-    const std::filesystem::path temp = LinkedTextFile();
+void TCompiler::AssembleLinkedText(std::string text, const std::filesystem::path& unitFolder) {
     try {
-        WriteFileAtomic(temp, text);
+        KeepLinkedText(text);
     } catch (const EInOutError& e) {
         Error(e.what());
         return;
     }
     std::vector<std::string> writeFailures;
+    BuildOutputs outputs;
+    outputs.Place = [this](const std::string& name) {
+        return PlaceOutputFile ? PlaceOutputFile(name) : ResolvePath(name);
+    };
+    outputs.Report = [this](const std::string& name, const std::filesystem::path& path, std::size_t size) {
+        Output(0, "** " + name + " ** (" + FormatThousands(static_cast<std::int64_t>(size)) + " bytes)");
+        if (OnFileWritten) OnFileWritten(path, size);
+    };
+    // Reported once the assembly is over, as errors of the unit that named the #FILE.
+    outputs.Failed = [&writeFailures](const std::string& message) { writeFailures.push_back(message); };
     TIffCompiler assembler;
     assembler.OnMessage = [this](int level, const std::string& line) { Output(level, line); };
-    assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& fileName) {
-        try {
-            const std::filesystem::path path =
-                PlaceOutputFile ? PlaceOutputFile(fileName) : ResolvePath(fileName);
-            WriteFileAtomic(path, bytes);
-            Output(0, "** " + fileName + " ** (" + FormatThousands(static_cast<std::int64_t>(bytes.size())) +
-                          " bytes)");
-            if (OnFileWritten) OnFileWritten(path, bytes.size());
-        } catch (const EInOutError& e) {
-            writeFailures.push_back(e.what());
-        }
-    };
-    // The text is kept in the temporary file for the user to look at; the assembler takes it from memory,
-    // so that compilers running side by side cannot read each other's file, and finds FILE values beside
-    // the unit.
-    assembler.SetInputText(text, unitFolder);
-    try {
-        assembler.Compile();
-    } catch (const EIffCompiler& e) {
+    // The assembler takes the text from memory, so that compilers running side by side cannot read each
+    // other's file, and finds FILE values beside the unit.
+    assembler.TakeInputText(std::move(text), unitFolder);
+    if (const auto error = AssembleToFiles(assembler, outputs)) {
         // The assembler has reported the error through Output already.
         ++ErrorCount;
         ErrorLine = Line();
-        if (HaltOnError) throw ECompiler(e.what());
+        if (HaltOnError) throw ECompiler(*error);
     }
     for (const auto& failure : writeFailures) ErrorNoSkip(failure);
 }

@@ -1,11 +1,11 @@
 // Directives (#DEFINE ... #ENDIF) and unit-header commands (#ADDTOSEARCHPATH ... #ERROR).
 #include "codegen/codegen.h"
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
 #include "platform/named_folders.h"
 #include "platform/numbers.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <algorithm>
 

@@ -1,9 +1,5 @@
 #include "compiler/symbol_table.h"
 
-#include "codegen/codegen.h"
-#include "compiler/compiler.h"
-#include "iff/checksum.h"
-#include "platform/numbers.h"
 #include "platform/strings.h"
 
 #include <algorithm>
@@ -21,24 +17,13 @@ std::string ShortString(std::string_view text) {
     return std::string(text.substr(0, kShortStringMax));
 }
 
-TSymbolTable::TSymbolTable(TCompiler* owner) : owner_(owner) {}
-
-TSymbolTable::TSymbolTable(const TSymbolTable& other) : owner_(nullptr) {
+TSymbolTable::TSymbolTable(const TSymbolTable& other) {
     for (const auto& s : other.symbols_) Add(s);
-}
-
-void TSymbolTable::Message(int level, const std::string& text) {
-    if (owner_) owner_->Output(level, text);
-}
-
-void TSymbolTable::Fail(const std::string& text) {
-    if (owner_) owner_->Error(text);
 }
 
 void TSymbolTable::Add(TSymbol symbol) {
     symbol.Name = ShortString(symbol.Name);
     symbol.Text = ShortString(symbol.Text);
-    if (Find(symbol.Name) >= 0) Fail("identifier \"" + symbol.Name + "\" redeclared");
     const int position = Count();
     if (IsLocalKind(symbol.Kind) && firstLocal_ < 0) firstLocal_ = position;
     ++kindCounts_[symbol.Kind];
@@ -160,112 +145,42 @@ void TSymbolTable::RemoveLocals() {
     firstLocal_ = -1;
 }
 
-TSymbol TSymbolTable::AddVariable(const std::string& name, std::int32_t kind, std::int32_t initialValue) {
+namespace {
+
+TSymbol Declared(const std::string& name, std::string text, std::int32_t kind, const TSymbolSite& site) {
     TSymbol s;
     s.Name = UpperCase(name);
-    s.Text = name;
+    s.Text = std::move(text);
     s.Kind = kind;
+    s.FileNumber = site.FileNumber;
+    s.Line = site.Line;
+    return s;
+}
+
+} // namespace
+
+TSymbol TSymbolTable::MakeVariable(const std::string& name, std::int32_t kind, std::int32_t initialValue,
+                                   const TSymbolSite& site) const {
+    TSymbol s = Declared(name, name, kind, site);
     s.Value = initialValue;
-    if (owner_) {
-        s.FileNumber = owner_->FileNumber;
-        s.Line = owner_->Line();
-    }
-    auto crcOf = [](const std::string& text) { return IntToHex(NameHash(text), 8); };
-    switch (kind) {
-    case skGlobalVar:
-        Message(2, "adding global variable: " + name + ", CRC: " + crcOf(name));
-        if (owner_) {
-            owner_->Data().Globals.push_back(name);
-            owner_->Data().CrcNames.push_back(name);
-        }
-        break;
-    case skLocalVar:
+    if (kind == skLocalVar)
         s.Register = 24 + CountOfKind(skLocalVar);
-        Message(2, "adding local variable: " + name + " [reg: " + std::to_string(s.Register) + "]");
-        if (s.Register >= 32) Fail("Expression too complex");
-        break;
-    case skExternalVar:
-        Message(1, "adding external variable: " + name + ", CRC: " + crcOf(name));
-        Message(1, "   don't forget to declare it in series!");
-        break;
-    case skStackVar:
+    else if (kind == skStackVar)
         s.Register = 24 + CountOfKind(skLocalVar) + CountOfKind(skStackVar);
-        Message(2, "adding stack variable: " + name + " [reg: " + std::to_string(s.Register) + "]");
-        if (s.Register >= 32) Fail("Expression too complex");
-        break;
-    case skStaticVar: {
-        const std::string function = owner_ ? owner_->CodeGen().CurrentFunction : std::string();
-        s.Text = "__" + function + "_" + name;
-        Message(2,
-                "adding static variable: Symbol:" + name + ", Name: " + s.Name + ", CRC: " + crcOf(s.Text));
-        if (owner_) {
-            owner_->Data().Globals.push_back(s.Text);
-            owner_->Data().CrcNames.push_back(s.Text);
-        }
-        break;
-    }
-    default:
-        Fail("FATAL - variable \"" + name + "\" has unknown scope (" + std::to_string(kind) +
-             "). Don't know what do do with it. - This should never happen!");
-        break;
-    }
-    Add(s);
+    else if (kind == skStaticVar)
+        s.Text = "__" + std::string(site.Function) + "_" + name;
     return s;
 }
 
-TSymbol TSymbolTable::AddPassVariable(const std::string& name) {
-    TSymbol s;
-    s.Name = UpperCase(name);
-    s.Text = name;
-    s.Kind = skPassVar;
+TSymbol TSymbolTable::MakePassVariable(const std::string& name, const TSymbolSite& site) const {
+    TSymbol s = Declared(name, name, skPassVar, site);
     s.Register = 16 + CountOfKind(skPassVar);
-    if (owner_) {
-        s.FileNumber = owner_->FileNumber;
-        s.Line = owner_->Line();
-    }
-    // The message counts local variables, not parameters; the stored register is right.
-    Message(3,
-            "adding pass variable: " + name + " [reg: " + std::to_string(16 + CountOfKind(skLocalVar)) + "]");
-    Add(s);
     return s;
 }
 
-void TSymbolTable::AddConstant(const std::string& name, const std::string& value, std::int32_t kind) {
-    TSymbol s;
-    s.Name = UpperCase(name);
-    s.Text = value;
-    s.Kind = kind;
-    if (owner_) {
-        s.FileNumber = owner_->FileNumber;
-        s.Line = owner_->Line();
-    }
-    if (kind == skGlobalConst)
-        Message(3, "adding global const " + s.Name + " with value " + value);
-    else if (kind == skLocalConst)
-        Message(2, "adding local const " + s.Name + " with value " + value);
-    else if (kind == skEnum)
-        Message(3, "adding global enum " + s.Name + " with value " + value);
-    Add(s);
-}
-
-void TSymbolTable::Store(const TSymbol& symbol, int r) {
-    if (!owner_) return;
-    switch (symbol.Kind) {
-    case skLocalVar:
-    case skPassVar:
-    case skStackVar:
-        owner_->CodeGen().EmitLine("movv v" + std::to_string(symbol.Register) + " v" + std::to_string(r) +
-                                   ";");
-        break;
-    case skGlobalVar:
-    case skExternalVar:
-    case skStaticVar:
-        owner_->CodeGen().EmitLine("movv " + symbol.Text + " v" + std::to_string(r) + ";");
-        break;
-    default:
-        Fail("FATAL - symbol \"" + symbol.Text + "\" has unknown symbol type (" +
-             std::to_string(symbol.Kind) + "). Don't know how to store it. - This should never happen!");
-    }
+TSymbol TSymbolTable::MakeConstant(const std::string& name, const std::string& value, std::int32_t kind,
+                                   const TSymbolSite& site) const {
+    return Declared(name, value, kind, site);
 }
 
 } // namespace velkor

@@ -1,5 +1,6 @@
-// Every name a unit and its included files declare, where each variable lives (a numbered register of the
-// script machine or a named global), and the listing lines that store and load a variable.
+// Every name a unit and its included files declare, and where each variable lives (a numbered register of
+// the script machine or a named global). The table is data only: the compiler reading a declaration says
+// where it stands and reports what the table decides; the code generator loads and stores variables.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +10,6 @@
 #include <vector>
 
 namespace velkor {
-
-class TCompiler;
 
 // Symbol kinds.
 enum : std::int32_t {
@@ -42,29 +41,28 @@ struct TSymbol {
     std::int32_t Value = 0;    // functions and objects: non-zero once implemented; variables: initial value
 };
 
-inline constexpr std::size_t kShortStringMax = 64;          // longest name or text a record keeps
-inline constexpr std::int32_t kNoInitialValue = 0x0F00AAFF; // a local variable declared without a value
+inline constexpr std::size_t kShortStringMax = 64; // longest name or text a record keeps
 
 // Cuts a text to what a record keeps.
 std::string ShortString(std::string_view text);
 
+// Where a declaration is read: the file and line a record gets, and the function being compiled, which
+// names the storage of a static variable.
+struct TSymbolSite {
+    std::int32_t FileNumber = -1;
+    std::int32_t Line = 0;
+    std::string_view Function;
+};
+
 class TSymbolTable {
 public:
-    explicit TSymbolTable(TCompiler* owner);
-    // A copy for the editor's symbol browser: the same records in order, no owner.
+    TSymbolTable() = default;
+    // A copy for the editor's symbol browser: the same records in order.
     TSymbolTable(const TSymbolTable& other);
     TSymbolTable& operator=(const TSymbolTable&) = delete;
 
-    // The compiler whose text is being read reports the table's messages and errors and lends its file
-    // number, line and lists; include children take it over while they compile. Returns the previous one.
-    TCompiler* SetOwner(TCompiler* owner) {
-        TCompiler* previous = owner_;
-        owner_ = owner;
-        return previous;
-    }
-
-    // Appends; a name already present is the error `identifier "<NAME>" redeclared`, named as the record
-    // holds it (upper-cased), and is added anyway (lookups then find the first record).
+    // Appends, names and texts cut to what a record keeps. A name already present is added all the same;
+    // lookups then find the first record.
     void Add(TSymbol symbol);
     int Find(std::string_view name) const; // index of the first record of that name (any case), or -1
     const TSymbol& Get(int index) const;
@@ -75,20 +73,17 @@ public:
     // Deletes every record of the kinds that live only while a function compiles (1, 2, 4, 100, 166).
     void RemoveLocals();
 
-    // Fills a record for a variable of the given kind, with its register or storage name and messages,
-    // adds it and returns a copy.
-    TSymbol AddVariable(const std::string& name, std::int32_t kind, std::int32_t initialValue);
-    TSymbol AddPassVariable(const std::string& name);
-    void AddConstant(const std::string& name, const std::string& value, std::int32_t kind);
-
-    // The listing line that stores register r into the symbol ("movv v<reg> v<r>;" or "movv <name> v<r>;"),
-    // emitted through the owner's code generator.
-    void Store(const TSymbol& symbol, int r);
+    // The records of declarations, not yet added: a variable of the given kind gets its register (counted
+    // from the records in the table) or, when static, its storage name "__<function>_<name>"; a parameter
+    // its register; a constant its value text. Names and texts are not cut yet.
+    TSymbol MakeVariable(const std::string& name, std::int32_t kind, std::int32_t initialValue,
+                         const TSymbolSite& site) const;
+    TSymbol MakePassVariable(const std::string& name, const TSymbolSite& site) const;
+    TSymbol MakeConstant(const std::string& name, const std::string& value, std::int32_t kind,
+                         const TSymbolSite& site) const;
 
 private:
     void Reindex();
-    void Message(int level, const std::string& text);
-    void Fail(const std::string& text);
 
     // The index: for each name, the position of its first record. Open addressing with linear probing in
     // one array, because a compile looks up a name for nearly every operand and a node-based map spent that
@@ -106,7 +101,6 @@ private:
     // Forgets the record's name when the record is the one its name is indexed by.
     void IndexRemove(int position);
 
-    TCompiler* owner_;             // none for a copy
     std::vector<TSymbol> symbols_; // in declaration order
     std::vector<IndexSlot> index_; // a power of two in size, at most half full; empty before any record
     std::size_t indexed_ = 0;      // names in the index

@@ -1,7 +1,9 @@
 #include "compiler/unit_forms.h"
 
+#include "codegen/object_tables.h"
 #include "compiler/compiler.h"
 #include "compiler/symbol_table.h"
+#include "iff/iff_text_writer.h"
 #include "platform/strings.h"
 
 #include <string_view>
@@ -10,57 +12,16 @@ namespace velkor {
 
 namespace {
 
-constexpr std::string_view kTypeProperty = "CHUNK $56A0F92F // OBJ_PROP_TYPE";
 constexpr std::string_view kBackgroundProperty = "CHUNK $A971779D // OBJ_PROP_SPACE_BACKGROUND";
 constexpr std::string_view kGfProcProperty = "CHUNK $59F32AC2";
 constexpr std::string_view kMainProcProperty = "CHUNK $164A8982";
 constexpr std::string_view kNoFlags = "must_have_at_least_one_flag";
 
-// Writes the textual IFF with two blanks of indentation per open block, straight into the linked text:
-// the function listing alone can run to hundreds of thousands of lines.
-class TextWriter {
-public:
-    explicit TextWriter(std::string& text) : text_(text) {}
-
-    void Line(std::string_view text) {
-        text_.append(indent_, ' ');
-        text_ += text;
-        text_ += "\r\n";
-    }
-    void Open(std::string_view header) {
-        Line(header);
-        Line("{");
-        indent_ += 2;
-    }
-    void Close() {
-        indent_ -= 2;
-        Line("}");
-    }
-    // Lines of another list, each behind a fixed number of blanks whatever the current level.
-    void Verbatim(const StringList& lines, std::size_t blanks) {
-        for (const auto& l : lines) Indented(l, blanks);
-    }
-    void Verbatim(const TListing& lines, std::size_t blanks) {
-        for (std::string_view l : lines) Indented(l, blanks);
-    }
-
-private:
-    void Indented(std::string_view line, std::size_t blanks) {
-        text_.append(blanks, ' ');
-        text_ += line;
-        text_ += "\r\n";
-    }
-
-private:
-    std::string& text_;      // the linked text being built
-    std::size_t indent_ = 0; // blanks in front of the next line
-};
-
 std::string Quoted(std::string_view text) {
     return "\"" + std::string(text) + "\"";
 }
 
-void PropertyForm(TextWriter& w, std::string_view chunk, std::string_view value) {
+void PropertyForm(IffTextWriter& w, std::string_view chunk, std::string_view value) {
     w.Open("FORM \"PROP\"");
     w.Open(chunk);
     w.Line(value);
@@ -68,11 +29,11 @@ void PropertyForm(TextWriter& w, std::string_view chunk, std::string_view value)
     w.Close();
 }
 
-void FileHeader(TextWriter& w, TCompiler& c, std::string_view extension) {
+void FileHeader(IffTextWriter& w, TCompiler& c, std::string_view extension) {
     w.Open("IFF " + Quoted(c.OutputPath + c.UnitName + std::string(extension)));
 }
 
-void VersionChunk(TextWriter& w) {
+void VersionChunk(IffTextWriter& w) {
     w.Open("CHUNK \"VERS\"");
     w.Line("byte[4] 2, 1, 0, 1");
     for (const char* v : {"long 361", "long 1", "long 1", "long 1", "long 0", "long 0"}) w.Line(v);
@@ -88,7 +49,7 @@ std::int32_t InitialValue(TCompiler& c, const std::string& global) {
     return s.Kind == skGlobalVar || s.Kind == skStaticVar ? s.Value : 0;
 }
 
-void FlagsChunk(TextWriter& w, TCompiler& c) {
+void FlagsChunk(IffTextWriter& w, TCompiler& c) {
     auto& data = c.Data();
     // The game refuses an empty flag chunk.
     if (data.Globals.empty()) {
@@ -104,7 +65,7 @@ void FlagsChunk(TextWriter& w, TCompiler& c) {
     w.Close();
 }
 
-void FunctionChunk(TextWriter& w, TCompiler& c) {
+void FunctionChunk(IffTextWriter& w, TCompiler& c) {
     w.Open("CHUNK \"FUNC\"");
     w.Open("WCP_ASM");
     w.Verbatim(c.Data().CodeList, 8);
@@ -112,20 +73,20 @@ void FunctionChunk(TextWriter& w, TCompiler& c) {
     w.Close();
 }
 
-void ObjectsForm(TextWriter& w, TCompiler& c) {
+void ObjectsForm(IffTextWriter& w, TCompiler& c) {
     w.Open("FORM \"OBJS\"");
     w.Verbatim(c.Data().Objects, 8);
     w.Close();
 }
 
-void IdChunk(TextWriter& w, std::string_view id) {
+void IdChunk(IffTextWriter& w, std::string_view id) {
     w.Open("CHUNK \"ID__\"");
     w.Line("cstring " + Quoted(id));
     w.Close();
 }
 
 // Closes the file's block as its last line.
-void EditorForm(TextWriter& w, TCompiler& c) {
+void EditorForm(IffTextWriter& w, TCompiler& c) {
     const auto& names = c.Data().CrcNames;
     w.Open("FORM \"EDTR\"");
     w.Open("CHUNK \"CRCS\"");
@@ -137,7 +98,7 @@ void EditorForm(TextWriter& w, TCompiler& c) {
     w.Close();
 }
 
-void MissionObjectives(TextWriter& w, TCompiler& c) {
+void MissionObjectives(IffTextWriter& w, TCompiler& c) {
     const auto& objectives = c.Data().Objectives;
     w.Open("FORM \"MOBJ\"");
     w.Open("CHUNK \"NUMO\"");
@@ -150,17 +111,17 @@ void MissionObjectives(TextWriter& w, TCompiler& c) {
 } // namespace
 
 void LinkMission(TCompiler& c, std::string& text) {
-    TextWriter w(text);
+    IffTextWriter w(text);
     auto& data = c.Data();
 
     FileHeader(w, c, ".mis");
     w.Open("FORM \"MISN\"");
     VersionChunk(w);
     w.Open("FORM \"PLST\"");
-    PropertyForm(w, kTypeProperty, "long 16");
+    PropertyForm(w, PropertyChunkHeader(kTypePropertyId, kTypePropertyComment), "long 16");
     if (!data.GfProc.empty()) PropertyForm(w, kGfProcProperty, "cstring " + Quoted(data.GfProc));
     if (!data.MainProc.empty()) PropertyForm(w, kMainProcProperty, "cstring " + Quoted(data.MainProc));
-    PropertyForm(w, kTypeProperty, "long 16");
+    PropertyForm(w, PropertyChunkHeader(kTypePropertyId, kTypePropertyComment), "long 16");
     w.Close();
     FlagsChunk(w, c);
     FunctionChunk(w, c);
@@ -194,14 +155,14 @@ void LinkMission(TCompiler& c, std::string& text) {
 }
 
 void LinkSector(TCompiler& c, std::string& text) {
-    TextWriter w(text);
+    IffTextWriter w(text);
     FileHeader(w, c, ".sec");
     w.Open("FORM \"MED_\"");
     w.Open("CHUNK \"VERS\"");
     for (const char* v : {"long 92417", "long 256", "long 256", "long 256", "long 0", "long 0"}) w.Line(v);
     w.Close();
     w.Open("FORM \"PLST\"");
-    PropertyForm(w, kTypeProperty, "long 30");
+    PropertyForm(w, PropertyChunkHeader(kTypePropertyId, kTypePropertyComment), "long 30");
     PropertyForm(w, kBackgroundProperty, "long " + std::to_string(c.Background));
     w.Close();
     ObjectsForm(w, c);
@@ -210,7 +171,7 @@ void LinkSector(TCompiler& c, std::string& text) {
 }
 
 void LinkSeries(TCompiler& c, std::string& text) {
-    TextWriter w(text);
+    IffTextWriter w(text);
     FileHeader(w, c, ".srs");
     w.Open("FORM \"SERS\"");
     VersionChunk(w);

@@ -1,6 +1,6 @@
 #include "editor/highlighter.h"
 
-#include "compiler/scanner.h"
+#include "scanner/scanner.h"
 
 #include <Qsci/qsciscintilla.h>
 
@@ -10,12 +10,6 @@
 
 namespace velkor {
 namespace {
-
-// Words the statement compiler dispatches on or treats specially; not scanner keywords.
-constexpr std::array<std::string_view, 16> kStatementWords = {
-    "if",    "then", "else", "while", "do",  "until", "for",  "to",
-    "break", "inc",  "dec",  "not",   "xor", "mod",   "aint", "result",
-};
 
 constexpr size_t kLongestKeyword = 16; // no keyword is longer; longer words need no lookup
 
@@ -75,7 +69,8 @@ bool IsSourceKeyword(std::string_view word) {
     const std::string_view w(lower.data(), word.size());
     for (const auto& k : ScannerKeywords())
         if (k.word == w) return true;
-    return std::find(kStatementWords.begin(), kStatementWords.end(), w) != kStatementWords.end();
+    const auto statementWords = StatementWords();
+    return std::find(statementWords.begin(), statementWords.end(), w) != statementWords.end();
 }
 
 int StyleSourceText(std::string_view text, int state, char* styles,

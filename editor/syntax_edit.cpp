@@ -433,13 +433,23 @@ QString TSyntaxEdit::LineText(int line) const {
     return t;
 }
 
+QString TSyntaxEdit::FullText() const {
+    const auto length = static_cast<qsizetype>(SendScintilla(SCI_GETLENGTH));
+    const auto* bytes = static_cast<const char*>(SendScintillaPtrResult(SCI_GETCHARACTERPOINTER));
+    if (!bytes || length == 0) return {};
+    return QString::fromUtf8(bytes, length);
+}
+
 std::string TSyntaxEdit::EncodedText() const {
-    const QString all = text();
+    const QString all = FullText();
     if (encoding_ == TFileEncoding::Latin1) {
         bool fits = std::all_of(all.begin(), all.end(), [](QChar c) { return c.unicode() < 256; });
         if (fits) return all.toLatin1().toStdString();
     }
-    return all.toUtf8().toStdString();
+    const QByteArray utf8 = all.toUtf8();
+    std::string out = byteOrderMark_ ? std::string("\xEF\xBB\xBF") : std::string();
+    out.append(utf8.constData(), static_cast<std::size_t>(utf8.size()));
+    return out;
 }
 
 void TSyntaxEdit::LoadFromFile(const std::filesystem::path& path) {
@@ -447,10 +457,12 @@ void TSyntaxEdit::LoadFromFile(const std::filesystem::path& path) {
     const auto* raw = reinterpret_cast<const char*>(bytes.data());
     const auto size = static_cast<qsizetype>(bytes.size());
     QString content;
+    byteOrderMark_ = false;
     if (IsValidUtf8(std::string_view(raw, bytes.size()))) {
         encoding_ = TFileEncoding::Utf8;
-        content = QString::fromUtf8(raw, size);
-        if (content.startsWith(QChar(0xFEFF))) content.remove(0, 1);
+        // Read from the bytes: the conversion may or may not drop the mark itself.
+        byteOrderMark_ = std::string_view(raw, bytes.size()).starts_with("\xEF\xBB\xBF");
+        content = QString::fromUtf8(raw + (byteOrderMark_ ? 3 : 0), size - (byteOrderMark_ ? 3 : 0));
     } else {
         encoding_ = TFileEncoding::Latin1;
         content = QString::fromLatin1(raw, size);
@@ -468,7 +480,11 @@ void TSyntaxEdit::LoadFromFile(const std::filesystem::path& path) {
         }
     }
     setEolMode(mode);
-    setText(content);
+    // Through Scintilla itself: QScintilla's setText ends the text at its first NUL character. Scintilla
+    // shows every NUL as a visible mark, and FullText gives them back for saving.
+    const QByteArray utf8 = content.toUtf8();
+    SendScintilla(SCI_CLEARALL);
+    SendScintilla(SCI_APPENDTEXT, static_cast<unsigned long>(utf8.size()), utf8.constData());
     SendScintilla(SCI_EMPTYUNDOBUFFER);
     setModified(false);
     SendScintilla(SCI_GOTOPOS, 0L);

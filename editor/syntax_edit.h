@@ -53,6 +53,8 @@ public:
 
     // Text access. Lines are numbered from 0; line texts have no line break.
     QString Text() const { return text(); }
+    // Every character of the document, NUL characters included (QScintilla's text() ends at the first).
+    QString FullText() const;
     void SetText(const QString& text);
     QStringList Lines() const;
     QString LineText(int line) const;
@@ -158,7 +160,8 @@ private:
     TReplacePrompt replacePrompt_;                 // asked before replacements; empty: a message box
     QString lastSearchError_;                      // error text of an invalid regular expression
     TFileEncoding encoding_ = TFileEncoding::Utf8; // encoding used to save and for EncodedText
-    int lineNumberDigits_ = 0;                     // digits the line-number margin is sized for
+    bool byteOrderMark_ = false; // the UTF-8 file began with a byte-order mark, kept on save
+    int lineNumberDigits_ = 0;   // digits the line-number margin is sized for
 };
 
 } // namespace velkor

@@ -19,6 +19,7 @@ constexpr const char* kBottomSite = "PageControl1"; // the bottom dock area
 constexpr int kNarrow = 20;                         // below this an area counts as closed
 constexpr int kSideWidth = 260;                     // width a closed side area opens with
 constexpr int kBottomHeight = 120;                  // height a closed bottom area opens with
+const QSize kMinimumView(150, 80);                  // a floating view is never restored smaller
 
 Qt::DockWidgetArea AreaOf(const std::string& site) {
     if (site == kSideSite) return Qt::LeftDockWidgetArea;
@@ -108,7 +109,8 @@ void TfrmMain::RestoreViewPlacements() {
         const TDockPlacement placement = ReadDockPlacement(FromQ(view->objectName()), defaults);
         DockView(*view, placement.Site);
         if (placement.Site.empty() && placement.Width > 0 && placement.Height > 0)
-            view->setGeometry(placement.Left, placement.Top, placement.Width, placement.Height);
+            view->setGeometry(KeepOnScreen(
+                QRect(placement.Left, placement.Top, placement.Width, placement.Height), kMinimumView));
         else if (!placement.Site.empty() && placement.Width > 0 && placement.Height > 0)
             resizeDocks(
                 {view},
@@ -125,7 +127,8 @@ void TfrmMain::SaveViewPlacements() {
         TDockPlacement placement;
         placement.Site = SiteOf(*view);
         placement.WindowState = 0;
-        const QRect frame = view->isFloating() ? view->frameGeometry() : view->geometry();
+        // Inside the frame, as setGeometry takes it back.
+        const QRect frame = view->geometry();
         placement.Top = frame.top();
         placement.Left = frame.left();
         placement.Height = view->height();

@@ -2,15 +2,17 @@
 
 #include "compiler/compiler.h"
 #include "compiler/symbol_table.h"
+#include "ide/background_job.h"
+#include "ide/code_assist.h"
 #include "ide/help_view.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
 #include "ide/iff_build.h"
 #include "ide/iff_view.h"
+#include "ide/message_location.h"
 #include "ide/output_view.h"
 #include "ide/page_host.h"
 #include "platform/exception.h"
-#include "platform/executable_path.h"
 #include "platform/named_folders.h"
 #include "platform/numbers.h"
 #include "platform/path_resolver.h"
@@ -19,12 +21,10 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QLabel>
-#include <QListWidget>
 #include <QMenu>
-#include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace velkor {
@@ -33,18 +33,17 @@ const char* const kSourceFileFilter = "Pascal File (*.pas)|*.pas|Text File (*.tx
 
 namespace {
 
-// The hourglass for the length of a scope.
+// The hourglass (or, while the window stays usable, the busy arrow) for the length of a scope.
 class WaitCursor {
 public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    explicit WaitCursor(Qt::CursorShape shape = Qt::WaitCursor) { QApplication::setOverrideCursor(shape); }
     ~WaitCursor() { QApplication::restoreOverrideCursor(); }
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
 };
 
 bool IsExistingFile(const std::string& name) {
-    std::error_code ec;
-    return !name.empty() && std::filesystem::is_regular_file(name, ec);
+    return !name.empty() && IsRegularFile(name);
 }
 
 std::string FolderOf(const std::string& file) {
@@ -84,27 +83,23 @@ TCompileSettings ReadCompileSettings() {
     TCompileSettings settings;
     settings.Optimize = ini.ReadBool("compiler", "optimization", false);
     settings.HaltOnError = ini.ReadBool("compiler", "haltonerror", true);
-    const std::int32_t verbosity = ini.ReadInteger("compiler", "verbosity", 1);
-    if (verbosity < 0 || verbosity > 255) throw ERangeError();
-    settings.Verbosity = static_cast<std::uint8_t>(verbosity);
+    // A hand-edited value out of range is taken as the nearest one, not refused at every compile.
+    settings.Verbosity =
+        static_cast<std::uint8_t>(std::clamp(ini.ReadInteger("compiler", "verbosity", 1), 0, 255));
     return settings;
 }
 
 TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
-    : QWidget(parent), host_(host), memo_(new TPageEditor(this)), popup_(new QMenu(this)),
-      hintTimer_(new QTimer(this)), codeHelp_(new QListWidget(this)) {
+    : QWidget(parent), host_(host), memo_(new TPageEditor(this)), popup_(new QMenu(this)) {
     setObjectName(QStringLiteral("frmEdit"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(memo_);
     memo_->setObjectName(QStringLiteral("Memo"));
     SetFileName("Untitled" + std::to_string(host_.TakeUntitledNumber()) + ".pas");
-    const TIniFile ini = IdeIni();
-    autosave_ = ini.ReadBool("editor", "autosave", false);
-    paramHints_ = !ini.ReadBool("editor", "disable_paramhint", false);
-    noIntelligence_ = ini.ReadBool("editor", "disable_intelligence", false);
+    autosave_ = IdeIni().ReadBool("editor", "autosave", false);
     // The editor control attaches the language's highlighter and its colours itself.
-    searchPathText_ = ExecutableFolder() + "lib\\\r\n";
+    assist_ = std::make_unique<CodeAssist>(*this, host_, *memo_);
     BuildContextMenu();
     connect(memo_, &TPageEditor::GotoRequested, this, [this](bool) { GotoLine(); });
     memo_->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -114,25 +109,6 @@ TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
     });
     memo_->SetReplacePrompt(
         [this](const QString& found, int, int) { return DialogHooks().AskReplace(this, found); });
-    memo_->installEventFilter(this);
-    memo_->viewport()->installEventFilter(this);
-    if (!noIntelligence_) connect(memo_, &QsciScintilla::textChanged, this, [this] { typed_ = true; });
-
-    codeHelp_->setObjectName(QStringLiteral("lbCodeHelp"));
-    codeHelp_->hide();
-    // A window of its own, so that near the page's edge it is not cut off; the keys come from the editor.
-    codeHelp_->setWindowFlags(Qt::ToolTip);
-    codeHelp_->setFocusPolicy(Qt::NoFocus);
-    codeHelp_->installEventFilter(this);
-    QPalette tip = codeHelp_->palette();
-    tip.setColor(QPalette::Base, tip.color(QPalette::ToolTipBase));
-    tip.setColor(QPalette::Text, tip.color(QPalette::ToolTipText));
-    codeHelp_->setPalette(tip);
-    connect(codeHelp_, &QListWidget::itemDoubleClicked, this, [this] { InsertCodeHelpEntry(); });
-
-    hintTimer_->setInterval(100);
-    connect(hintTimer_, &QTimer::timeout, this, &TfrmEdit::HintTimerTick);
-    hintTimer_->start();
 }
 
 TfrmEdit::~TfrmEdit() = default;
@@ -174,7 +150,7 @@ void TfrmEdit::BuildContextMenu() {
     on("ContextPaste", &TfrmEdit::Paste);
     on("ContextDelete", &TfrmEdit::DeleteSelection);
     on("ContextSelectAll", &TfrmEdit::SelectAll);
-    ContextItem(QStringLiteral("CompleteWordAtCursor1"))->setEnabled(!noIntelligence_);
+    ContextItem(QStringLiteral("CompleteWordAtCursor1"))->setEnabled(CodeIntelligence());
 }
 
 QAction* TfrmEdit::ContextItem(const QString& name) const {
@@ -247,7 +223,7 @@ bool TfrmEdit::Load(const std::string& name, bool addToRecent) {
     memo_->SetModified(false);
     if (addToRecent) host_.AddRecent(absolute);
     // Open File at Cursor works before the first compile: the unit's folder, then the library.
-    searchPathText_ = FolderOf(absolute) + "\r\n" + ExpandPath("$compiler$\\lib") + "\r\n";
+    assist_->SetSearchPathText(FolderOf(absolute) + "\r\n" + ExpandPath("$compiler$\\lib") + "\r\n");
     return true;
 }
 
@@ -275,6 +251,11 @@ bool TfrmEdit::SaveAs() {
     const QString chosen = DialogHooks().SaveFile(this, request);
     if (chosen.isEmpty()) return false;
     const std::string file = std::filesystem::absolute(FromQ(chosen)).lexically_normal().string();
+    // Replacing another file loses it: the user is asked first.
+    if (IsExistingFile(file) && file != fileName_ &&
+        DialogHooks().AskYesNoCancel(this, ToQ(file + " already exists.\nDo you want to replace it?")) !=
+            TMsgAnswer::Yes)
+        return false;
     try {
         WriteTo(file);
     } catch (const Exception& e) {
@@ -301,7 +282,9 @@ void TfrmEdit::ReportException(const std::exception& error) {
 }
 
 bool TfrmEdit::Compile() {
-    WaitCursor wait;
+    // One compile or build at a time: the window stays usable while one runs.
+    if (JobRunning()) return false;
+    WaitCursor wait(Qt::BusyCursor);
     bool success = true;
     if (autosave_) Save();
     host_.OutputView().BringToFront();
@@ -309,8 +292,7 @@ bool TfrmEdit::Compile() {
     memo_->ClearErrorLine();
 
     TCompiler compiler;
-    compiler.OnOutput = [this](const std::string& line) { host_.Output(line); };
-    compiler.PlaceOutputFile = [](const std::string& name) { return PlaceBuiltFile(name); };
+    std::string linked;
     try {
         compiler.SetSource(NormaliseLineBreaks(FromQ(memo_->Text())));
         const TCompileSettings settings = ReadCompileSettings();
@@ -318,12 +300,30 @@ bool TfrmEdit::Compile() {
         compiler.HaltOnError = settings.HaltOnError;
         compiler.Verbosity = settings.Verbosity;
         const std::string folder = FolderOf(fileName_);
-        if (!folder.empty()) compiler.AddToSearchPath(folder);
-        compiler.AddToSearchPath("$compiler$\\lib");
-        compiler.SetFileName(fileName_);
-        compiler.Compile();
-        compiler.Finish();
-        host_.IffView().SetText(ToQ(compiler.Link()));
+        const std::filesystem::path outputFolder = OutputFolderFor(UnitFolderOf(fileName_));
+        const bool ownOutputFolder = !IdeIni().ReadString("compiler", "outputdir", "").empty();
+        OutputPolicy policy = IdeOutputPolicy(fileName_);
+        policy.AllowFolder(outputFolder);
+        compiler.PlaceOutputFile = [outputFolder, policy](const std::string& name) {
+            std::filesystem::path path = PlaceBuiltFile(name, outputFolder);
+            policy.Check(path);
+            return path;
+        };
+        const bool ran = RunJob(host_, QStringLiteral("Compiling ") + Caption(), [&](TJobContext& job) {
+            compiler.OnOutput = [&job, verbosity = settings.Verbosity](const std::string& line) {
+                if (ShownAtVerbosity(line, verbosity)) job.Output(line);
+            };
+            if (!folder.empty()) compiler.AddToSearchPath(folder);
+            // The units of a project find each other's outputs, as with velkorc's --out-dir DIR -I DIR.
+            if (ownOutputFolder) compiler.AddToSearchPath(outputFolder.string());
+            compiler.AddToSearchPath("$compiler$\\lib");
+            compiler.SetFileName(fileName_);
+            compiler.Compile();
+            compiler.Finish();
+            linked = compiler.Link();
+        });
+        if (!ran) return false;
+        host_.IffView().SetText(ToQ(linked));
     } catch (const std::exception& e) {
         success = false;
         const int line = compiler.ErrorLine; // from 1; the editor counts from 0
@@ -335,16 +335,18 @@ bool TfrmEdit::Compile() {
         }
         if (!dynamic_cast<const ECompiler*>(&e)) ReportException(e);
     }
+    host_.OutputView().SetOrigin(compiler.UnitName, compiler.SearchPath, fileName_);
     if (success) {
-        symbols_ = std::make_shared<TSymbolTable>(compiler.Symbols());
-        searchPathText_.clear();
-        for (const std::string& path : compiler.SearchPath) searchPathText_ += path + "\r\n";
+        assist_->SetSymbols(std::make_shared<TSymbolTable>(compiler.Symbols()));
+        std::string searchPath;
+        for (const std::string& path : compiler.SearchPath) searchPath += path + "\r\n";
+        assist_->SetSearchPathText(std::move(searchPath));
     }
     return success;
 }
 
 void TfrmEdit::BuildIff() {
-    BuildIffFromView(host_, std::filesystem::path(FileName()).parent_path());
+    BuildIffFromView(host_, std::filesystem::path(FileName()).parent_path(), UnitFolderOf(fileName_));
 }
 
 void TfrmEdit::Undo() {

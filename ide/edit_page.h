@@ -1,10 +1,10 @@
 // TfrmEdit: one source page. It loads and saves its file, asks before changes are lost, compiles its
-// text into the IFF view and builds the binary files from the IFF view's text.
+// text into the IFF view and builds the binary files from the IFF view's text. Its code assistance is a
+// CodeAssist of its own; the page keeps the operations' names as members that forward there.
 #pragma once
 
 #include "ide/page_editor.h"
 
-#include <QPointer>
 #include <QWidget>
 
 #include <cstdint>
@@ -13,14 +13,13 @@
 #include <string>
 
 class QAction;
-class QKeyEvent;
 class QLabel;
 class QListWidget;
 class QMenu;
-class QTimer;
 
 namespace velkor {
 
+class CodeAssist;
 class TPageHost;
 class TSymbolTable;
 struct TSymbol;
@@ -52,7 +51,8 @@ public:
     bool Load(const std::string& name, bool addToRecent);
     // Writes to the file when it exists, else Save As. True when written.
     bool Save();
-    // Asks for a name (no overwrite prompt) and writes there. True when written.
+    // Asks for a name and writes there; replacing another existing file is confirmed first. True when
+    // written.
     bool SaveAs();
     // "Save changes to <file>?" when modified: true when the page may close.
     bool SaveQuery();
@@ -87,7 +87,7 @@ public:
     void ConstantList();
     void OpenSymbolList(int kindMask, const QString& filter);
 
-    // --- code assistance (edit_page_assist.cpp)
+    // --- code assistance, forwarded to CodeAssist (edit_page_assist.cpp)
     // The symbol named `word` in the table of the last successful compile.
     std::optional<TSymbol> SymbolNamed(const QString& word) const;
     std::optional<TSymbol> SymbolAtCursor() const;
@@ -112,18 +112,17 @@ public:
     QLabel* ParameterHint() const;
     // The string list for the string table named at the cursor.
     void ShowStringList();
-    QListWidget* lbCodeHelp() const { return codeHelp_; }
+    QListWidget* lbCodeHelp() const;
     // Open File at Cursor: word + ".pas" along the search paths of the last compile.
     void OpenFileAtCursor();
     // The mouse hint for a point of the editor's viewport: the symbol under it, or empty.
     QString SymbolHintAt(const QPoint& viewportPoint) const;
-    bool CodeIntelligence() const { return !noIntelligence_; }
-    bool ParameterHintsEnabled() const { return paramHints_; }
-
-    // --- keys and the timer (edit_page_keys.cpp)
+    bool CodeIntelligence() const;
+    bool ParameterHintsEnabled() const;
     // One tick of the 100 ms timer: follows the caret with the parameter hint after typing.
     void HintTimerTick();
-    bool Typed() const { return typed_; }
+    bool Typed() const;
+    CodeAssist& Assist() const { return *assist_; }
 
     // Enables the context menu's items by the editor's state and rebuilds the topic caption.
     void RefreshContextMenu();
@@ -132,19 +131,16 @@ public:
     QAction* ContextItem(const QString& name) const;
 
     // The symbols of the last successful compile; null before the first.
-    const std::shared_ptr<TSymbolTable>& Symbols() const { return symbols_; }
+    const std::shared_ptr<TSymbolTable>& Symbols() const;
     // Folders for Open File at Cursor, one per line: the executable's "lib\" at first, the page's folder
     // and "$compiler$\lib" after loading, the compiler's search path after each successful compile.
-    const std::string& SearchPathText() const { return searchPathText_; }
+    const std::string& SearchPathText() const;
 
     // The open dialog of pages: an existing file, or empty. Remembers the dialog's folder.
     static std::string AskOpenFileName(QWidget* parent);
 
 signals:
     void CaptionChanged();
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void BuildContextMenu();
@@ -153,32 +149,14 @@ private:
     void ReportException(const std::exception& error);
     void ShowFindDialog(bool replace);
     void RunSearch(const QString& findText, const QString& newText, unsigned options);
-    // MemoKeyDown: true when the editor must not see the key.
-    bool MemoKeyDown(QKeyEvent& key);
-    // lbCodeHelpKeyDown: true when the key was the list's alone.
-    bool CodeHelpKeyDown(QKeyEvent& key);
-    void InsertCodeHelpEntry();
-    void FollowCodeHelpPrefix();
-    // The caret's point in the page's coordinates (top left of its character cell).
-    QPoint CaretPoint() const;
 
-    TPageHost& host_;                       // the main window
-    TPageEditor* memo_;                     // the text, owned as a child
-    QMenu* popup_;                          // the context menu, owned as a child
-    std::string fileName_;                  // see FileName()
-    bool autosave_ = false;                 // save before every compile
-    bool paramHints_ = true;                // parameter hints shown while typing
-    bool noIntelligence_ = false;           // code assistance switched off
-    std::shared_ptr<TSymbolTable> symbols_; // symbols of the last successful compile
-    std::string searchPathText_;            // see SearchPathText()
-    QTimer* hintTimer_;                     // the 100 ms timer of the parameter hint
-    bool typed_ = false;                    // a key was pressed since the timer last looked
-    QPointer<QLabel> hint_;                 // the parameter hint now shown, or null
-    std::string hintFunction_;              // upper-cased name of the hinted function
-    QListWidget* codeHelp_;                 // lbCodeHelp: the string list, owned as a child
-    QString codeHelpPrefix_;                // what was typed since the list opened
-    long codeHelpAnchor_ = 0;               // editor position where the list opened
-    unsigned lastSearchOptions_ = 0;        // option bits of the last find or replace
+    TPageHost& host_;                    // the main window
+    TPageEditor* memo_;                  // the text, owned as a child
+    QMenu* popup_;                       // the context menu, owned as a child
+    std::string fileName_;               // see FileName()
+    bool autosave_ = false;              // save before every compile
+    std::unique_ptr<CodeAssist> assist_; // code assistance of the page
+    unsigned lastSearchOptions_ = 0;     // option bits of the last find or replace
 };
 
 // The compiler options of section "compiler" as a compile reads them (defaults: verbosity 1, no optimiser,

@@ -3,6 +3,7 @@
 #include <QDesktopServices>
 #include <QDialog>
 #include <QFileDialog>
+#include <QFontMetrics>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QUrl>
@@ -83,10 +84,9 @@ TDialogHooks RealHooks() {
     };
     hooks.AskInteger = [](QWidget* parent, const QString& caption, const QString& label,
                           int value) -> std::optional<int> {
-        bool ok = false;
-        const int result = QInputDialog::getInt(parent, caption, label, value, 1, 2147483647, 1, &ok);
-        if (!ok) return std::nullopt;
-        return result;
+        const std::unique_ptr<QInputDialog> dialog = MakeIntegerDialog(parent, caption, label, value);
+        if (dialog->exec() != QDialog::Accepted) return std::nullopt;
+        return dialog->intValue();
     };
     hooks.ExecModal = [](QDialog& dialog) { return dialog.exec(); };
     hooks.OpenUrl = [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); };
@@ -94,6 +94,45 @@ TDialogHooks RealHooks() {
 }
 
 } // namespace
+
+namespace {
+
+// A number prompt at least `captionWidth` wide. The dialog's layout sets its minimum size when it is
+// shown, so the width is applied then.
+class TIntegerPrompt : public QInputDialog {
+public:
+    using QInputDialog::QInputDialog;
+    int CaptionWidth = 0;
+
+protected:
+    void showEvent(QShowEvent* event) override {
+        QInputDialog::showEvent(event);
+        if (width() < CaptionWidth) {
+            setMinimumWidth(CaptionWidth);
+            resize(CaptionWidth, height());
+        }
+    }
+};
+
+} // namespace
+
+std::unique_ptr<QInputDialog> MakeIntegerDialog(QWidget* parent, const QString& caption, const QString& label,
+                                                int value) {
+    auto dialog = std::make_unique<TIntegerPrompt>(parent);
+    dialog->setWindowTitle(caption);
+    dialog->setLabelText(label);
+    dialog->setInputMode(QInputDialog::IntInput);
+    dialog->setIntRange(1, 2147483647);
+    dialog->setIntValue(value);
+    // The desktop draws the caption in its own (often bold) face beside its buttons; the dialog is made
+    // wide enough for it, whatever the font size.
+    QFont title = dialog->font();
+    title.setBold(true);
+    const int captionWidth =
+        QFontMetrics(title).horizontalAdvance(caption) * 5 / 4 + 8 * QFontMetrics(title).height();
+    dialog->CaptionWidth = captionWidth;
+    return dialog;
+}
 
 TDialogHooks& DialogHooks() {
     static TDialogHooks hooks = RealHooks();

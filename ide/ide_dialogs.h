@@ -8,9 +8,11 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 class QDialog;
+class QInputDialog;
 class QWidget;
 
 namespace velkor {
@@ -55,6 +57,10 @@ struct TDialogHooks {
 TDialogHooks& DialogHooks();
 // Puts the real dialogs back.
 void ResetDialogHooks();
+
+// The number prompt of AskInteger: wide enough for its caption in the window title at any font size.
+std::unique_ptr<QInputDialog> MakeIntegerDialog(QWidget* parent, const QString& caption, const QString& label,
+                                                int value);
 
 // "Pascal File (*.pas)|*.pas" -> "Pascal File (*.pas)" in the toolkit's filter syntax.
 QString ToQtFilter(const QString& filter);

@@ -1,5 +1,6 @@
 #include "ide/iff_decode.h"
 
+#include "codegen/decoder_names.h"
 #include "ide/ide_ini.h"
 #include "iff/decoder_settings.h"
 #include "iff/iff_decoder.h"
@@ -22,10 +23,14 @@ TDecodeFunction& Override() {
     return decode;
 }
 
-// Floats are written losslessly when the settings ask for it ("iffd"/"exact_floats").
+// Floats are written losslessly when the settings ask for it ("iffd"/"exact_floats"); function records are
+// listings unless "iffd"/"disassemble" is off.
 std::vector<std::string> RealDecode(const std::string& input, const std::string& output, std::int32_t limit) {
     DecodeOptions options;
-    options.exactFloats = IdeIni().ReadBool(kDecoderSection, kExactFloatsKey, false);
+    const TIniFile ini = IdeIni();
+    options.exactFloats = ini.ReadBool(kDecoderSection, kExactFloatsKey, false);
+    options.disassemble = ini.ReadBool(kDecoderSection, kDisassembleKey, true);
+    if (options.disassemble) options.names = SystemDecoderNames();
     return Decode(input, output, limit, options);
 }
 
@@ -76,7 +81,7 @@ void TIffDThread::run() {
     try {
         for (const std::string& note : DecodeIffFile(fileName_, textFile, limit_)) notes << ToQ(note);
     } catch (const std::exception& e) {
-        error = ToQ(e.what());
+        error = ToQ(fileName_ + ": " + e.what());
     }
     emit Decoded(ToQ(textFile), error, notes);
 }

@@ -183,8 +183,9 @@ void TfrmMain::ConnectMenus() {
     });
     on("MenuCompileBuildIff", [this] {
         TfrmEdit* page = ActivePage();
-        BuildIffFromView(*this, page ? std::filesystem::path(page->FileName()).parent_path()
-                                     : std::filesystem::path());
+        BuildIffFromView(
+            *this, page ? std::filesystem::path(page->FileName()).parent_path() : std::filesystem::path(),
+            page ? UnitFolderOf(page->FileName()) : std::filesystem::path());
     });
 
     on("MenuExtLoad", &TfrmMain::LoadExtensionDialog);

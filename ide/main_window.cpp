@@ -1,6 +1,6 @@
 #include "ide/main_window.h"
 
-#include "compiler/scanner.h"
+#include "ide/background_job.h"
 #include "ide/edit_page.h"
 #include "ide/ext_handler.h"
 #include "ide/help_view.h"
@@ -14,7 +14,9 @@
 #include "ide/settings_dialog.h"
 #include "ide/window_placement.h"
 #include "platform/executable_path.h"
+#include "platform/path_resolver.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <QAction>
 #include <QApplication>
@@ -49,9 +51,9 @@ bool IsRegularFile(const std::string& name) {
     return std::filesystem::is_regular_file(name, ec);
 }
 
-// The mouse hint over an editor would otherwise pop up while the user merely moves across the text;
-// it waits 4 s, the application's hint pause.
-constexpr int kHintPauseMs = 4000;
+// The mouse hint over an editor waits half a second: long enough not to pop up while the mouse merely
+// crosses the text, short enough to be there when the user looks for it.
+constexpr int kHintPauseMs = 500;
 
 class THintPauseStyle : public QProxyStyle {
 public:
@@ -107,6 +109,8 @@ TfrmMain::TfrmMain(const QStringList& files, QWidget* parent) : QMainWindow(pare
     statusBar()->setObjectName(QStringLiteral("StatusBar1"));
     statusBar()->addWidget(panel0_, 1);
     statusBar()->addPermanentWidget(panel1_);
+    SetUpPageTabs();
+    CreateJobWidgets();
 
     mru_ = new TRegMru(this);
     timer1_ = new QTimer(this);
@@ -116,6 +120,8 @@ TfrmMain::TfrmMain(const QStringList& files, QWidget* parent) : QMainWindow(pare
     map_ = new TfrmMapView(*this);
     CreateMenus();
     ConnectMenus();
+    CreateWindowActions();
+    connect(output_, &TfrmOutput::LocationRequested, this, &TfrmMain::GotoMessage);
     CreateDockAreas();
     RestoreViewPlacements();
     LoadSpecialDecoderFlags();
@@ -167,14 +173,13 @@ void TfrmMain::ShowSettings() {
 
 void TfrmMain::AddPage(TfrmEdit& page) {
     pages_.append(&page);
-    const int index = editorTabs_->addTab(&page, page.Caption());
-    editorTabs_->setTabToolTip(index, ToQ(page.FileName()));
+    editorTabs_->addTab(&page, page.Caption());
+    UpdatePageTab(page);
     connect(&page, &TfrmEdit::CaptionChanged, this, [this, p = &page] {
-        const int at = editorTabs_->indexOf(p);
-        if (at < 0) return;
-        editorTabs_->setTabText(at, p->Caption());
-        editorTabs_->setTabToolTip(at, ToQ(p->FileName()));
+        UpdatePageTab(*p);
+        if (p == ActivePage()) UpdatePageState();
     });
+    WatchPage(page);
 }
 
 void TfrmMain::RemovePage(TfrmEdit& page) {
@@ -221,6 +226,11 @@ TfrmEdit* TfrmMain::FindPage(const std::string& name) const {
 }
 
 bool TfrmMain::ClosePage(TfrmEdit& page) {
+    // A compile running beside the window reads the page it started from: it is stopped first.
+    if (JobRunning()) {
+        StopJob();
+        return false;
+    }
     if (!page.SaveQuery()) return false;
     RemovePage(page);
     return true;
@@ -250,35 +260,38 @@ TfrmEdit* TfrmMain::OpenFile(const std::string& name, bool addToRecent) {
 }
 
 TfrmEdit* TfrmMain::DecodeFile(const std::string& name) {
+    const std::string textFile = name + ".pas";
+    std::error_code ec;
+    const bool existed = std::filesystem::exists(textFile, ec);
     if (IdeIni().ReadBool("iffd", "UseSeparateThread", false)) {
         auto* thread = new TIffDThread(name, maxDecodeSize_);
         // Blocking: the decode thread waits while the interface thread opens the page.
         connect(
             thread, &TIffDThread::Decoded, this,
-            [this, name](const QString& textFile, const QString& error, const QStringList& notes) {
+            [this, name, existed](const QString& decodedText, const QString& error,
+                                  const QStringList& notes) {
                 for (const QString& note : notes) Output(name + ": " + FromQ(note));
-                OpenDecodedText(FromQ(textFile), error);
+                OpenDecodedText(FromQ(decodedText), error, existed);
             },
             Qt::BlockingQueuedConnection);
         thread->start(QThread::LowPriority);
         return nullptr;
     }
-    const std::string textFile = name + ".pas";
     QString error;
     try {
         for (const std::string& note : DecodeIffFile(name, textFile, maxDecodeSize_))
             Output(name + ": " + note);
     } catch (const std::exception& e) {
-        error = ToQ(e.what());
+        error = ToQ(name + ": " + e.what());
     }
-    OpenDecodedText(textFile, error);
+    OpenDecodedText(textFile, error, existed);
     return error.isEmpty() ? ActivePage() : nullptr;
 }
 
-void TfrmMain::OpenDecodedText(const std::string& textFile, const QString& error) {
+void TfrmMain::OpenDecodedText(const std::string& textFile, const QString& error, bool existed) {
     std::error_code ec;
     if (!error.isEmpty()) {
-        std::filesystem::remove(textFile, ec);
+        if (!existed) std::filesystem::remove(textFile, ec);
         DialogHooks().ShowMessage(this, error);
         return;
     }
@@ -339,9 +352,9 @@ void TfrmMain::TimerTick() {
             QStringLiteral("%1:%2").arg(page->Memo()->CaretLine() + 1).arg(page->Memo()->CaretColumn() + 1));
     }
     iff_->UpdateCaption();
-    // A disabled item's shortcut is dead: F1 must follow the caret onto a word even when the Help menu was
-    // last opened with nothing under the caret. The caption waits for the menu to open.
-    MenuItem(QStringLiteral("MenuHelpTopic"))->setEnabled(page && !page->WordAtCursor().isEmpty());
+    // The caption of the Topic item waits for the menu to open; its enabled state follows the caret.
+    UpdateTopicItem();
+    UpdatePageState();
 }
 
 QString TfrmMain::StatusPanelText(int panel) const {
@@ -350,8 +363,10 @@ QString TfrmMain::StatusPanelText(int panel) const {
 
 void TfrmMain::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
-    panel0_->setMinimumWidth(std::max(0, width() - 80));
-    panel0_->setMaximumWidth(std::max(0, width() - 80));
+    // The panels beside it (insert mode, modified state, the busy bar) take their room first.
+    const int others = panelMode_->minimumWidth() + panelModified_->minimumWidth();
+    panel0_->setMinimumWidth(std::max(0, width() - 80 - others));
+    panel0_->setMaximumWidth(std::max(0, width() - 80 - others));
 }
 
 // --- closing
@@ -370,6 +385,13 @@ bool TfrmMain::CloseQuery() {
 }
 
 void TfrmMain::closeEvent(QCloseEvent* event) {
+    if (JobRunning()) {
+        // The work unwinds first; the window closes (asking about modified pages) when it has.
+        closeAfterJob_ = true;
+        StopJob();
+        event->ignore();
+        return;
+    }
     if (!CloseQuery()) {
         event->ignore();
         return;

@@ -13,10 +13,16 @@
 #include <string>
 
 class QAction;
+class QDragEnterEvent;
+class QDropEvent;
+class QIcon;
 class QLabel;
+class QMimeData;
 class QMenu;
+class QProgressBar;
 class QTabWidget;
 class QTimer;
+class QToolButton;
 
 namespace velkor {
 
@@ -78,6 +84,32 @@ public:
     void LoadExtensionDialog();
     void LoadExtensionFile(const std::string& path);
 
+    // --- work beside the window (job_progress.cpp): a busy bar and a Stop button in the status bar
+    void JobStarted(const QString& caption) override;
+    void JobFinished() override;
+    QProgressBar* JobProgress() const { return progress_; }
+    QToolButton* StopButton() const { return stopButton_; }
+    // Keys of the window that are not on its menus: "ActionSave" (F2), "ActionStop" (Ctrl+F2),
+    // "ActionNextMessage" (F8), "ActionPreviousMessage" (Shift+F8).
+    QAction* WindowAction(const QString& name) const;
+
+    // --- messages (message_navigation.cpp)
+    // Opens the unit an output line names ("[<unit>, <line>] ...") at that line; false when the line names
+    // no place or the unit is not found. The unit is looked for among the pages (the compiled one first),
+    // then along the search path of the compile that reported it.
+    bool GotoMessage(int row);
+    // F8 and Shift+F8: the next or previous error or hint of the output list.
+    bool NextMessage(bool forward);
+
+    // --- pages' state in the tabs, the caption and the status bar (page_tabs.cpp)
+    // The tab's mark of a modified page: a dot beside the caption, which stays the tab's text.
+    static QIcon PageTabIcon(const TfrmEdit& page);
+    void UpdatePageTab(TfrmEdit& page);
+    void UpdatePageState();
+    // "INS" or "OVR", and "Modified" or empty, for the active page.
+    QString InsertModeText() const;
+    QString ModifiedText() const;
+
     // --- status
     // One poll of the 150 ms timer: caret position in the status bar and in the IFF view's caption.
     void TimerTick();
@@ -99,6 +131,9 @@ public:
     bool CloseQuery();
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -108,12 +143,20 @@ private:
     QAction* AddItem(QMenu* menu, const char* name, const char* caption, const char* shortcut);
     void ConnectMenus();
     void CreateDockAreas();
+    void CreateWindowActions();
+    void CreateJobWidgets();
+    void SetUpPageTabs();
+    void WatchPage(TfrmEdit& page);
+    void UpdateTopicItem();
+    // The local files of a drag, or none.
+    static QStringList DroppedFiles(const QMimeData* data);
     void RestoreViewPlacements();
     void OnViewDocked(TDockableView& view, Qt::DockWidgetArea area);
     void FirstShow();
     void AddPage(TfrmEdit& page);
     void RemovePage(TfrmEdit& page);
-    void OpenDecodedText(const std::string& textFile, const QString& error);
+    // `existed`: the text file stood there before the decode, so a failed decode must not remove it.
+    void OpenDecodedText(const std::string& textFile, const QString& error, bool existed);
     QList<TDockableView*> Views() const;
 
     TfrmHelp* help_;                    // the help view, owned as a child
@@ -123,6 +166,10 @@ private:
     QTabWidget* editorTabs_;            // PageControlEditor: one tab per page
     QLabel* panel0_;                    // status panel 0: free text
     QLabel* panel1_;                    // status panel 1: caret line and column
+    QLabel* panelMode_;                 // insert or overwrite
+    QLabel* panelModified_;             // the active page's modified state
+    QProgressBar* progress_;            // busy while a compile or build runs
+    QToolButton* stopButton_;           // stops it
     QTimer* timer1_;                    // Timer1, 150 ms
     TRegMru* mru_;                      // RegMru1: recently used files
     QList<QPointer<TfrmEdit>> pages_;   // every page, in creation order
@@ -131,6 +178,7 @@ private:
     int untitled_ = 0;                  // number of the next untitled page
     bool firstShown_ = false;           // the first show has run
     bool closeQueryRunning_ = false;    // the close query is asking
+    bool closeAfterJob_ = false;        // the window was closed while work ran: close when it ends
 };
 
 } // namespace velkor

@@ -3,6 +3,8 @@
 
 #include <string>
 
+class QString;
+
 namespace velkor {
 
 class TfrmEdit;
@@ -26,6 +28,10 @@ public:
     virtual int TakeUntitledNumber() = 0;
     // Closes the page when its save question allows it; true when it was closed.
     virtual bool ClosePage(TfrmEdit& page) = 0;
+    // Work that runs beside the window (a compile, a build) has started or ended: the window shows its
+    // progress and a way to stop it meanwhile.
+    virtual void JobStarted(const QString& caption) { static_cast<void>(caption); }
+    virtual void JobFinished() {}
 };
 
 } // namespace velkor

@@ -1,14 +1,16 @@
 #include "ide/settings_dialog.h"
 
-#include "compiler/scanner.h"
 #include "ide/ext_handler.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
+#include "ide/iff_build.h"
 #include "ide/iff_decode.h"
+#include "iff/decoder_settings.h"
 #include "platform/executable_path.h"
 #include "platform/named_folders.h"
 #include "platform/numbers.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -19,6 +21,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -60,6 +63,8 @@ TfrmSettings::TfrmSettings(QWidget* parent) : QDialog(parent) {
     Pages->addTab(CreatePluginsTab(), QStringLiteral("Plugins"));
     Pages->addTab(CreateEditorTab(), QStringLiteral("Editor"));
     Pages->addTab(CreateDecoderTab(), QStringLiteral("Iff Decoder"));
+    // Every tab shows its caption, at any font size: the dialog grows to the tab row instead of scrolling it.
+    Pages->tabBar()->setUsesScrollButtons(false);
     layout->addWidget(Pages);
 
     auto* buttons = new QDialogButtonBox(this);
@@ -130,7 +135,12 @@ QWidget* TfrmSettings::CreateCompilerTab() {
     cbFastScanner = NamedCheckBox("cbFastScanner", "Use Fast Scanner", tab);
     layout->addWidget(cbHaltOnError);
     layout->addWidget(cbOptimizer);
+    cbAllowOutputAnywhere = NamedCheckBox("cbAllowOutputAnywhere", "Allow output anywhere", tab);
+    cbAllowOutputAnywhere->setToolTip(QStringLiteral(
+        "Let a unit write its files outside its own folder, the program's folder and the named "
+        "folders"));
     layout->addWidget(cbFastScanner);
+    layout->addWidget(cbAllowOutputAnywhere);
     layout->addStretch();
     return tab;
 }
@@ -183,6 +193,8 @@ QWidget* TfrmSettings::CreateDecoderTab() {
     cklbSpecialDecoders->setObjectName(QStringLiteral("cklbSpecialDecoders"));
     groupLayout->addWidget(cklbSpecialDecoders);
     layout->addWidget(group);
+    cbDisassemble = NamedCheckBox("cbDisassemble", "Show script functions as listings", tab);
+    layout->addWidget(cbDisassemble);
     cbSeparateThread = NamedCheckBox("cbSeparateThread", "Decode in separate thread", tab);
     cbSeparateProcess = NamedCheckBox("cbSeparateProcess", "Decode in separate process", tab);
     layout->addWidget(cbSeparateThread);
@@ -226,6 +238,7 @@ void TfrmSettings::ReadSettings() {
         item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
         item->setCheckState(ini.ReadInteger("iffd", decoder.Name, -1) != 0 ? Qt::Checked : Qt::Unchecked);
     }
+    cbDisassemble->setChecked(ini.ReadBool("iffd", kDisassembleKey, true));
     cbSeparateThread->setChecked(ini.ReadBool("iffd", "UseSeparateThread", false));
     cbSeparateProcess->setChecked(false);
     cbSeparateThread->setEnabled(!cbSeparateProcess->isChecked());
@@ -235,6 +248,7 @@ void TfrmSettings::ReadSettings() {
     cbHaltOnError->setChecked(ini.ReadBool("compiler", "haltonerror", true));
     cbOptimizer->setChecked(ini.ReadBool("compiler", "optimization", true));
     cbFastScanner->setChecked(ini.ReadBool("compiler", "fast_scanner", false));
+    cbAllowOutputAnywhere->setChecked(ini.ReadBool("compiler", kAllowOutputAnywhereKey, false));
 }
 
 void TfrmSettings::WriteSettings() {
@@ -255,6 +269,7 @@ void TfrmSettings::WriteSettings() {
         ini.WriteInteger("iffd", FromQ(item->text()), enabled ? 1 : 0);
         EnableSpecialDecoder(FromQ(item->text()), enabled);
     }
+    ini.WriteBool("iffd", kDisassembleKey, cbDisassemble->isChecked());
     ini.WriteBool("iffd", "UseSeparateThread", cbSeparateThread->isChecked());
     ini.WriteBool("iffd", "UseSeparateProcess", cbSeparateProcess->isChecked());
 
@@ -270,6 +285,7 @@ void TfrmSettings::WriteSettings() {
     ini.WriteBool("compiler", "haltonerror", cbHaltOnError->isChecked());
     ini.WriteBool("compiler", "optimization", cbOptimizer->isChecked());
     ini.WriteBool("compiler", "fast_scanner", cbFastScanner->isChecked());
+    ini.WriteBool("compiler", kAllowOutputAnywhereKey, cbAllowOutputAnywhere->isChecked());
     SetScannerClass(cbFastScanner->isChecked() ? ScannerClass::Fast : ScannerClass::Standard);
     ini.UpdateFile();
 }

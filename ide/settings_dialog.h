@@ -27,6 +27,7 @@ public:
     QCheckBox* cbHaltOnError;
     QCheckBox* cbOptimizer;
     QCheckBox* cbFastScanner;
+    QCheckBox* cbAllowOutputAnywhere; // lifts the confinement of the files a unit names
     QListWidget* clbPlugins;
     QCheckBox* cbDisableIntelligence;
     QCheckBox* cbAutosave;
@@ -35,6 +36,7 @@ public:
     QListWidget* cklbSpecialDecoders;
     QCheckBox* cbSeparateThread;
     QCheckBox* cbSeparateProcess;
+    QCheckBox* cbDisassemble;
     QTabWidget* Pages;
 
 private:

@@ -2,7 +2,12 @@
 
 #include "ide/ide_ini.h"
 
+#include <QGuiApplication>
+#include <QRect>
+#include <QScreen>
 #include <QWidget>
+
+#include <algorithm>
 
 namespace velkor {
 
@@ -14,7 +19,34 @@ int StateNumber(const QWidget& form) {
     return 0;
 }
 
+constexpr int kGripHeight = 24; // the part of a window's top edge that must be on a screen
+constexpr int kGripWidth = 100;
+const QSize kMinimumForm(200, 120);
+
+bool Reachable(const QRect& rect, const QRect& screen) {
+    const QRect grip(rect.left(), rect.top(), rect.width(), std::min(rect.height(), kGripHeight));
+    const QRect visible = screen.intersected(grip);
+    return rect.top() >= screen.top() && visible.width() >= std::min(rect.width(), kGripWidth) &&
+           visible.height() >= std::min(grip.height(), kGripHeight);
+}
+
 } // namespace
+
+QRect KeepOnScreen(const QRect& rect, const QSize& minimum) {
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    if (screens.isEmpty()) return rect;
+    const bool bigEnough = rect.width() >= minimum.width() && rect.height() >= minimum.height();
+    for (const QScreen* screen : screens) {
+        if (bigEnough && Reachable(rect, screen->availableGeometry())) return rect;
+    }
+    const QScreen* target = QGuiApplication::screenAt(rect.center());
+    if (!target) target = QGuiApplication::primaryScreen();
+    const QRect area = target->availableGeometry();
+    const QSize size = rect.size().expandedTo(minimum).boundedTo(area.size());
+    const int left = std::clamp(rect.left(), area.left(), area.right() + 1 - size.width());
+    const int top = std::clamp(rect.top(), area.top(), area.bottom() + 1 - size.height());
+    return {QPoint(left, top), size};
+}
 
 void SaveFormPlacement(const QWidget& form) {
     TIniFile ini = IdeIni();
@@ -22,9 +54,9 @@ void SaveFormPlacement(const QWidget& form) {
     const int state = StateNumber(form);
     ini.WriteInteger(section, "WindowState", state);
     if (state == 0) {
-        const QRect frame = form.frameGeometry();
-        ini.WriteInteger(section, "Left", frame.left());
-        ini.WriteInteger(section, "Top", frame.top());
+        const QRect inside = form.geometry();
+        ini.WriteInteger(section, "Left", inside.left());
+        ini.WriteInteger(section, "Top", inside.top());
         ini.WriteInteger(section, "Width", form.width());
         ini.WriteInteger(section, "Height", form.height());
     }
@@ -34,14 +66,20 @@ void RestoreFormPlacement(QWidget& form) {
     const TIniFile ini = IdeIni();
     const std::string section = FromQ(form.objectName());
     if (!ini.SectionExists(section)) return;
-    const QRect frame = form.frameGeometry();
-    const int left = ini.ReadInteger(section, "Left", frame.left());
-    const int top = ini.ReadInteger(section, "Top", frame.top());
+    const QRect now = form.geometry();
+    const bool placed = ini.ValueExists(section, "Left") || ini.ValueExists(section, "Top");
+    const int left = ini.ReadInteger(section, "Left", now.left());
+    const int top = ini.ReadInteger(section, "Top", now.top());
     const int width = ini.ReadInteger(section, "Width", form.width());
     const int height = ini.ReadInteger(section, "Height", form.height());
     if (width > 0 && height > 0) {
-        form.move(left, top);
-        form.resize(width, height);
+        if (placed) {
+            // setGeometry, not move: move places the frame, whose size the desktop may not know yet, and
+            // every restart would shift the window by the difference.
+            form.setGeometry(KeepOnScreen(QRect(left, top, width, height), kMinimumForm));
+        } else {
+            form.resize(QSize(width, height).expandedTo(kMinimumForm));
+        }
     }
     switch (ini.ReadInteger(section, "WindowState", 0)) {
     case 1: form.setWindowState(Qt::WindowMinimized); break;

@@ -5,15 +5,24 @@
 
 #include <string>
 
+class QRect;
+class QSize;
 class QWidget;
 
 namespace velkor {
 
 // Keys "WindowState" (0 normal, 1 minimised, 2 maximised) and, for a normal window only, "Left", "Top",
-// "Width", "Height".
+// "Width", "Height": the rectangle inside the window frame, which is what comes back exactly however
+// thick the desktop draws the frame.
 void SaveFormPlacement(const QWidget& form);
-// Does nothing when the form's section is missing; missing keys keep the form's current values.
+// Does nothing when the form's section is missing; missing keys keep the form's current values. A
+// rectangle that would leave the window off every screen, or too small to use, is brought back onto one.
 void RestoreFormPlacement(QWidget& form);
+
+// `rect` when enough of its top edge lies on a screen to grab it and it is at least `minimum` large;
+// otherwise the rectangle grown to `minimum`, no larger than the screen, moved onto the screen nearest to
+// it (the primary screen when there is none).
+QRect KeepOnScreen(const QRect& rect, const QSize& minimum);
 
 // The dockable-view layout: keys "site", "windowstate", "top", "left", "height", "width", "visible".
 struct TDockPlacement {

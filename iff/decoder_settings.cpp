@@ -8,6 +8,7 @@ DecoderSettings ApplyDecoderSettings(const TIniFile& ini) {
     DecoderSettings settings;
     settings.maxDecodeSize = ini.ReadInteger(kDecoderSection, kMaxDecodeSizeKey, kDefaultMaxDecodeSize);
     settings.options.exactFloats = ini.ReadBool(kDecoderSection, kExactFloatsKey, false);
+    settings.options.disassemble = ini.ReadBool(kDecoderSection, kDisassembleKey, true);
     for (const std::string& name : SpecialDecoderNames())
         SetSpecialDecoderEnabled(name, ini.ReadInteger(kDecoderSection, name, -1) != 0);
     return settings;

@@ -12,6 +12,7 @@ class TIniFile;
 inline constexpr const char* kDecoderSection = "iffd";
 inline constexpr const char* kMaxDecodeSizeKey = "maxdecodesize";
 inline constexpr const char* kExactFloatsKey = "exact_floats";
+inline constexpr const char* kDisassembleKey = "disassemble"; // function records as listings
 inline constexpr std::int32_t kDefaultMaxDecodeSize = 1024;
 
 struct DecoderSettings {
@@ -19,8 +20,8 @@ struct DecoderSettings {
     DecodeOptions options;                              // how values are written
 };
 
-// Reads the decode limit and "exact_floats", and sets every special decoder's flag from its key (named by
-// the decoder; absent or not 0 means enabled).
+// Reads the decode limit, "exact_floats" and "disassemble" (absent: on), and sets every special decoder's
+// flag from its key (named by the decoder; absent or not 0 means enabled).
 DecoderSettings ApplyDecoderSettings(const TIniFile& ini);
 // Writes each special decoder's flag as 1 or 0.
 void SaveSpecialDecoderFlags(TIniFile& ini);

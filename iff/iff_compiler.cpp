@@ -1,11 +1,13 @@
 #include "iff/iff_compiler.h"
 
-#include "compiler/scanner.h"
 #include "iff/checksum.h"
 #include "iff/iff_writer.h"
+#include "iff/wcp_assembler.h"
+#include "platform/byte_order.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
 #include "platform/text_file.h"
+#include "scanner/scanner.h"
 
 #include <algorithm>
 #include <utility>
@@ -56,21 +58,13 @@ void TIffCompiler::TakeInputText(std::string text, const std::filesystem::path& 
 }
 
 void TIffCompiler::Compile() {
-    scanner_ = CreateScanner();
-    // With markers TScanner knows the line of every token, which the error messages name.
-    scanner_->LineMarkers = true;
     RunGuard guard([this] {
         writer_.reset();
-        scanner_.reset();
-        constants_.clear();
+        tokens_.Stop();
         types_.clear();
         handingOver_ = false;
     });
-    if (fromMemory_)
-        scanner_->LoadFromString(std::exchange(inputText_, {}));
-    else
-        scanner_->LoadFromString(LoadTextFile(inputPath_));
-    constants_.clear();
+    tokens_.Start(fromMemory_ ? std::exchange(inputText_, {}) : LoadTextFile(inputPath_));
     types_.clear();
     try {
         Run();
@@ -83,99 +77,20 @@ void TIffCompiler::Compile() {
     }
 }
 
-// ---- token reading ----
+// ---- type aliases ----
 
-// A stray character that is the text's very last one reads as an empty token of other characters, which
-// does not advance; it is a token like any other, so the grammar refuses it where it stands.
-std::string_view TIffCompiler::Next() {
-    const std::string_view token = scanner_->NextTokenView();
-    kind_ = scanner_->TokenKind();
-    return token;
-}
-
-std::string_view TIffCompiler::Peek() {
-    const std::string_view token = scanner_->PeekTokenView();
-    kind_ = scanner_->TokenKind();
-    return token;
-}
-
-bool TIffCompiler::Stuck(std::string_view token) const {
-    return kind_ == tkEndOfText || (kind_ == tkOther && token.empty());
-}
-
-// Only for the delimiters "," ";" "{" "}" "[" "]": each is always a token of its own, so one look at the next
-// character after the blanks tells, without scanning a whole token twice as PeekToken would.
-bool TIffCompiler::PeekIs(char punctuation) {
-    scanner_->SkipBlanks();
-    return !scanner_->AtEnd() &&
-           scanner_->Text()[static_cast<size_t>(scanner_->Position()) - 1] == punctuation;
-}
-
-bool TIffCompiler::NextIs(char punctuation) {
-    if (!PeekIs(punctuation)) return false;
-    Next();
-    return true;
-}
-
-bool TIffCompiler::IsNameKind(std::int32_t kind) {
-    return kind == tkIdentifier || kind == tkString || (kind >= tkAnd && kind <= tkProperty) ||
-           kind == tkBegin || kind == tkEnd;
-}
-
-void TIffCompiler::Expect(std::string_view punctuation) {
-    const std::string_view token = Next();
-    if (token != punctuation || kind_ == tkString) ExpectError(punctuation, token);
-}
-
-std::string_view TIffCompiler::ReadName(std::string_view expected) {
-    const std::string_view token = Next();
-    if (!IsNameKind(kind_)) ExpectError(expected, token);
-    return token;
-}
-
-// ---- error path ----
-
-void TIffCompiler::Error(const std::string& text, SourceLocation where) {
-    // The text quotes the assembled text's own bytes.
-    std::string line =
-        "[error] line " + std::to_string(scanner_ ? scanner_->Line() : 0) + ": " + VisibleBytes(text);
-    if (OnMessage) {
-        OnMessage(0, line);
-        OnMessage(0, "  raised in " + RoutineName(where) + ", line " + std::to_string(where.line()));
-    }
-    throw EIffCompiler(line);
-}
-
-void TIffCompiler::ExpectError(std::string_view expected, std::string_view found, SourceLocation where) {
-    std::string text = "expected ";
-    text += expected;
-    text += ", but found ";
-    text += found;
-    Error(text, where);
-}
-
-// ---- constant and type tables ----
-
-void TIffCompiler::AddEntry(TNameTable& table, std::string_view name, std::string value) {
-    table.Add(LowerNameHash(name), std::move(value));
-}
-
-const std::string* TIffCompiler::Lookup(const TNameTable& table, std::string_view name) const {
-    if (table.empty()) return nullptr;
-    return table.Find(LowerNameHash(name));
-}
-
-std::string_view TIffCompiler::ResolveConstant(std::string_view text) const {
-    if (const std::string* value = Lookup(constants_, text)) return *value;
-    return text;
+std::string_view TIffCompiler::ResolveType(std::string_view name) const {
+    if (types_.empty()) return name;
+    if (const std::string* type = types_.Find(LowerNameHash(name))) return *type;
+    return name;
 }
 
 // ---- the grammar ----
 
 void TIffCompiler::Run() {
     for (;;) {
-        const std::string_view token = Next();
-        if (kind_ == tkEndOfText) return;
+        const std::string_view token = tokens_.Next();
+        if (tokens_.Kind() == tkEndOfText) return;
         if (SameText(token, "IFF"))
             OutputBlock();
         else if (SameText(token, "TRE") || SameText(token, "FLAT"))
@@ -186,17 +101,17 @@ void TIffCompiler::Run() {
 }
 
 void TIffCompiler::OutputBlock() {
-    outputName_ = ReadName("<filename>");
+    outputName_ = WithoutLineMarkers(tokens_.ReadName("<filename>"));
     writer_ = std::make_unique<TIffWriter>("_velkor.iff", TIffWriter::InMemory);
     // What a block assembles is usually smaller than the text that is left; room that stays unwritten
     // costs address space only. The cap keeps a huge text from asking for that much at once.
     constexpr std::size_t kMaxReserve = std::size_t{256} << 20;
-    const std::size_t read = static_cast<std::size_t>(std::max(scanner_->Position(), 0));
-    const std::size_t size = scanner_->Text().size();
+    const std::size_t read = static_cast<std::size_t>(std::max(tokens_.Scanner().Position(), 0));
+    const std::size_t size = tokens_.Scanner().Text().size();
     writer_->Reserve(std::min(size - std::min(read, size), kMaxReserve));
-    Expect("{");
-    while (!PeekIs('}')) {
-        const std::string_view keyword = Peek();
+    tokens_.Expect("{");
+    while (!tokens_.PeekIs('}')) {
+        const std::string_view keyword = tokens_.Peek();
         if (SameText(keyword, "form")) {
             Form();
         } else if (SameText(keyword, "const")) {
@@ -204,11 +119,11 @@ void TIffCompiler::OutputBlock() {
         } else if (SameText(keyword, "type")) {
             TypeSection();
         } else {
-            const std::string_view token = Next(); // consumed so that the message names its line
+            const std::string_view token = tokens_.Next(); // consumed so that the message names its line
             ExpectError("CONST, TYPE or FORM", token);
         }
     }
-    Expect("}");
+    tokens_.Expect("}");
     if (!OnBinaryOutput) Error("Output callback not assigned!");
     handingOver_ = true;
     OnBinaryOutput(writer_->Bytes(), outputName_);
@@ -218,23 +133,23 @@ void TIffCompiler::OutputBlock() {
 }
 
 void TIffCompiler::ConstSection() {
-    const std::string_view keyword = Next();
+    const std::string_view keyword = tokens_.Next();
     if (!SameText(keyword, "const")) ExpectError("const", keyword);
     do {
-        const std::string_view name = ReadName("<name>");
-        Expect("=");
-        AddEntry(constants_, name, std::string(Next()));
-    } while (NextIs(','));
+        const std::string_view name = tokens_.ReadName("<name>");
+        tokens_.Expect("=");
+        tokens_.DefineConstant(name, std::string(tokens_.Next()));
+    } while (tokens_.NextIs(','));
 }
 
 void TIffCompiler::TypeSection() {
-    const std::string_view keyword = Next();
+    const std::string_view keyword = tokens_.Next();
     if (!SameText(keyword, "type")) ExpectError("type", keyword);
     do {
-        const std::string_view name = ReadName("<name>");
-        Expect("=");
-        AddEntry(types_, name, std::string(ReadName("<name>")));
-    } while (NextIs(','));
+        const std::string_view name = tokens_.ReadName("<name>");
+        tokens_.Expect("=");
+        types_.Add(LowerNameHash(name), std::string(tokens_.ReadName("<name>")));
+    } while (tokens_.NextIs(','));
 }
 
 // Nested forms are followed with a depth count rather than recursion, so no text can exhaust the stack.
@@ -242,15 +157,15 @@ void TIffCompiler::Form() {
     OpenFormHeader();
     int depth = 1;
     while (depth > 0) {
-        if (NextIs('}')) {
+        if (tokens_.NextIs('}')) {
             writer_->CloseForm();
             --depth;
             continue;
         }
-        const std::string_view token = Peek();
+        const std::string_view token = tokens_.Peek();
         if (SameText(token, "form")) {
             if (depth >= kMaxNesting) {
-                Next();
+                tokens_.Next();
                 Error("forms nested deeper than " + std::to_string(kMaxNesting) + " levels");
             }
             OpenFormHeader();
@@ -258,50 +173,49 @@ void TIffCompiler::Form() {
         } else if (SameText(token, "chunk")) {
             Chunk();
         } else if (SameText(token, "file")) {
-            Next();
-            WriteFileContents(ReadName("<filename>"));
+            tokens_.Next();
+            WriteFileContents(tokens_.ReadName("<filename>"));
         } else {
-            Next();
+            tokens_.Next();
             ExpectError("form or chunk", token);
         }
     }
 }
 
 void TIffCompiler::OpenFormHeader() {
-    const std::string_view keyword = Next();
+    const std::string_view keyword = tokens_.Next();
     if (!SameText(keyword, "form")) ExpectError("FORM", keyword);
-    const std::string_view name = ReadName("<name>");
+    const std::string_view name = tokens_.ReadName("<name>");
     if (name.size() < 4) Error(ERangeError().what());
     writer_->OpenForm(name.substr(0, 4));
-    Expect("{");
+    tokens_.Expect("{");
 }
 
 void TIffCompiler::Chunk() {
-    const std::string_view keyword = Next();
+    const std::string_view keyword = tokens_.Next();
     if (!SameText(keyword, "chunk")) ExpectError("chunk", keyword);
-    const std::string_view token = Next();
+    const std::string_view token = tokens_.Next();
     std::string id;
-    if (kind_ == tkNumber) {
+    if (tokens_.Kind() == tkNumber) {
         // The id is the number's four bytes in little-endian order: $44434241 is "ABCD".
-        auto value = static_cast<std::uint32_t>(ConvertInt(token));
-        for (int i = 0; i < 4; ++i) id += static_cast<char>(value >> (8 * i));
-    } else if (IsNameKind(kind_)) {
+        for (std::uint8_t byte : LittleEndian32(static_cast<std::uint32_t>(tokens_.ConvertInt(token))))
+            id += static_cast<char>(byte);
+    } else if (tokens_.IsNameKind(tokens_.Kind())) {
         if (token.size() < 4) Error(ERangeError().what());
         id = token.substr(0, 4);
     } else {
         ExpectError("<name>", token);
     }
     writer_->OpenChunk(id);
-    Expect("{");
-    while (!NextIs('}')) Value();
+    tokens_.Expect("{");
+    while (!tokens_.NextIs('}')) Value();
     writer_->CloseChunk();
 }
 
 void TIffCompiler::WriteFileContents(std::string_view name) {
-    auto found = FindExisting(name, baseFolder_);
+    const auto found = FindExistingFile(name, baseFolder_);
+    if (!found) Error("Couldn't find file " + std::string(name));
     std::error_code ec;
-    if (!found || !std::filesystem::is_regular_file(*found, ec))
-        Error("Couldn't find file " + std::string(name));
     CheckOutputSize(std::filesystem::file_size(*found, ec));
     std::vector<std::uint8_t> bytes = ReadFileBytes(*found);
     writer_->Write(bytes);
@@ -309,6 +223,14 @@ void TIffCompiler::WriteFileContents(std::string_view name) {
 
 void TIffCompiler::CheckOutputSize(std::uint64_t adding) {
     if (writer_->GetPosition() + adding > kMaxOutputSize) Error("output file larger than 4 GB");
+}
+
+} // namespace velkor
+
+namespace velkor {
+
+void TIffCompiler::AssembleWcpAsm() {
+    WcpAssembler(tokens_, *writer_).AssembleWcpAsm();
 }
 
 } // namespace velkor

@@ -4,28 +4,21 @@
 // EIffCompiler with that text.
 #pragma once
 
+#include "iff/iff_token_source.h"
 #include "iff/name_table.h"
-#include "platform/exception.h"
 #include "platform/source_location.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace velkor {
 
-class TScanner;
 class TIffWriter;
-
-class EIffCompiler : public Exception {
-public:
-    using Exception::Exception;
-};
 
 class TIffCompiler {
 public:
@@ -65,28 +58,13 @@ public:
     static constexpr std::uint64_t kMaxOutputSize = 0xFFFFFFFFu;
 
 private:
-    // Token reading.
-    // Views into the scanner's text, which stays put for the whole run.
-    std::string_view Next();
-    std::string_view Peek();
-    bool PeekIs(char punctuation);
-    bool NextIs(char punctuation);
-    // True for the end of the text and for the empty token that does not advance: reading on gets nothing.
-    bool Stuck(std::string_view token) const;
-    void Expect(std::string_view punctuation);
-    std::string_view ReadName(std::string_view expected);
-    static bool IsNameKind(std::int32_t kind);
-
-    // Error path.
-    [[noreturn]] void Error(const std::string& text, SourceLocation where = SourceLocation::current());
+    [[noreturn]] void Error(const std::string& text, SourceLocation where = SourceLocation::current()) {
+        tokens_.Error(text, where);
+    }
     [[noreturn]] void ExpectError(std::string_view expected, std::string_view found,
-                                  SourceLocation where = SourceLocation::current());
-
-    // Constant and type tables: keyed by the name checksum of the lower-cased name, first definition wins.
-    void AddEntry(TNameTable& table, std::string_view name, std::string value);
-    const std::string* Lookup(const TNameTable& table, std::string_view name) const;
-    // The constant's value, or the text itself when it names no constant.
-    std::string_view ResolveConstant(std::string_view text) const;
+                                  SourceLocation where = SourceLocation::current()) {
+        tokens_.ExpectError(expected, found, where);
+    }
 
     // The textual-IFF grammar.
     void Run();
@@ -97,21 +75,14 @@ private:
     void OpenFormHeader();
     void Chunk();
     void Value();
+    // The instruction listing of a WCP_ASM value, handed to the instruction assembler.
+    void AssembleWcpAsm();
     void WriteFileContents(std::string_view name);
     void CheckOutputSize(std::uint64_t adding);
     std::int32_t ReadInt();
-    std::int32_t ConvertInt(std::string_view text);
     double ReadFloat();
-
-    // The instruction assembler of WCP_ASM blocks (codegen/wcp_asm.cpp).
-    void AssembleWcpAsm();
-    void AssembleFunction();
-    void WriteParameterDescriptors(std::string_view function, std::uint32_t count);
-    void AssembleBlock();
-    void EmitInstruction(int index, std::span<const std::uint8_t> kinds, bool semicolonRequired);
-    void EmitNativeCall(std::string_view name);
-    std::uint32_t ReadOperand(int kind);
-    void EmitWord(std::uint32_t word);
+    // The type a type alias stands for, or the name itself.
+    std::string_view ResolveType(std::string_view name) const;
 
     std::string inputName_;              // the input file name as given
     std::filesystem::path inputPath_;    // the input file as found on disk
@@ -120,13 +91,10 @@ private:
     std::filesystem::path baseFolder_;   // where relative FILE names are looked up
     std::string outputName_;             // the output file of the block being assembled
     std::unique_ptr<TIffWriter> writer_; // the writer of the block being assembled
-    std::unique_ptr<TScanner> scanner_;  // the token reader of the run
-    TNameTable constants_;               // constant values by name checksum
+    IffTokenSource tokens_{OnMessage};   // tokens, constants and the error path of the run
     TNameTable types_;                   // type aliases by name checksum
-    std::int32_t kind_ = 0;              // kind of the last token read or peeked
     bool handingOver_ = false;           // true while OnBinaryOutput runs
     std::vector<std::uint8_t> pending_;  // items of the value being assembled
-    std::vector<std::uint8_t> code_;     // the function record being assembled
 };
 
 } // namespace velkor

@@ -2,12 +2,20 @@
 
 #include "iff/iff_compiler.h"
 #include "iff/iff_reader.h"
+#include "iff/iff_text_writer.h"
+#include "iff/name_comments.h"
 #include "iff/record_decoder.h"
 #include "iff/value_lines.h"
+#include "iff/wcp_disassembler.h"
+#include "platform/byte_order.h"
 #include "platform/numbers.h"
+#include "platform/output_policy.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
 #include "platform/text_file.h"
+
+#include <memory>
+#include <optional>
 
 namespace velkor {
 
@@ -18,11 +26,6 @@ namespace {
 constexpr std::size_t kMaxIndentLevels = 32;
 // A sink receives the text in pieces of about this size.
 constexpr std::size_t kFlushSize = std::size_t{1} << 20;
-
-std::uint32_t BigEndian(std::span<const std::uint8_t> b, std::size_t at) {
-    return (std::uint32_t{b[at]} << 24) | (std::uint32_t{b[at + 1]} << 16) | (std::uint32_t{b[at + 2]} << 8) |
-           std::uint32_t{b[at + 3]};
-}
 
 std::string_view Chars(std::span<const std::uint8_t> b, std::size_t at, std::size_t count) {
     return {reinterpret_cast<const char*>(b.data()) + at, count};
@@ -76,7 +79,7 @@ public:
          const DecodeOptions& options, const TextSink& sink)
         : sink_(sink), reader_(reader), bytes_(reader.Bytes()), sourceName_(reader.SourceName()),
           name_(SafeFileName(FileNamePart(fileName))), limit_(limit), options_(options),
-          blanks_(2 * (kMaxIndentLevels + 1), ' ') {}
+          text_(result_.text, kMaxIndentLevels) {}
 
     DecodedIff Run() {
         // The reader has read a whole FORM header, or a chunk header when the data starts with a chunk,
@@ -92,17 +95,20 @@ public:
         const std::int64_t rootEnd = std::max<std::int64_t>(std::min(end, DataEnd()), 12);
         if (end < 12) result_.lossless = false;
         CheckInsideRoot(reader_.Root(), rootEnd);
-        if (!IsWritableId(type)) result_.lossless = false;
+        if (!IsWritableId(type)) {
+            result_.lossless = false;
+            result_.notes.push_back("the form type cannot be written as it is and becomes \"" +
+                                    QuotableId(type) + "\": the decode is not exact");
+        }
 
-        Line(0, "IFF \"" + name_ + "\"");
-        Line(0, "{");
+        text_.Open("IFF \"" + name_ + "\"");
         OpenForm(IsWritableId(type) ? std::string(type) : QuotableId(type), rootEnd, truncated);
         NoteOddSize(0);
         if (truncated) NoteTruncated(0, end);
         pos_ = 12;
         Items();
         TopLevelForms(rootEnd);
-        Line(0, "}");
+        text_.Close();
         Flush(true);
         return std::move(result_);
     }
@@ -124,7 +130,12 @@ private:
             Items();
             at += 8 + size;
         }
-        if (at < total) result_.lossless = false;
+        if (at < total) {
+            result_.lossless = false;
+            result_.notes.push_back(std::to_string(total - at) + " bytes at offset " +
+                                    IntToHex(static_cast<std::uint32_t>(at), 8) +
+                                    " lie behind the last form and are left out: the decode is not exact");
+        }
     }
 
     struct Frame {
@@ -138,14 +149,14 @@ private:
 
     // The size field of the FORM at `at`, made even as every size is.
     std::int64_t EvenFormSize(std::size_t at) const {
-        const std::uint32_t size = BigEndian(bytes_, at + 4);
+        const std::uint32_t size = ReadBigEndian32(bytes_, at + 4);
         return std::int64_t{size} + (size & 1);
     }
 
     // An odd size field is the one thing of a form the text cannot give back: the assembler writes the even
     // size of what the form holds.
     void NoteOddSize(std::size_t at) {
-        const std::uint32_t size = BigEndian(bytes_, at + 4);
+        const std::uint32_t size = ReadBigEndian32(bytes_, at + 4);
         if (!(size & 1)) return;
         result_.lossless = false;
         if (oddForms_++ == 0)
@@ -188,19 +199,8 @@ private:
         result_.text.clear();
     }
 
-    std::string_view Indent(std::size_t level) const {
-        return std::string_view(blanks_).substr(0, 2 * std::min(level, kMaxIndentLevels));
-    }
-    void Line(std::size_t level, std::string_view text) {
-        result_.text += Indent(level);
-        result_.text += text;
-        result_.text += "\r\n";
-    }
-
     void OpenForm(std::string type, std::int64_t end, bool truncated) {
-        const std::size_t level = frames_.size() + 1;
-        Line(level, "FORM \"" + type + "\"");
-        Line(level, "{");
+        text_.Open("FORM \"" + type + "\"");
         const bool ship = IsShipForm(type) || (!frames_.empty() && frames_.back().insideShip);
         frames_.push_back({end, std::move(type), ship, truncated});
     }
@@ -211,7 +211,7 @@ private:
             const Frame& form = frames_.back();
             Flush(false);
             if (pos_ >= form.end) {
-                Line(frames_.size(), "}");
+                text_.Close();
                 frames_.pop_back();
                 continue;
             }
@@ -222,7 +222,7 @@ private:
             }
             const auto at = static_cast<std::size_t>(pos_);
             const std::string_view id = Chars(bytes_, at, 4);
-            const std::int64_t size = BigEndian(bytes_, at + 4);
+            const std::int64_t size = ReadBigEndian32(bytes_, at + 4);
             if (id == "FORM") {
                 const std::int64_t evenSize = EvenFormSize(at);
                 // Inside a form the data cuts short, a form running to the cut is cut with it.
@@ -246,7 +246,7 @@ private:
                 Raw(pos_, form.end);
             } else if ((size & 1) && bytes_[at + 8 + static_cast<std::size_t>(size)] != 0) {
                 Raw(pos_, pos_ + 8 + padded); // the writer's pad byte is always zero
-            } else if (!IsWritableId(id) && IdValue(id) == kUnwritableInteger) {
+            } else if (!IsWritableId(id) && IdValue(id) == static_cast<std::uint32_t>(kNoValue)) {
                 Raw(pos_, pos_ + 8 + padded);
             } else {
                 Chunk(id, size);
@@ -256,16 +256,19 @@ private:
     }
 
     void Chunk(std::string_view id, std::int64_t size) {
-        const std::size_t level = frames_.size() + 1;
         if (IsWritableId(id))
-            Line(level, "CHUNK \"" + std::string(id) + "\"");
+            text_.Open("CHUNK \"" + std::string(id) + "\"");
         else
-            Line(level, "CHUNK $" + IntToHex(IdValue(id), 8));
-        Line(level, "{");
+            text_.Open("CHUNK $" + IntToHex(IdValue(id), 8) + IdName(id));
         const auto data = bytes_.subspan(static_cast<std::size_t>(pos_) + 8, static_cast<std::size_t>(size));
-        const std::string_view indent = Indent(level + 1);
-        if (size > limit_) {
-            SideFileLines(level + 1, id, pos_, data);
+        const std::string_view indent = text_.Indent();
+        if (options_.disassemble && IsFunctionChunk(id) && StartsWithFunctionRecord(data)) {
+            WriteFunctionRecords(result_.text, indent, data, Names(), [this] { Flush(false); });
+        } else if (size > limit_) {
+            SideFileLines(id, pos_, data);
+        } else if (const NamedWordsChunk kind = NamedWordsChunkOf(id, frames_.back().type);
+                   options_.disassemble && kind != NamedWordsChunk::None) {
+            WriteNamedWords(result_.text, indent, data, kind, Names());
         } else if (const RecordLayout* layout = FindSpecialDecoder(Place(id))) {
             if (!WriteRecords(result_.text, indent, data, *layout, options_.exactFloats))
                 result_.lossless = false;
@@ -277,7 +280,30 @@ private:
                 Flush(false);
             }
         }
-        Line(level, "}");
+        text_.Close();
+    }
+
+    // " // <name>" for the id of an object property whose name the system knows, else nothing.
+    std::string IdName(std::string_view id) const {
+        if (!options_.disassemble || !options_.names || frames_.back().type != "PROP") return {};
+        const std::string* name = options_.names->ById(IdValue(id));
+        return name ? " // " + *name : std::string();
+    }
+
+    // The chunk where mission, series and sector forms keep the records of their script functions.
+    bool IsFunctionChunk(std::string_view id) const {
+        if (id != "FUNC") return false;
+        const std::string_view parent = frames_.back().type;
+        return parent == "MISN" || parent == "SERS" || parent == "MED_";
+    }
+
+    // The names for the function records, with the names this file records, gathered at the first use.
+    WcpNames& Names() {
+        if (!names_) {
+            AddNamesOfFile(fileNames_, bytes_);
+            names_.emplace(options_.names.get(), &fileNames_);
+        }
+        return *names_;
     }
 
     ChunkPlace Place(std::string_view id) const {
@@ -292,19 +318,17 @@ private:
     // Bytes the text cannot hold as items, included into the form as they are.
     void Raw(std::int64_t from, std::int64_t to) {
         const auto data = bytes_.subspan(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from));
-        SideFileLines(frames_.size() + 1,
-                      Chars(bytes_, static_cast<std::size_t>(from), std::min<std::size_t>(4, data.size())),
+        SideFileLines(Chars(bytes_, static_cast<std::size_t>(from), std::min<std::size_t>(4, data.size())),
                       from, data);
         pos_ = to;
     }
 
-    void SideFileLines(std::size_t level, std::string_view id, std::int64_t offset,
-                       std::span<const std::uint8_t> data) {
+    void SideFileLines(std::string_view id, std::int64_t offset, std::span<const std::uint8_t> data) {
         std::string name =
             name_ + "_" + SafeId(id) + "_" + IntToHex(static_cast<std::uint32_t>(offset), 1) + ".bin";
-        Line(level, "// offset: " + IntToHex(static_cast<std::uint32_t>(offset), 1));
-        Line(level, "// size: " + IntToHex(static_cast<std::uint32_t>(data.size()), 1));
-        Line(level, "file \"" + name + "\"");
+        text_.Line("// offset: " + IntToHex(static_cast<std::uint32_t>(offset), 1));
+        text_.Line("// size: " + IntToHex(static_cast<std::uint32_t>(data.size()), 1));
+        text_.Line("file \"" + name + "\"");
         result_.sideFiles.push_back({std::move(name), std::vector<std::uint8_t>(data.begin(), data.end())});
     }
 
@@ -325,11 +349,13 @@ private:
     std::string name_;                    // the input's file name, made safe to quote and to name files
     std::int64_t limit_;                  // chunks above this size go to side files
     DecodeOptions options_;               // how values are written
-    std::string blanks_;                  // indentation is cut from this
     std::vector<Frame> frames_;           // the open forms, outermost first
     std::int64_t pos_ = 0;                // the next item's offset
     std::size_t oddForms_ = 0;            // forms with an odd size field
     DecodedIff result_;                   // what is written
+    IffTextWriter text_;                  // writes the lines into result_.text
+    KnownNames fileNames_;                // names recorded in the input itself
+    std::optional<WcpNames> names_;       // for function records; made at the first one
 };
 
 } // namespace
@@ -348,12 +374,26 @@ DecodedIff DecodeIff(std::span<const std::uint8_t> bytes, std::string_view fileN
 
 std::vector<std::string> Decode(const std::filesystem::path& input, const std::filesystem::path& output,
                                 std::int64_t limit, const DecodeOptions& options) {
+    OutputPolicy policy;
+    policy.ProtectInput(input);
+    policy.CheckNotInput(output);
     const TIffReader reader = TIffReader::FromFile(input);
     AtomicFileWriter text(output);
     const DecodedIff decoded = DecodeReader(reader, input.string(), limit, options,
                                             [&](std::string_view piece) { text.Write(piece); });
+    // Every file is on the disk before the first replaces its target: a full disk leaves the old ones.
     const std::filesystem::path folder = output.parent_path();
-    for (const SideFile& side : decoded.sideFiles) WriteFileAtomic(folder / side.name, side.data);
+    std::vector<std::unique_ptr<AtomicFileWriter>> sides;
+    sides.reserve(decoded.sideFiles.size());
+    for (const SideFile& side : decoded.sideFiles) {
+        const std::filesystem::path path = folder / side.name;
+        policy.CheckNotInput(path);
+        sides.push_back(std::make_unique<AtomicFileWriter>(path));
+        sides.back()->Write(side.data);
+        sides.back()->Close();
+    }
+    text.Close();
+    for (const auto& side : sides) side->Commit();
     text.Commit();
     return decoded.notes;
 }

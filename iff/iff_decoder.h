@@ -3,12 +3,14 @@
 // values; a chunk larger than the decode limit goes to a side file that a `file` value reads back.
 #pragma once
 
+#include "iff/hash_names.h"
 #include "iff/iff_reader_errors.h"
 #include "iff/special_decoders.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -20,6 +22,10 @@ class TIffReader;
 
 struct DecodeOptions {
     bool exactFloats = false; // floats in the shortest text that reads back exactly, not in "0.0#"
+    // Function records as WCP_ASM listings, whatever their size, and names beside the ids that stand for
+    // names; off, they are byte rows (or side files) like any other chunk.
+    bool disassemble = true;
+    std::shared_ptr<const KnownNames> names; // names the system knows (game functions, object properties)
 };
 
 // A file the decoded text reads with `file "<name>"`, to be written beside the text.
@@ -48,9 +54,10 @@ using TextSink = std::function<void(std::string_view piece)>;
 DecodedIff DecodeReader(const TIffReader& reader, std::string_view fileName, std::int64_t limit,
                         const DecodeOptions& options = {}, const TextSink& sink = {});
 
-// Decodes the file `input` into the text file `output`, the side files beside it, and returns the notes
-// on why the text is not exact. Throws EIffReader for input that is not valid IFF and EInOutError when a
-// file cannot be read or written.
+// Decodes the file `input` into the text file `output`, the side files beside it: all of them or, when one
+// cannot be written, none (the files that stood there before stay as they were). An output that is the
+// input itself is refused. Returns the notes on why the text is not exact. Throws EIffReader for input that
+// is not valid IFF and EInOutError when a file cannot be read or written.
 std::vector<std::string> Decode(const std::filesystem::path& input, const std::filesystem::path& output,
                                 std::int64_t limit, const DecodeOptions& options = {});
 

@@ -1,5 +1,6 @@
 #include "iff/iff_reader.h"
 
+#include "platform/byte_order.h"
 #include "platform/numbers.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
@@ -43,8 +44,7 @@ struct ScannedItem {
 };
 
 std::int64_t EvenSize(const std::array<std::uint8_t, 4>& be) {
-    const std::uint32_t v = (std::uint32_t{be[0]} << 24) | (std::uint32_t{be[1]} << 16) |
-                            (std::uint32_t{be[2]} << 8) | std::uint32_t{be[3]};
+    const std::uint32_t v = ReadBigEndian32(be);
     return static_cast<std::int64_t>(v) + (v & 1);
 }
 
@@ -206,8 +206,7 @@ void TIffReader::Read(std::span<std::uint8_t> out) {
 std::int32_t TIffReader::ReadLong() {
     std::array<std::uint8_t, 4> b{};
     Read(b);
-    return static_cast<std::int32_t>(std::uint32_t{b[0]} | (std::uint32_t{b[1]} << 8) |
-                                     (std::uint32_t{b[2]} << 16) | (std::uint32_t{b[3]} << 24));
+    return static_cast<std::int32_t>(ReadLittleEndian32(b));
 }
 
 float TIffReader::ReadFloat() {

@@ -1,10 +1,11 @@
 // The typed values inside a chunk and the number readers they use.
-#include "compiler/scanner.h"
 #include "iff/checksum.h"
 #include "iff/iff_compiler.h"
 #include "iff/iff_writer.h"
+#include "platform/byte_order.h"
 #include "platform/numbers.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <bit>
 #include <cmath>
@@ -13,10 +14,6 @@
 namespace velkor {
 
 namespace {
-
-// What the integer conversion returns for a text that is no number. The value itself can therefore never be
-// written, not even spelled out: the assembler has always refused it.
-constexpr std::int32_t kNotAnInteger = 0x0F00AAFF;
 
 enum class ValueType { Byte, Word, Long, Float, Double, Crc32, CString, File, WcpAsm, Unknown };
 
@@ -33,10 +30,6 @@ ValueType TypeOf(std::string_view name) {
     return ValueType::Unknown;
 }
 
-void AppendLittleEndian(std::vector<std::uint8_t>& out, std::uint64_t value, int bytes) {
-    for (int i = 0; i < bytes; ++i) out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-}
-
 bool StartsWithSign(std::string_view text) {
     return !text.empty() && (text[0] == '+' || text[0] == '-');
 }
@@ -44,15 +37,14 @@ bool StartsWithSign(std::string_view text) {
 } // namespace
 
 void TIffCompiler::Value() {
-    const std::string_view token = Next();
-    const std::string* alias = Lookup(types_, token);
-    const ValueType type = TypeOf(alias ? std::string_view(*alias) : token);
+    const std::string_view token = tokens_.Next();
+    const ValueType type = TypeOf(ResolveType(token));
     if (type == ValueType::Unknown) ExpectError("<type>", token);
 
     std::int32_t count = 1;
-    if (NextIs('[')) {
+    if (tokens_.NextIs('[')) {
         count = ReadInt();
-        Expect("]");
+        tokens_.Expect("]");
     }
     pending_.clear();
     for (std::int32_t i = 0; i < count; ++i) {
@@ -81,69 +73,64 @@ void TIffCompiler::Value() {
             AppendLittleEndian(pending_, std::bit_cast<std::uint64_t>(ReadFloat()), 8);
             break;
         case ValueType::Crc32: {
-            const std::string_view text = Next();
+            const std::string_view text = tokens_.Next();
             // Reading on would take the same empty token for every further item and then refuse it as the
             // chunk's next type name; that refusal comes at once, so a count of a billion does not loop.
-            if (Stuck(text)) ExpectError("<type>", text);
+            if (tokens_.Stuck(text)) ExpectError("<type>", text);
             const std::uint32_t hash = NameHash(text);
             if (OnNameHashed) OnNameHashed(text, hash);
             AppendLittleEndian(pending_, hash, 4);
             break;
         }
         case ValueType::CString: {
-            std::string_view text = Next();
-            if (!IsNameKind(kind_)) ExpectError("<string>", text);
-            text = ResolveConstant(text);
+            std::string_view text = tokens_.Next();
+            if (!tokens_.IsNameKind(tokens_.Kind())) ExpectError("<string>", text);
+            text = tokens_.ResolveConstant(text);
             CheckOutputSize(pending_.size() + text.size() + 1);
             pending_.insert(pending_.end(), text.begin(), text.end());
             pending_.push_back(0);
             break;
         }
-        case ValueType::File: WriteFileContents(ReadName("<filename>")); break;
+        case ValueType::File: WriteFileContents(tokens_.ReadName("<filename>")); break;
         case ValueType::WcpAsm: AssembleWcpAsm(); break;
         case ValueType::Unknown: break;
         }
-        NextIs(',');
+        tokens_.NextIs(',');
     }
     if (!pending_.empty()) writer_->Write(pending_);
 }
 
-std::int32_t TIffCompiler::ConvertInt(std::string_view text) {
-    std::int32_t value = StrToIntDef(text, kNotAnInteger);
-    if (value == kNotAnInteger) Error(std::string(text) + " is not a valid integer value.");
-    return value;
-}
-
 std::int32_t TIffCompiler::ReadInt() {
-    std::string_view text = Next();
-    if (kind_ == tkNumber) return ConvertInt(text); // the usual case: a number token never starts with a sign
+    std::string_view text = tokens_.Next();
+    if (tokens_.Kind() == tkNumber)
+        return tokens_.ConvertInt(text); // the usual case: a number token never starts with a sign
     std::string joined;
     if (StartsWithSign(text)) { // "-" and "5" are two tokens
         joined = text;
-        joined += Next();
+        joined += tokens_.Next();
         text = joined;
     }
-    if (kind_ == tkNumber) return ConvertInt(text);
-    if (IsNameKind(kind_)) {
-        std::int32_t value = StrToIntDef(ResolveConstant(text), kNotAnInteger);
-        if (value == kNotAnInteger) Error(std::string(text) + " is not a valid integer value.");
+    if (tokens_.Kind() == tkNumber) return tokens_.ConvertInt(text);
+    if (tokens_.IsNameKind(tokens_.Kind())) {
+        std::int32_t value = StrToIntDef(tokens_.ResolveConstant(text), kNoValue);
+        if (value == kNoValue) Error(std::string(text) + " is not a valid integer value.");
         return value;
     }
     Error(std::string(text) + " is not a valid integer value.");
 }
 
 double TIffCompiler::ReadFloat() {
-    std::string_view text = Next();
+    std::string_view text = tokens_.Next();
     std::string joined;
     if (StartsWithSign(text)) {
         joined = text;
-        joined += Next();
+        joined += tokens_.Next();
         text = joined;
     }
-    if (kind_ == tkNumber) {
+    if (tokens_.Kind() == tkNumber) {
         if (auto v = StrToFloat(text)) return *v;
-    } else if (IsNameKind(kind_)) {
-        if (auto v = StrToFloat(ResolveConstant(text))) return *v;
+    } else if (tokens_.IsNameKind(tokens_.Kind())) {
+        if (auto v = StrToFloat(tokens_.ResolveConstant(text))) return *v;
         Error(std::string(text) + ") is not a valid floating point value.");
     }
     Error(std::string(text) + " is not a valid floating point value.");

@@ -1,6 +1,8 @@
 #include "iff/iff_writer.h"
 
 #include "iff/checksum.h"
+#include "platform/atomic_file_writer.h"
+#include "platform/byte_order.h"
 #include "platform/strings.h"
 
 #include <zlib.h>
@@ -11,13 +13,6 @@
 #include <cmath>
 
 namespace velkor {
-
-namespace {
-std::array<std::uint8_t, 4> LittleEndian(std::uint32_t v) {
-    return {static_cast<std::uint8_t>(v), static_cast<std::uint8_t>(v >> 8),
-            static_cast<std::uint8_t>(v >> 16), static_cast<std::uint8_t>(v >> 24)};
-}
-} // namespace
 
 void TBasicWriter::WriteCompressed(std::span<const std::uint8_t> bytes) {
     const auto n = static_cast<uLong>(bytes.size());
@@ -30,15 +25,15 @@ void TBasicWriter::WriteCompressed(std::span<const std::uint8_t> bytes) {
 }
 
 void TBasicWriter::WriteLong(std::int32_t value) {
-    Write(LittleEndian(static_cast<std::uint32_t>(value)));
+    Write(LittleEndian32(static_cast<std::uint32_t>(value)));
 }
 
 void TBasicWriter::WriteFloat(float value) {
-    Write(LittleEndian(std::bit_cast<std::uint32_t>(value)));
+    Write(LittleEndian32(std::bit_cast<std::uint32_t>(value)));
 }
 
 void TBasicWriter::WriteCrc(std::string_view text) {
-    Write(LittleEndian(NameHash(text)));
+    Write(LittleEndian32(NameHash(text)));
 }
 
 void TBasicWriter::WriteCString(std::string_view text) {
@@ -97,10 +92,7 @@ void TIffWriter::PatchSize(std::uint64_t header, std::uint64_t size) {
     if (size > 0xFFFFFFFFu) throw EIffWriter("TIffWriter: item larger than 4 GB!");
     const std::uint64_t here = stream_->Position();
     stream_->Seek(header + 4);
-    const auto s = static_cast<std::uint32_t>(size);
-    const std::uint8_t be[4] = {static_cast<std::uint8_t>(s >> 24), static_cast<std::uint8_t>(s >> 16),
-                                static_cast<std::uint8_t>(s >> 8), static_cast<std::uint8_t>(s)};
-    stream_->Write(be);
+    stream_->Write(BigEndian32(static_cast<std::uint32_t>(size)));
     stream_->Seek(here);
 }
 
@@ -128,10 +120,7 @@ std::uint64_t TIffWriter::CloseForm() {
 
 void TIffWriter::Save() {
     if (mode_ != InMemory) return;
-    auto* memory = static_cast<MemoryStream*>(stream_.get());
-    FileStream file(fileName_);
-    file.Write(memory->Bytes());
-    file.Close();
+    WriteFileAtomic(fileName_, static_cast<MemoryStream*>(stream_.get())->Bytes());
 }
 
 void TIffWriter::Close() {

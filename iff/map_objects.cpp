@@ -1,6 +1,7 @@
 #include "iff/map_objects.h"
 
 #include "iff/iff_reader.h"
+#include "platform/byte_order.h"
 #include "platform/numbers.h"
 
 #include <bit>
@@ -14,11 +15,6 @@ namespace {
 
 // The OBJ_PROP_TYPE property's chunk id, $56A0F92F as the assembler writes a numeric id: low byte first.
 constexpr std::string_view kTypePropertyId("\x2F\xF9\xA0\x56", 4);
-
-std::uint32_t LittleEndian(std::span<const std::uint8_t> bytes) {
-    return std::uint32_t{bytes[0]} | (std::uint32_t{bytes[1]} << 8) | (std::uint32_t{bytes[2]} << 16) |
-           (std::uint32_t{bytes[3]} << 24);
-}
 
 // The chunk's data, or nothing when its header claims more bytes than the data holds.
 std::optional<std::span<const std::uint8_t>> DataOf(const TIffReader& reader, const TChunk& chunk) {
@@ -40,11 +36,12 @@ void ReadPosition(const TIffReader& reader, const TForm& form, TMapObject& objec
     if (!comn) return;
     const auto data = DataOf(reader, *comn);
     if (!data || data->size() < 4) return;
-    object.NameHash = LittleEndian(*data);
+    object.NameHash = ReadLittleEndian32(*data);
     if (data->size() < 16) return;
     double axis[3];
     for (int i = 0; i < 3; ++i)
-        axis[i] = std::bit_cast<float>(LittleEndian(data->subspan(4 + 4 * static_cast<std::size_t>(i), 4)));
+        axis[i] =
+            std::bit_cast<float>(ReadLittleEndian32(data->subspan(4 + 4 * static_cast<std::size_t>(i), 4)));
     if (!std::isfinite(axis[0]) || !std::isfinite(axis[1]) || !std::isfinite(axis[2])) return;
     object.X = axis[0];
     object.Y = axis[1];
@@ -72,7 +69,7 @@ void ReadTypeNumber(const TIffReader& reader, const TForm& form, TMapObject& obj
             if (!chunk) continue;
             const auto data = DataOf(reader, *chunk);
             if (!data || data->size() < 4) continue;
-            object.TypeNumber = static_cast<std::int32_t>(LittleEndian(*data));
+            object.TypeNumber = static_cast<std::int32_t>(ReadLittleEndian32(*data));
             return;
         }
     }

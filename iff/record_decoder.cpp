@@ -1,6 +1,8 @@
 #include "iff/record_decoder.h"
 
 #include "iff/value_lines.h"
+#include "platform/byte_order.h"
+#include "platform/numbers.h"
 
 #include <algorithm>
 #include <bit>
@@ -57,14 +59,13 @@ private:
         }
         if (left < 4) return false;
         const auto bytes = data_.subspan(pos_, 4);
-        const std::uint32_t bits = std::uint32_t{bytes[0]} | (std::uint32_t{bytes[1]} << 8) |
-                                   (std::uint32_t{bytes[2]} << 16) | (std::uint32_t{bytes[3]} << 24);
+        const std::uint32_t bits = ReadLittleEndian32(bytes);
         pos_ += 4;
         if (field.kind == FieldKind::Float) {
             const FloatStyle& style = layout_.timeFloats ? kTimeFloat : kPlainFloat;
             if (!WriteFloat(out_, indent_, std::bit_cast<float>(bits), style, exactFloats_, field.label))
                 exact_ = false;
-        } else if (bits == kUnwritableInteger) {
+        } else if (bits == static_cast<std::uint32_t>(kNoValue)) {
             WriteByteRows(out_, indent_, bytes, field.label);
         } else {
             WriteLong(out_, indent_, static_cast<std::int32_t>(bits), field.kind == FieldKind::HexLong,

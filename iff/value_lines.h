@@ -13,9 +13,6 @@ namespace velkor {
 // A labelled line is padded with blanks to this many characters before "//" and the label.
 inline constexpr std::size_t kLabelColumn = 30;
 
-// The number the assembler's integer reader returns for "no number": it can never be written as a value.
-inline constexpr std::uint32_t kUnwritableInteger = 0x0F00AAFF;
-
 // How float value lines look: the default lines, and the TIME/TIME decoder's.
 struct FloatStyle {
     std::string_view prefix;  // the value's type word with any blanks in front of it

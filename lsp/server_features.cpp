@@ -5,7 +5,7 @@
 #include "lsp/language_server.h"
 #include "lsp/source_words.h"
 
-#include "compiler/scanner.h"
+#include "scanner/scanner.h"
 #include "compiler/symbol_queries.h"
 #include "platform/strings.h"
 
@@ -20,12 +20,6 @@ namespace velkor::lsp {
 using nlohmann::json;
 
 namespace {
-
-// Words the statement compiler dispatches on; with the scanner's keywords, the words of the language.
-constexpr std::array<std::string_view, 16> kStatementWords = {
-    "if",    "then", "else", "while", "do",  "until", "for",  "to",
-    "break", "inc",  "dec",  "not",   "xor", "mod",   "aint", "result",
-};
 
 // LSP CompletionItemKind and SymbolKind values.
 enum {
@@ -191,7 +185,7 @@ json TLanguageServer::Completion(const json& params) {
         items.push_back({{"label", std::string(w)}, {"kind", ciKeyword}});
     };
     for (const auto& k : ScannerKeywords()) keyword(k.word);
-    for (const auto w : kStatementWords) keyword(w);
+    for (const auto w : StatementWords()) keyword(w);
     return {{"isIncomplete", false}, {"items", std::move(items)}};
 }
 

@@ -196,6 +196,18 @@ void IniDocument::SetValue(std::string_view section, std::string_view key, std::
     lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(insertAt), std::move(entry));
 }
 
+void IniDocument::AddSection(std::string_view section) {
+    if (!IsStorableIniSection(section))
+        throw EIniFile("TIniFile: Section name cannot be stored: \"" + std::string(section) + "\"");
+    if (HasSection(section)) return;
+    if (!lines_.empty() && !Trim(lines_.back().text).empty()) lines_.emplace_back();
+    Line head;
+    head.kind = LineKind::Header;
+    head.name = section;
+    head.text = "[" + std::string(section) + "]";
+    lines_.push_back(std::move(head));
+}
+
 bool IniDocument::EraseSection(std::string_view section) {
     std::vector<Line> kept;
     kept.reserve(lines_.size());
@@ -222,6 +234,23 @@ bool IniDocument::DeleteKey(std::string_view section, std::string_view key) {
     for (size_t i = 0; i < lines_.size(); ++i) {
         Line& line = lines_[i];
         if (i > header && i < end && line.kind == LineKind::Entry && SameText(line.name, key)) {
+            deleted = true;
+            continue;
+        }
+        kept.push_back(std::move(line));
+    }
+    lines_ = std::move(kept);
+    return deleted;
+}
+
+bool IniDocument::DeleteEntriesWhere(const std::function<bool(std::string_view, std::string_view)>& match) {
+    std::vector<Line> kept;
+    kept.reserve(lines_.size());
+    std::string section;
+    bool deleted = false;
+    for (auto& line : lines_) {
+        if (line.kind == LineKind::Header) section = line.name;
+        if (line.kind == LineKind::Entry && match(section, line.name)) {
             deleted = true;
             continue;
         }

@@ -10,6 +10,7 @@
 
 #include "platform/exception.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -59,10 +60,16 @@ public:
     // Replaces the key's value, or adds the key at the end of the section, or the section at the end of
     // the text. Throws EIniFile when a name or the value cannot be stored.
     void SetValue(std::string_view section, std::string_view key, std::string_view value);
+    // Adds an empty section at the end of the text unless one of that name exists. Throws EIniFile when
+    // the name cannot be stored.
+    void AddSection(std::string_view section);
     // Removes every section of that name with all its lines; false when there was none.
     bool EraseSection(std::string_view section);
     // Removes every line of the key in the section; false when there was none.
     bool DeleteKey(std::string_view section, std::string_view key);
+    // Removes every entry line, in any section, for which match(section name, key) holds; false when
+    // there was none.
+    bool DeleteEntriesWhere(const std::function<bool(std::string_view, std::string_view)>& match);
 
     // The whole text, every line ending in CR LF.
     std::string Text() const;

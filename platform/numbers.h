@@ -14,6 +14,12 @@ namespace velkor {
 std::optional<std::int32_t> StrToInt(std::string_view text);
 std::int32_t StrToIntDef(std::string_view text, std::int32_t fallback);
 
+// The marker for "no number" ($0F00AAFF) that the original tools pass as StrToIntDef's fallback and keep in
+// a local variable declared without a value. A text spelling this very number out therefore reads as no
+// number: the textual-IFF assembler refuses it as a value, the instruction assembler hashes it as a name,
+// and the decoder never writes it as one.
+inline constexpr std::int32_t kNoValue = 0x0F00AAFF;
+
 // A floating-point number: optional blanks, sign, digits with an optional "." and fraction, an optional
 // exponent. Infinities, NaNs and hexadecimal floats are refused.
 std::optional<double> StrToFloat(std::string_view text);

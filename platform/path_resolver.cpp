@@ -139,6 +139,17 @@ std::optional<fs::path> FindExisting(std::string_view path, const fs::path& base
     return Tidy(found);
 }
 
+bool IsRegularFile(const fs::path& path) {
+    std::error_code ec;
+    return fs::is_regular_file(path, ec);
+}
+
+std::optional<fs::path> FindExistingFile(std::string_view path, const fs::path& base) {
+    auto found = FindExisting(path, base);
+    if (!found || !IsRegularFile(*found)) return std::nullopt;
+    return found;
+}
+
 fs::path ResolvePath(std::string_view path, const fs::path& base) {
     std::vector<std::string> parts;
     fs::path anchor = Anchor(path, base, parts);

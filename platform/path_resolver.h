@@ -20,6 +20,13 @@ std::filesystem::path ToNativePath(std::string_view path);
 std::optional<std::filesystem::path> FindExisting(std::string_view path,
                                                   const std::filesystem::path& base = {});
 
+// True for an existing regular file; a folder or a device of that name is as good as missing.
+bool IsRegularFile(const std::filesystem::path& path);
+
+// As FindExisting, for a regular file only.
+std::optional<std::filesystem::path> FindExistingFile(std::string_view path,
+                                                      const std::filesystem::path& base = {});
+
 // As FindExisting, but for a path that need not exist (an output file): the longest existing prefix is
 // matched as above and the rest is kept as written.
 std::filesystem::path ResolvePath(std::string_view path, const std::filesystem::path& base = {});

@@ -92,9 +92,19 @@ std::vector<RegistryKey>::iterator FindKey(std::vector<RegistryKey>& keys, std::
                         [&](const RegistryKey& k) { return SameText(k.path, path); });
 }
 
-std::vector<RegistryValue>::iterator FindValue(std::vector<RegistryValue>& values, std::string_view name) {
-    return std::find_if(values.begin(), values.end(),
-                        [&](const RegistryValue& v) { return SameText(v.name, name); });
+// The sections of the document that hold the key, as spelt in the file, first one first.
+std::vector<std::string> SectionsOf(const IniDocument& doc, std::string_view path) {
+    std::vector<std::string> found;
+    for (auto& name : doc.Sections())
+        if (SameText(NormaliseKeyPath(UnescapeName(name)), path)) found.push_back(std::move(name));
+    return found;
+}
+
+// The spelling of the value name in that section of the document; empty when the section has none.
+std::string EntryOf(const IniDocument& doc, std::string_view section, std::string_view name) {
+    for (auto& entry : doc.Entries(section))
+        if (SameText(UnescapeName(entry.key), name)) return std::move(entry.key);
+    return {};
 }
 
 // Serialises read-modify-write cycles of this process.
@@ -164,11 +174,10 @@ bool RegistryFileStore::Modify(Change&& change) {
     fs::path file = FileName();
     std::error_code ec;
     // An existing store that cannot be read must not be replaced by one holding only the change.
-    std::vector<RegistryKey> keys =
-        fs::exists(file, ec) ? ParseRegistryStore(LoadTextFile(file)) : std::vector<RegistryKey>();
-    if (!change(keys)) return false;
+    IniDocument doc = fs::exists(file, ec) ? IniDocument(LoadTextFile(file)) : IniDocument();
+    if (!change(doc)) return false;
     if (fs::path folder = file.parent_path(); !folder.empty()) fs::create_directories(folder, ec);
-    WriteFileAtomic(file, FormatRegistryStore(keys));
+    WriteFileAtomic(file, doc.Text());
     return true;
 }
 
@@ -182,8 +191,8 @@ bool RegistryFileStore::KeyExists(std::string_view key) const {
 bool RegistryFileStore::OpenKey(std::string_view key, bool canCreate) {
     if (KeyExists(key)) return true;
     if (!canCreate) return false;
-    Modify([&](std::vector<RegistryKey>& keys) {
-        keys.push_back({NormaliseKeyPath(key), {}});
+    Modify([&](IniDocument& doc) {
+        doc.AddSection(EscapeName(NormaliseKeyPath(key)));
         return true;
     });
     return true;
@@ -207,36 +216,34 @@ std::optional<std::string> RegistryFileStore::ReadString(std::string_view key, s
 }
 
 void RegistryFileStore::WriteString(std::string_view key, std::string_view name, std::string_view value) {
-    Modify([&](std::vector<RegistryKey>& keys) {
-        std::string path = NormaliseKeyPath(key);
-        auto it = FindKey(keys, path);
-        if (it == keys.end()) it = keys.insert(keys.end(), {std::move(path), {}});
-        if (auto v = FindValue(it->values, name); v != it->values.end())
-            v->data = value;
-        else
-            it->values.push_back({std::string(name), std::string(value)});
+    Modify([&](IniDocument& doc) {
+        const std::string path = NormaliseKeyPath(key);
+        const std::vector<std::string> sections = SectionsOf(doc, path);
+        // The first section of the key is the one read first: a value set there wins over any later one.
+        const std::string section = sections.empty() ? EscapeName(path) : sections.front();
+        std::string entry = EntryOf(doc, section, name);
+        doc.SetValue(section, entry.empty() ? EscapeName(name) : entry, EscapeValue(value));
         return true;
     });
 }
 
 bool RegistryFileStore::DeleteValue(std::string_view key, std::string_view name) {
-    return Modify([&](std::vector<RegistryKey>& keys) {
-        auto it = FindKey(keys, NormaliseKeyPath(key));
-        if (it == keys.end()) return false;
-        auto v = FindValue(it->values, name);
-        if (v == it->values.end()) return false;
-        it->values.erase(v);
-        return true;
+    const std::string path = NormaliseKeyPath(key);
+    return Modify([&](IniDocument& doc) {
+        return doc.DeleteEntriesWhere([&](std::string_view section, std::string_view entry) {
+            return SameText(UnescapeName(entry), name) &&
+                   SameText(NormaliseKeyPath(UnescapeName(section)), path);
+        });
     });
 }
 
 bool RegistryFileStore::DeleteKey(std::string_view key) {
-    return Modify([&](std::vector<RegistryKey>& keys) {
-        auto gone = std::remove_if(keys.begin(), keys.end(),
-                                   [&](const RegistryKey& k) { return IsKeyAtOrBelow(k.path, key); });
-        if (gone == keys.end()) return false;
-        keys.erase(gone, keys.end());
-        return true;
+    return Modify([&](IniDocument& doc) {
+        bool erased = false;
+        for (const std::string& section : doc.Sections())
+            if (IsKeyAtOrBelow(NormaliseKeyPath(UnescapeName(section)), key))
+                erased = doc.EraseSection(section) || erased;
+        return erased;
     });
 }
 

@@ -2,7 +2,8 @@
 // per key and one "name=value" line per value, in stored order. Bytes the ini format cannot carry are
 // written as "%" and two hexadecimal digits ("%" itself, control characters, and in names "=", "[", "]",
 // ";" and blanks at either end); an empty value name is written "@". The file is read afresh at every
-// access and replaced atomically at every change.
+// access and replaced atomically at every change. A change rewrites only the lines it changes: comments,
+// further sections of a key, duplicate values and lines that are not understood stay as they were.
 #pragma once
 
 #include "platform/registry.h"
@@ -49,6 +50,7 @@ public:
 
 private:
     std::vector<RegistryKey> Load() const;
+    // Runs `change` on the store's text and writes the text back when it returns true.
     template <typename Change>
     bool Modify(Change&& change);
 

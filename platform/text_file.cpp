@@ -3,12 +3,17 @@
 #include "platform/exception.h"
 
 #include <algorithm>
-#include <atomic>
-#include <cstdio>
+#include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <random>
 #include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#ifdef _WIN32
+#include <fstream>
+#else
+#include <unistd.h>
+#endif
 
 namespace velkor {
 
@@ -50,32 +55,85 @@ void NormaliseLineBreaksInPlace(std::string& text) {
 }
 
 namespace {
-template <typename Container>
-Container ReadAll(const std::filesystem::path& path, bool roomToGrow = false) {
-    std::ifstream in(path, std::ios::binary);
-    std::error_code ec;
-    if (!in || std::filesystem::is_directory(path, ec))
-        throw EInOutError("Cannot open file \"" + path.string() + "\"");
-    // Read straight into the container. One byte more than the file's size lets a file that keeps its size
-    // end in one read; one that grows meanwhile is read on in larger steps.
+
+std::string Reason(int error) {
+    return std::generic_category().message(error);
+}
+
+[[noreturn]] void Throw(const char* what, const std::filesystem::path& path, int error) {
+    throw EInOutError(std::string(what) + " \"" + path.string() + "\": " + Reason(error));
+}
+
+[[noreturn]] void ThrowNotRegular(const std::filesystem::path& path) {
+    throw EInOutError("Cannot open file \"" + path.string() + "\": not a regular file");
+}
+
+// Reads straight into the container. One byte more than the file's size lets a file that keeps its size
+// end in one read; one that grows meanwhile is read on in larger steps.
+template <typename Container, typename ReadSome>
+Container ReadAllFrom(const std::filesystem::path& path, std::size_t size, bool roomToGrow, ReadSome&& read) {
     constexpr std::size_t kStep = std::size_t{1} << 16;
-    std::size_t want = kStep;
-    if (const auto size = std::filesystem::file_size(path, ec); !ec)
-        want = static_cast<std::size_t>(size) + 1;
+    std::size_t want = size + 1;
     Container data;
     data.reserve(roomToGrow ? want + want / 2 : want);
     std::size_t got = 0;
     for (;;) {
         data.resize(got + want);
-        in.read(reinterpret_cast<char*>(data.data()) + got, static_cast<std::streamsize>(want));
-        got += static_cast<std::size_t>(in.gcount());
-        if (!in) break;
-        want = std::max(got, kStep);
+        const long n = read(reinterpret_cast<char*>(data.data()) + got, want);
+        if (n < 0) Throw("Cannot read file", path, errno);
+        got += static_cast<std::size_t>(n);
+        if (n == 0) break;
+        if (static_cast<std::size_t>(n) == want)
+            want = std::max(got, kStep);
+        else
+            want -= static_cast<std::size_t>(n);
     }
-    if (in.bad()) throw EInOutError("Cannot read file \"" + path.string() + "\"");
     data.resize(got);
     return data;
 }
+
+#ifdef _WIN32
+template <typename Container>
+Container ReadAll(const std::filesystem::path& path, bool roomToGrow = false) {
+    std::error_code ec;
+    if (std::filesystem::is_directory(path, ec)) Throw("Cannot open file", path, EISDIR);
+    std::ifstream in(path, std::ios::binary);
+    if (!in) Throw("Cannot open file", path, ENOENT);
+    if (!std::filesystem::is_regular_file(path, ec)) ThrowNotRegular(path);
+    const auto size = std::filesystem::file_size(path, ec);
+    return ReadAllFrom<Container>(path, ec ? 0 : static_cast<std::size_t>(size), roomToGrow,
+                                  [&](char* to, std::size_t count) -> long {
+                                      in.read(to, static_cast<std::streamsize>(count));
+                                      if (in.bad()) return -1;
+                                      return static_cast<long>(in.gcount());
+                                  });
+}
+#else
+template <typename Container>
+Container ReadAll(const std::filesystem::path& path, bool roomToGrow = false) {
+    // Without blocking: opening a FIFO would otherwise wait for a writer before it can be refused.
+    int fd;
+    do fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    while (fd < 0 && errno == EINTR);
+    if (fd < 0) Throw("Cannot open file", path, errno);
+    struct Closer {
+        int fd;
+        ~Closer() { ::close(fd); }
+    } closer{fd};
+    struct stat st;
+    if (::fstat(fd, &st) != 0) Throw("Cannot open file", path, errno);
+    if (S_ISDIR(st.st_mode)) Throw("Cannot open file", path, EISDIR);
+    if (!S_ISREG(st.st_mode)) ThrowNotRegular(path);
+    return ReadAllFrom<Container>(path, static_cast<std::size_t>(st.st_size), roomToGrow,
+                                  [fd](char* to, std::size_t count) -> long {
+                                      for (;;) {
+                                          const auto n = ::read(fd, to, count);
+                                          if (n >= 0 || errno != EINTR) return static_cast<long>(n);
+                                      }
+                                  });
+}
+#endif
+
 } // namespace
 
 std::string LoadTextFile(const std::filesystem::path& path) {
@@ -88,68 +146,6 @@ std::string LoadTextFile(const std::filesystem::path& path) {
 
 std::vector<std::uint8_t> ReadFileBytes(const std::filesystem::path& path) {
     return ReadAll<std::vector<std::uint8_t>>(path);
-}
-
-namespace {
-// Writers of the same target, in this process or another (two builds share the temporary folder's
-// "_velkor.txt"), each need a temporary file of their own, or one renames the other's away.
-std::string TemporarySuffix() {
-    static const std::uint32_t process = std::random_device{}();
-    static std::atomic<std::uint32_t> count{0};
-    char text[40];
-    std::snprintf(text, sizeof text, ".velkor-tmp-%08x-%u", process, count.fetch_add(1) + 1);
-    return text;
-}
-} // namespace
-
-AtomicFileWriter::AtomicFileWriter(std::filesystem::path path) : path_(std::move(path)) {
-    tmp_ = path_;
-    tmp_ += TemporarySuffix();
-    out_.open(tmp_, std::ios::binary | std::ios::trunc);
-    if (!out_) throw EInOutError("Cannot create file \"" + path_.string() + "\"");
-}
-
-AtomicFileWriter::~AtomicFileWriter() {
-    if (!out_.is_open()) return;
-    out_.close();
-    std::error_code ec;
-    std::filesystem::remove(tmp_, ec);
-}
-
-void AtomicFileWriter::Fail() {
-    out_.close();
-    std::error_code ec;
-    std::filesystem::remove(tmp_, ec);
-    throw EInOutError("Cannot write file \"" + path_.string() + "\"");
-}
-
-void AtomicFileWriter::Write(std::span<const std::uint8_t> bytes) {
-    Write(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
-}
-
-void AtomicFileWriter::Write(std::string_view text) {
-    if (!out_.is_open()) Fail();
-    out_.write(text.data(), static_cast<std::streamsize>(text.size()));
-    if (!out_) Fail();
-}
-
-void AtomicFileWriter::Commit() {
-    if (!out_.is_open()) Fail();
-    out_.close();
-    if (!out_) Fail();
-    std::error_code ec;
-    std::filesystem::rename(tmp_, path_, ec);
-    if (ec) Fail();
-}
-
-void WriteFileAtomic(const std::filesystem::path& path, std::span<const std::uint8_t> bytes) {
-    AtomicFileWriter writer(path);
-    writer.Write(bytes);
-    writer.Commit();
-}
-
-void WriteFileAtomic(const std::filesystem::path& path, std::string_view text) {
-    WriteFileAtomic(path, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
 }
 
 } // namespace velkor

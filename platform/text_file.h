@@ -2,9 +2,10 @@
 // LoadTextFile, so that the scanners always see CR LF line breaks whatever editor wrote the file.
 #pragma once
 
+#include "platform/atomic_file_writer.h"
+
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <span>
 #include <string>
 #include <string_view>
@@ -18,37 +19,12 @@ std::string NormaliseLineBreaks(std::string_view text);
 // as it is without being copied.
 void NormaliseLineBreaksInPlace(std::string& text);
 
-// The file's bytes with normalised line breaks. Throws EInOutError when the file cannot be read.
+// The file's bytes with normalised line breaks. Throws EInOutError when the file cannot be read, with the
+// system's reason, or is not a regular file: a device such as /dev/zero never ends and a FIFO may block
+// for ever, so neither is read.
 std::string LoadTextFile(const std::filesystem::path& path);
 
-// The file's bytes unchanged. Throws EInOutError when the file cannot be read.
+// The file's bytes unchanged. Throws EInOutError as LoadTextFile does.
 std::vector<std::uint8_t> ReadFileBytes(const std::filesystem::path& path);
-
-// Writes a file piece by piece through a temporary file in the same folder, renamed over the target by
-// Commit, so that a failure part-way leaves the old file intact; without Commit the temporary file is
-// removed. Throws EInOutError.
-class AtomicFileWriter {
-public:
-    explicit AtomicFileWriter(std::filesystem::path path);
-    ~AtomicFileWriter();
-    AtomicFileWriter(const AtomicFileWriter&) = delete;
-    AtomicFileWriter& operator=(const AtomicFileWriter&) = delete;
-
-    void Write(std::span<const std::uint8_t> bytes);
-    void Write(std::string_view text);
-    void Commit();
-
-private:
-    [[noreturn]] void Fail();
-
-    std::filesystem::path path_; // the target
-    std::filesystem::path tmp_;  // the temporary file beside it
-    std::ofstream out_;          // the temporary file while it is open
-};
-
-// Writes through a temporary file in the same folder and renames it over the target, so a failure part-way
-// leaves the old file intact. Throws EInOutError.
-void WriteFileAtomic(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
-void WriteFileAtomic(const std::filesystem::path& path, std::string_view text);
 
 } // namespace velkor

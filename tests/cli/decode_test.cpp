@@ -185,7 +185,7 @@ TEST(VelkorcDecode, FailuresAreReportedPerFileAndTheOthersStillDecode) {
         RunVelkorc({"decode", "missing.iff", "text.txt", "good.iff", "tiny.iff", "cut.iff"}, dir.path());
     EXPECT_EQ(r.exitCode, 2);
     EXPECT_EQ(r.out, "");
-    EXPECT_EQ(r.err, "velkorc: missing.iff: Cannot open file \"missing.iff\"\n"
+    EXPECT_EQ(r.err, "velkorc: missing.iff: Cannot open file \"missing.iff\": No such file or directory\n"
                      "velkorc: text.txt: TIffReader: text.txtnot a valid .iff file!\n"
                      "velkorc: tiny.iff: TIffReader: tiny.iffnot a valid .iff file!\n"
                      "velkorc: cut.iff: EIffReader_ErrorInChunk: Error in Chunk \"DATA\" at offset C\n");
@@ -257,6 +257,68 @@ TEST(VelkorcDecode, ManyFilesAtOnceGiveWhatOneAtATimeGives) {
         ++files;
     }
     EXPECT_GT(files, 2 * names.size()); // side files included
+}
+
+// A text that cannot give back the same bytes is said so on stderr, file by file; the decode succeeds.
+TEST(VelkorcDecode, LossyDecodesAreReported) {
+    TempDir dir;
+    struct Case {
+        std::string name;
+        std::string bytes;
+        std::string note; // empty for an exact decode
+    };
+    const std::vector<Case> cases = {
+        {"exact.iff", kSmall, ""},
+        {"tail.iff", kSmall + std::string(2, '\0'),
+         "2 bytes at offset 00000022 lie behind the last form and are left out: the decode is not exact"},
+        {"type.iff", Form(std::string("T\x01ST", 4), Chunk("DATA", "\x01")),
+         "the form type cannot be written as it is and becomes \"T_ST\": the decode is not exact"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        WriteFile(dir / c.name, c.bytes);
+        const ToolResult r = RunVelkorc({"decode", c.name}, dir.path());
+        EXPECT_EQ(r.exitCode, 0);
+        EXPECT_EQ(r.err, c.note.empty() ? "" : "velkorc: " + c.name + ": " + c.note + "\n");
+        EXPECT_TRUE(std::filesystem::exists(dir / (c.name + ".pas")));
+    }
+}
+
+} // namespace
+} // namespace velkor::test
+
+namespace velkor::test {
+namespace {
+
+// The campaign's missions and series: their functions as listings with the library's names, or with
+// --no-disassemble as a side file of bytes; either text assembles to the same bytes.
+TEST(VelkorcDecode, FunctionsAsListingsOrAsBytes) {
+    const std::filesystem::path golden = std::filesystem::path(VELKOR_SOURCE_DIR) / "tests/golden/campaign";
+    for (const char* name : {"patrol.mis", "escort.mis", "frontier.srs"}) {
+        SCOPED_TRACE(name);
+        TempDir dir;
+        const std::string original = ReadFile(golden / name);
+        WriteFile(dir / name, original);
+        for (const bool listing : {true, false}) {
+            std::vector<std::string> args{"decode", "-o", "out/text.pas", name};
+            if (!listing) args.insert(args.begin() + 1, "--no-disassemble");
+            std::filesystem::create_directories(dir / "out");
+            const ToolResult r = RunVelkorc(args, dir.path());
+            ASSERT_EQ(r.exitCode, 0) << r.err;
+            const std::string text = ReadFile(dir / "out" / "text.pas");
+            EXPECT_EQ(text.find("WCP_ASM") != std::string::npos, listing);
+            EXPECT_EQ(text.find("\r\n        func ") != std::string::npos, listing);
+            EXPECT_EQ(text.find("CHUNK $164A8982 // OBJ_PROP_PROG_MAIN\r\n") != std::string::npos, listing);
+            EXPECT_EQ(text.find("//function record"), std::string::npos);
+            const ToolResult back = RunVelkorc({"asm", "--out-dir", "again", "out/text.pas"}, dir.path());
+            ASSERT_EQ(back.exitCode, 0) << back.err;
+            EXPECT_EQ(ReadFile(dir / "again" / name), original);
+            std::filesystem::remove_all(dir / "out");
+            std::filesystem::remove_all(dir / "again");
+        }
+    }
+    const ToolResult help = RunVelkorc({"decode", "--help"}, std::filesystem::current_path());
+    EXPECT_NE(help.out.find("--no-disassemble writes them as byte rows"), std::string::npos) << help.out;
 }
 
 } // namespace

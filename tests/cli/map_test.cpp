@@ -1,5 +1,6 @@
 // velkorc map: the demo mission against its golden picture, and the messages and exit statuses of what
 // cannot be drawn.
+#include "tests/iff/iff_test_helpers.h"
 #include "tests/support/run_tool.h"
 
 #include <gtest/gtest.h>
@@ -15,19 +16,8 @@ const std::filesystem::path kCampaign = kSource / "examples/campaign";
 // Textual IFF with objects of every kind of trouble, assembled in memory.
 const std::string kCase = (kSource / "tests/iff/cases/map_objects.txt").string();
 
-std::string Be(std::uint32_t v) {
-    std::string s;
-    for (int i = 3; i >= 0; --i) s += static_cast<char>(v >> (8 * i));
-    return s;
-}
-
-std::string Chunk(const std::string& id, const std::string& data) {
-    return id + Be(static_cast<std::uint32_t>(data.size())) + data +
-           (data.size() % 2 ? std::string(1, '\0') : "");
-}
-
-std::string Form(const std::string& type, const std::string& body) {
-    return "FORM" + Be(static_cast<std::uint32_t>(body.size() + 4)) + type + body;
+std::string Text(const Bytes& bytes) {
+    return std::string(bytes.begin(), bytes.end());
 }
 
 // The string file the missions read, assembled into the folder.
@@ -65,15 +55,12 @@ TEST(VelkorcMap, ABinaryFileIsReadAsItIs) {
 TEST(VelkorcMap, WhatCannotBeDrawnIsSaid) {
     TempDir dir;
     AssembleStrings(dir);
-    const std::string noComn =
-        Form("MED_", Form("OBJS", Form("OBJ_", Chunk("TYPE", std::string("CARGO\0", 6)))));
-    const std::string twoObjects =
-        Form("MED_", Form("OBJS", Form("OBJ_", Chunk("TYPE", std::string("CARGO\0", 6))) +
-                                      Form("OBJ_", Chunk("COMN", std::string(16, '\0')))));
-    WriteFile(dir / "none.sec", Form("MED_", Chunk("VERS", "abcd")));
-    WriteFile(dir / "nowhere.sec", noComn);
-    WriteFile(dir / "some.sec", twoObjects);
-    WriteFile(dir / "broken.sec", "FORM\0\0");
+    const Bytes cargo = Form("OBJ_", {Chunk("TYPE", Str(std::string_view("CARGO\0", 6)))});
+    WriteFile(dir / "none.sec", Text(Form("MED_", {Chunk("VERS", Str("abcd"))})));
+    WriteFile(dir / "nowhere.sec", Text(Form("MED_", {Form("OBJS", {cargo})})));
+    WriteFile(dir / "some.sec",
+              Text(Form("MED_", {Form("OBJS", {cargo, Form("OBJ_", {Chunk("COMN", Bytes(16, 0))})})})));
+    WriteFile(dir / "broken.sec", "FORM"); // a header cut short
     struct Case {
         std::vector<std::string> args;
         int exitCode;

@@ -1,6 +1,6 @@
 // Hostile and huge input: deep nesting ends in an error instead of a stack overflow, recovery always
 // reaches the end of the text, and a large unit compiles in linear time.
-#include "compiler/scanner.h"
+#include "scanner/scanner.h"
 #include "tests/codegen/compile_run.h"
 
 #include <gtest/gtest.h>

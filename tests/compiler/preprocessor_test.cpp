@@ -1,7 +1,7 @@
 #include "compiler/defines.h"
-#include "compiler/scanner.h"
 #include "platform/named_folders.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 #include "tests/compiler/compile_run.h"
 #include "tests/support/run_tool.h"
 

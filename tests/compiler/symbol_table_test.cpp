@@ -20,7 +20,7 @@ TSymbol Record(const std::string& name, std::int32_t kind) {
 }
 
 TEST(SymbolTable, FindsTheFirstRecordOfANameInAnyCase) {
-    TSymbolTable table(nullptr);
+    TSymbolTable table;
     table.Add(Record("Alpha", skGlobalVar));
     table.Add(Record("beta", skGlobalConst));
     table.Add(Record("ALPHA", skObject)); // redeclared: added, but the first stays the one found
@@ -31,7 +31,7 @@ TEST(SymbolTable, FindsTheFirstRecordOfANameInAnyCase) {
 }
 
 TEST(SymbolTable, NamesAreCutToWhatARecordKeeps) {
-    TSymbolTable table(nullptr);
+    TSymbolTable table;
     const std::string longName(80, 'x');
     table.Add(Record(longName, skGlobalVar));
     EXPECT_EQ(table.Find(longName), 0);
@@ -45,7 +45,7 @@ TEST(SymbolTable, LookUpsMatchASearchOfTheRecordsInOrder) {
     std::mt19937 random(5);
     const std::vector<std::int32_t> kinds = {skGlobalVar,  skLocalVar, skPassVar,   skGlobalConst,
                                              skLocalConst, skStackVar, skStaticVar, skObject};
-    TSymbolTable table(nullptr);
+    TSymbolTable table;
     std::vector<TSymbol> model;
     auto name = [&] {
         std::string n = "n" + std::to_string(random() % 300);

@@ -93,6 +93,34 @@ TEST_F(EditorText, FilesKeepTheirEncodingAndLineBreaks) {
     EXPECT_THROW(edit->LoadFromFile(dir.path() / "missing.pas"), EInOutError);
 }
 
+// Whatever the editor opens it saves back byte for byte: NUL bytes (shown as marks), a byte-order mark,
+// binary data that is no valid UTF-8.
+TEST_F(EditorText, EveryByteReadIsSavedBack) {
+    TempDir dir;
+    std::string binary;
+    for (int i = 0; i < 151 * 1024; ++i) binary += static_cast<char>((i * 37 + i / 256) & 0xFF);
+    const std::vector<std::string> files = {
+        std::string("unit u;\r\n// a\0b\r\nvar x;\r\n\0\0end\r\n", 32),
+        "\xEF\xBB\xBFunit u;\r\n// caf\xC3\xA9\r\n",
+        std::string("FORM\0\0\0\x0C"
+                    "TEST"
+                    "DATA\0\0\0\0",
+                    20),
+        binary,
+    };
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        SCOPED_TRACE(i);
+        const auto path = dir.path() / "f.pas";
+        WriteFile(path, files[i]);
+        edit->LoadFromFile(path);
+        EXPECT_FALSE(edit->Modified());
+        edit->SaveToFile(path);
+        const std::string back = ReadFile(path);
+        EXPECT_EQ(back.size(), files[i].size());
+        EXPECT_TRUE(back == files[i]);
+    }
+}
+
 TEST_F(EditorText, FixedPitchFont) {
     const QFont font = edit->Highlighter()->defaultFont(hsDefault);
     EXPECT_TRUE(QFontInfo(font).fixedPitch()) << font.family().toStdString();

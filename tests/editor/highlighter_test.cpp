@@ -1,7 +1,7 @@
 // The highlighter reads the text as the scanner does; multi-line comments and strings carry over lines.
-#include "compiler/scanner.h"
 #include "editor/highlighter.h"
 #include "editor_test_app.h"
+#include "scanner/scanner.h"
 
 #include <string>
 #include <vector>

@@ -1,14 +1,18 @@
 // The compiler front end from hostile text: every input, with either scanner, halting or recovering, must
 // compile, finish and link or end in one of the system's exceptions, without a crash or a hang. Include
 // files, string files and #FILE units are looked up from an empty folder of its own, and whatever a #FILE
-// unit assembles is written there, so the run touches nothing else.
+// unit assembles is written there, so the run touches nothing else. What a mission, series or sector
+// assembles to must decode with its functions as listings and assemble back to the same bytes.
 #include "compiler/compiler.h"
-#include "compiler/scanner.h"
+#include "iff/iff_decoder.h"
 #include "platform/named_folders.h"
 #include "platform/path_resolver.h"
+#include "scanner/scanner.h"
+#include "tests/support/decode_roundtrip.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -38,6 +42,41 @@ const std::filesystem::path& Sandbox() {
     return folder.path;
 }
 
+[[noreturn]] void Fail(const char* what, const std::string& text) {
+    std::fprintf(stderr, "%s\n%s\n", what, text.c_str());
+    std::abort();
+}
+
+// What the compiler writes decodes with its functions as listings, and the decoded text assembles to the
+// very same bytes.
+void CheckDecodeRoundTrip(const std::string& linked) {
+    using namespace velkor;
+    // The test helpers leave the standard scanner selected.
+    const ScannerClass scanner = GetScannerClass();
+    struct Restore {
+        ScannerClass cls;
+        ~Restore() { SetScannerClass(cls); }
+    } restore{scanner};
+    const test::Assembled built = test::Assemble(linked, scanner, Sandbox());
+    if (!built.error.empty()) return;
+    DecodeOptions options;
+    options.names = std::make_shared<KnownNames>();
+    for (const auto& [name, bytes] : built.files) {
+        DecodedIff decoded;
+        try {
+            decoded = DecodeIff(bytes, "unit.iff", 1024, options);
+        } catch (const Exception&) {
+            continue; // the raw IFF of a unit can be anything; only the form of the unit is checked
+        }
+        if (decoded.text.find("//function record") != std::string::npos)
+            Fail("a function record of the compiler's is not a listing", decoded.text);
+        const test::Assembled back = test::AssembleDecoded(decoded, Sandbox(), scanner);
+        if (!back.error.empty() || back.files.size() != 1) Fail(back.error.c_str(), decoded.text);
+        if (decoded.lossless && back.files[0].second != bytes)
+            Fail("decode, assemble: other bytes", decoded.text);
+    }
+}
+
 void CompileOnce(const std::string& text, bool halt) {
     using namespace velkor;
     TCompiler compiler;
@@ -52,7 +91,9 @@ void CompileOnce(const std::string& text, bool halt) {
     try {
         compiler.Compile();
         compiler.Finish();
-        compiler.Link();
+        const std::string linked = compiler.Link();
+        if (compiler.UnitKind == ukMission || compiler.UnitKind == ukSeries || compiler.UnitKind == ukSector)
+            CheckDecodeRoundTrip(linked);
     } catch (const Exception&) {
     }
 }

@@ -18,19 +18,8 @@ namespace {
 
 using namespace velkor;
 
-// Where side files are written for the assembler to read; one folder per process, removed at exit.
 const std::filesystem::path& SideFolder() {
-    static const std::filesystem::path folder = [] {
-        std::filesystem::path p =
-            std::filesystem::temp_directory_path() / ("velkor-fuzz-decoder-" + std::to_string(getpid()));
-        std::filesystem::create_directories(p);
-        std::atexit([] {
-            std::error_code ec;
-            std::filesystem::remove_all(SideFolder(), ec);
-        });
-        return p;
-    }();
-    return folder;
+    return test::FuzzSideFolder("velkor-fuzz-decoder");
 }
 
 [[noreturn]] void Fail(const char* what, const std::string& text) {

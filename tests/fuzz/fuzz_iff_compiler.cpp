@@ -1,7 +1,7 @@
 // Textual IFF and WCP_ASM listings from hostile bytes: every input must assemble or end in EIffCompiler,
 // without a crash, a hang or a runaway allocation. The first byte picks the scanner class.
-#include "compiler/scanner.h"
 #include "iff/iff_compiler.h"
+#include "scanner/scanner.h"
 
 #include <cstddef>
 #include <cstdint>

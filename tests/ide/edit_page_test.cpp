@@ -83,17 +83,19 @@ TEST_F(EditPageTest, SaveWritesAnExistingFileInItsOwnLineBreakStyle) {
     EXPECT_EQ(ReadFile(file), "unit u;\n// note\nvar a;\n");
 }
 
-TEST_F(EditPageTest, SaveOnANewPageAsksForANameAndSaveAsOverwritesWithoutAsking) {
+TEST_F(EditPageTest, SaveOnANewPageAsksForANameAndBeforeReplacingAFile) {
     TfrmMain window({});
     TfrmEdit* page = window.ActivePage();
     page->Memo()->SetText(QStringLiteral("unit fresh;\r\n"));
     const std::string target = MakeFile("Fresh.pas", "old contents");
     saveAnswers_ << QString::fromStdString(target);
+    answers_.push_back(TMsgAnswer::Yes);
     ASSERT_TRUE(page->Save());
     EXPECT_EQ(ReadFile(target), "unit fresh;\r\n");
     EXPECT_EQ(page->Caption(), QStringLiteral("Fresh.pas"));
     EXPECT_FALSE(page->Modified());
-    EXPECT_TRUE(questions_.isEmpty());
+    EXPECT_EQ(questions_,
+              QStringList{QString::fromStdString(target + " already exists.\nDo you want to replace it?")});
     EXPECT_EQ(TIniFile(IniPath()).ReadString("editor", "DirLoad", ""), Dir().string());
     // Save As never adds to the recent list.
     EXPECT_TRUE(window.RegMru1().Items().empty());
@@ -279,6 +281,43 @@ TEST_F(EditPageTest, ADecodedFileWithSideFilesBuildsBackToItsBytes) {
     const std::filesystem::path built = Dir() / "Big.iff";
     ASSERT_TRUE(std::filesystem::exists(built)) << window.OutputView().Lines().join(u'\n').toStdString();
     EXPECT_EQ(ReadFile(built), form);
+}
+
+TEST_F(EditPageTest, FilesAUnitNamesOutsideItsPlacesAreRefusedUnlessTheSettingsAllow) {
+    TempDir outside; // made before the temporary folder moves below the program's folder
+    const PrivateTempFolder tmp(Dir() / "tmp");
+    const std::filesystem::path target = outside.path() / "Raw.bin";
+    std::filesystem::create_directories(Dir() / "src");
+    const std::string unit = (Dir() / "src" / "raw.pas").string();
+    WriteFile(unit, "iff \"" + target.string() + "\"\r\n{ form \"DATA\" { } }\r\n");
+    for (const bool allowed : {false, true}) {
+        SCOPED_TRACE(allowed);
+        TIniFile(IniPath()).WriteBool("compiler", "allow_output_anywhere", allowed);
+        TfrmMain window({});
+        ASSERT_NE(window.OpenFile(unit, false), nullptr);
+        window.MenuItem(QStringLiteral("MenuCompileBuild"))->trigger();
+        const QString output = window.OutputView().Lines().join(u'\n');
+        EXPECT_EQ(std::filesystem::exists(target), allowed) << output.toStdString();
+        EXPECT_EQ(
+            output.contains(QString::fromStdString(
+                "Cannot write file \"" + target.string() +
+                "\": it lies outside the output folder, the source's folder and the named folders (check "
+                "\"Allow output anywhere\" in the settings to allow it)")),
+            !allowed)
+            << output.toStdString();
+    }
+}
+
+TEST_F(EditPageTest, AVerbosityOutOfRangeIsTakenAsTheNearestLevel) {
+    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 2147483647);
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
+    ASSERT_NE(page, nullptr);
+    EXPECT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
+    EXPECT_FALSE(window.OutputView().Lines().contains(QStringLiteral("Range check error")));
+    EXPECT_EQ(ReadCompileSettings().Verbosity, 255);
+    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", -5);
+    EXPECT_EQ(ReadCompileSettings().Verbosity, 0);
 }
 
 } // namespace

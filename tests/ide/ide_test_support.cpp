@@ -1,7 +1,7 @@
 #include "tests/ide/ide_test_support.h"
 
-#include "compiler/scanner.h"
 #include "platform/named_folders.h"
+#include "scanner/scanner.h"
 
 #include <QApplication>
 #include <QDialog>

@@ -1,5 +1,4 @@
 // The main window: start-up, the open procedure, decoding on open, pages, the timer and closing.
-#include "compiler/scanner.h"
 #include "ide/app_icon.h"
 #include "ide/edit_page.h"
 #include "ide/iff_decode.h"
@@ -8,6 +7,7 @@
 #include "ide/output_view.h"
 #include "ide/reg_mru.h"
 #include "platform/ini_file.h"
+#include "scanner/scanner.h"
 #include "tests/ide/ide_test_support.h"
 
 #include <QAction>
@@ -71,9 +71,9 @@ TEST_F(MainWindowTest, StartsWithExactlyOneUntitledPageAndTheCaption) {
     EXPECT_EQ(window.MaxDecodeSize(), 1024);
 }
 
-TEST_F(MainWindowTest, HintsWaitTheHintPauseOfFourSeconds) {
+TEST_F(MainWindowTest, HintsWaitHalfASecond) {
     TfrmMain window({});
-    EXPECT_EQ(QApplication::style()->styleHint(QStyle::SH_ToolTip_WakeUpDelay), 4000);
+    EXPECT_EQ(QApplication::style()->styleHint(QStyle::SH_ToolTip_WakeUpDelay), 500);
     // A second window does not wrap the style again.
     QStyle* style = QApplication::style();
     TfrmMain second({});
@@ -166,6 +166,24 @@ TEST_F(MainWindowTest, OpeningABinaryFileShowsItsDecodedText) {
     EXPECT_TRUE(window.ActivePage()->Modified());
 }
 
+TEST_F(MainWindowTest, AMissionOpensWithItsScriptFunctionsAsListingsUnlessTheSettingsSayBytes) {
+    const std::string mission = MakeFile("Patrol.mis", ReadFile(std::filesystem::path(VELKOR_SOURCE_DIR) /
+                                                                "tests/golden/campaign/patrol.mis"));
+    {
+        TfrmMain window({QString::fromStdString(mission)});
+        ASSERT_EQ(window.Pages().size(), 1);
+        const QString text = window.ActivePage()->Text();
+        EXPECT_TRUE(text.contains(QStringLiteral("      WCP_ASM\r\n      {\r\n        func ")));
+        EXPECT_TRUE(text.contains(QStringLiteral("          movv v15 v8;\r\n")));
+        EXPECT_TRUE(text.contains(QStringLiteral("CHUNK $56A0F92F // OBJ_PROP_TYPE\r\n")));
+    }
+    TIniFile(IniPath()).WriteBool("iffd", "disassemble", false);
+    TfrmMain window({QString::fromStdString(mission)});
+    ASSERT_EQ(window.Pages().size(), 1);
+    EXPECT_FALSE(window.ActivePage()->Text().contains(QStringLiteral("WCP_ASM")));
+    EXPECT_FALSE(window.ActivePage()->Text().contains(QStringLiteral("OBJ_PROP_TYPE")));
+}
+
 // A truncated file opens as far as its items go; the output view says that the text is not exact, inline
 // and from a decode thread alike.
 TEST_F(MainWindowTest, ATruncatedFileOpensAndTheOutputSaysSo) {
@@ -226,9 +244,18 @@ TEST_F(MainWindowTest, ADecoderFailureIsShownAndOpensNothing) {
     const std::string iff = MakeFile("bad.mis", "FORMxxxx");
     TfrmMain window({});
     EXPECT_EQ(window.OpenFile(iff, true), nullptr);
-    EXPECT_EQ(messages_, QStringList{"TIffReader: Read beyond end of chunk!"});
+    EXPECT_EQ(messages_,
+              QStringList{QString::fromStdString(iff + ": TIffReader: Read beyond end of chunk!")});
     EXPECT_FALSE(std::filesystem::exists(iff + ".pas"));
     EXPECT_EQ(Captions(window), QStringList{"Untitled0.pas"});
+    // A text file of the user's that stood there before is not the failed decode's to remove: a decode
+    // that fails writes nothing.
+    SetDecodeFunctionForTesting([](const std::string&, const std::string&, std::int32_t) {
+        throw Exception("TIffReader: Read beyond end of chunk!");
+    });
+    WriteFile(iff + ".pas", "mine");
+    EXPECT_EQ(window.OpenFile(iff, true), nullptr);
+    EXPECT_EQ(ReadFile(iff + ".pas"), "mine");
     SetDecodeFunctionForTesting({});
 }
 
@@ -366,7 +393,7 @@ TEST_F(MainWindowTest, OutputCallbackAppendsAndSelectsTheLine) {
     window.Output("first");
     window.Output("second");
     EXPECT_EQ(window.OutputView().Lines(), (QStringList{"first", "second"}));
-    EXPECT_EQ(window.OutputView().ListBox1()->currentRow(), 1);
+    EXPECT_EQ(window.OutputView().CurrentRow(), 1);
     EXPECT_EQ(TfrmMain::Instance(), &window);
 }
 

@@ -15,12 +15,14 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QHelpEvent>
 #include <QImage>
 #include <QPalette>
 #include <QPixmap>
 #include <QStyle>
-#include <QWheelEvent>
 #include <QTest>
+#include <QToolTip>
+#include <QWheelEvent>
 
 #include <cstdlib>
 #include <filesystem>
@@ -103,6 +105,12 @@ TEST_F(MapViewTest, ACompiledMissionShowsItsObjectsAndLeadsToTheirDeclarations) 
         EXPECT_EQ(window.ActivePage(), page);
         EXPECT_EQ(page->Memo()->CaretLine(), LineContaining(*page, QStringLiteral("object %1 (").arg(name)));
     }
+    // The mouse resting on an object names it, with its type and position.
+    const auto raider = canvas.ObjectPoint(IndexNamed(canvas, "Raider2"));
+    ASSERT_TRUE(raider.has_value());
+    QHelpEvent help(QEvent::ToolTip, raider->toPoint(), canvas.mapToGlobal(raider->toPoint()));
+    QApplication::sendEvent(&canvas, &help);
+    EXPECT_EQ(QToolTip::text(), QStringLiteral("Raider2\nSHIP \"fighter_raider\"\nx 8700, y 1200, z 21400"));
     window.MenuItem(QStringLiteral("MenuViewMap"))->trigger();
     EXPECT_TRUE(window.MapView().isHidden());
     page->SetModified(false);
@@ -186,8 +194,9 @@ TEST_F(MapViewTest, ZoomChangesTheScaleAndFitRestoresIt) {
 }
 
 TEST(MapLinks, ObjectFormsAndGameNamesAreFoundInTheText) {
-    const std::string text = "IFF \"a.sec\"\r\n{\r\n  FORM \"OBJS\"\r\n  {\r\n    FORM \"OBJ_\"\r\n    {\r\n"
-                             "    }\r\n    form   \"OBJ_\" {}\r\n    // FORM \"OBJ_\"\r\n    FORM \"OBJ_\"\n}";
+    const std::string text =
+        "IFF \"a.sec\"\r\n{\r\n  FORM \"OBJS\"\r\n  {\r\n    FORM \"OBJ_\"\r\n    {\r\n"
+        "    }\r\n    form   \"OBJ_\" {}\r\n    // FORM \"OBJ_\"\r\n    FORM \"OBJ_\"\n}";
     EXPECT_EQ(ObjectFormLine(text, 0), 4);
     EXPECT_EQ(ObjectFormLine(text, 1), 7);
     EXPECT_EQ(ObjectFormLine(text, 2), 9);

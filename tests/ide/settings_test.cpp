@@ -1,10 +1,10 @@
 // The settings dialog: what it shows for a fresh and a written settings file, its control rules, and
 // what OK and Apply write.
-#include "compiler/scanner.h"
 #include "ide/iff_decode.h"
 #include "ide/settings_dialog.h"
 #include "platform/executable_path.h"
 #include "platform/ini_file.h"
+#include "scanner/scanner.h"
 #include "tests/ide/ide_test_support.h"
 
 #include <QCheckBox>
@@ -49,6 +49,7 @@ TEST_F(SettingsTest, TabsAndTexts) {
     EXPECT_EQ(dialog.cbDisableParamHint->text(), QStringLiteral("disable parameter &hints"));
     EXPECT_EQ(dialog.cbSeparateThread->text(), QStringLiteral("Decode in separate thread"));
     EXPECT_EQ(dialog.cbSeparateProcess->text(), QStringLiteral("Decode in separate process"));
+    EXPECT_EQ(dialog.cbDisassemble->text(), QStringLiteral("Show script functions as listings"));
     QStringList labels;
     for (const QLabel* label : dialog.findChildren<QLabel*>()) labels << label->text();
     EXPECT_TRUE(labels.contains(QStringLiteral(
@@ -76,6 +77,7 @@ TEST_F(SettingsTest, AFreshFileShowsTheDialogDefaults) {
     EXPECT_FALSE(dialog.cbSeparateThread->isChecked());
     EXPECT_TRUE(dialog.cbSeparateThread->isEnabled());
     EXPECT_FALSE(dialog.cbSeparateProcess->isChecked());
+    EXPECT_TRUE(dialog.cbDisassemble->isChecked());
     ASSERT_EQ(dialog.cklbSpecialDecoders->count(), 14);
     EXPECT_EQ(dialog.cklbSpecialDecoders->item(0)->text(), QStringLiteral("SHIP, CAPS, CMIS"));
     EXPECT_EQ(dialog.cklbSpecialDecoders->item(13)->text(), QStringLiteral("MISS/DATA"));
@@ -95,6 +97,7 @@ TEST_F(SettingsTest, ApplyWritesEveryKeyAndOkToo) {
     dialog.cbFastScanner->setChecked(true);
     dialog.cbAutosave->setChecked(true);
     dialog.cbSeparateThread->setChecked(true);
+    dialog.cbDisassemble->setChecked(false);
     dialog.cklbSpecialDecoders->item(4)->setCheckState(Qt::Unchecked); // VERT
     Button(dialog, "btnApply")->click();
 
@@ -105,6 +108,7 @@ TEST_F(SettingsTest, ApplyWritesEveryKeyAndOkToo) {
     EXPECT_EQ(ini.ReadString("iffd", "VTNM", ""), "1");
     EXPECT_EQ(ini.ReadString("iffd", "UseSeparateThread", ""), "1");
     EXPECT_EQ(ini.ReadString("iffd", "UseSeparateProcess", ""), "0");
+    EXPECT_EQ(ini.ReadString("iffd", "disassemble", ""), "0");
     EXPECT_EQ(ini.ReadString("editor", "autosave", ""), "1");
     EXPECT_EQ(ini.ReadString("editor", "disable_intelligence", ""), "0");
     EXPECT_EQ(ini.ReadString("editor", "disable_paramhint", ""), "0");
@@ -123,6 +127,7 @@ TEST_F(SettingsTest, ApplyWritesEveryKeyAndOkToo) {
     EXPECT_FALSE(again.cbOptimizer->isChecked());
     EXPECT_EQ(again.cklbSpecialDecoders->item(4)->checkState(), Qt::Unchecked);
     EXPECT_TRUE(again.cbSeparateThread->isChecked());
+    EXPECT_FALSE(again.cbDisassemble->isChecked());
     again.rgVerbosity[3]->setChecked(true);
     Button(again, "btnCancel")->click();
     EXPECT_EQ(TIniFile(IniPath()).ReadInteger("compiler", "verbosity", -1), 2);

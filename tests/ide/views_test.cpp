@@ -144,7 +144,7 @@ TEST_F(ViewsTest, OutputListAndIffViewBasics) {
     TfrmMain window({});
     TfrmOutput& output = window.OutputView();
     for (int i = 0; i < 200; ++i) output.AppendLine(QStringLiteral("line %1").arg(i));
-    EXPECT_EQ(output.ListBox1()->currentRow(), 199);
+    EXPECT_EQ(output.CurrentRow(), 199);
     output.Clear();
     EXPECT_TRUE(output.Lines().isEmpty());
     // A tab stop of two dialog units: half an average character.

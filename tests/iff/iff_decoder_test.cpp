@@ -382,7 +382,21 @@ TEST(IffDecoderFiles, DecodeWritesTheTextAndItsSideFilesBesideIt) {
     const Assembled back = Assemble(text, ScannerClass::Standard, dir / "out");
     EXPECT_EQ(back.files.at(0).second, file);
     ExpectError<EInOutError>([&] { Decode(dir / "none.iff", dir / "none.pas", 32); },
-                             "Cannot open file \"" + (dir / "none.iff").string() + "\"");
+                             "Cannot open file \"" + (dir / "none.iff").string() +
+                                 "\": No such file or directory");
+}
+
+// A decode that cannot write one of its files writes none: what stood there before stays.
+TEST(IffDecoderFiles, DecodeWritesAllItsFilesOrNone) {
+    TempDir dir;
+    const Bytes file = Form("TEST", {Chunk("ONE ", Seq(40)), Chunk("TWO ", Seq(50))});
+    WriteFile(dir / "in.iff", std::string(file.begin(), file.end()));
+    WriteFile(dir / "x.pas", "old text");
+    std::filesystem::create_directories(dir / "in.iff_TWO _3C.bin"); // no file can replace a folder
+    EXPECT_THROW(Decode(dir / "in.iff", dir / "x.pas", 32), EInOutError);
+    EXPECT_EQ(ReadFile(dir / "x.pas"), "old text");
+    EXPECT_FALSE(std::filesystem::exists(dir / "in.iff_ONE _C.bin"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 3);
 }
 
 } // namespace

@@ -53,7 +53,8 @@ TEST(AtomicFileWriter, AFolderThatDoesNotExistIsAnInputOutputError) {
         AtomicFileWriter writer(target);
         FAIL() << "no error";
     } catch (const EInOutError& e) {
-        EXPECT_EQ(std::string(e.what()), "Cannot create file \"" + target.string() + "\"");
+        EXPECT_EQ(std::string(e.what()),
+                  "Cannot create file \"" + target.string() + "\": No such file or directory");
     }
 }
 

@@ -2,7 +2,11 @@
 #include "platform/registry_file_store.h"
 #include "tests/platform/isolated_settings.h"
 
+#include "platform/text_file.h"
+
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace fs = std::filesystem;
 
@@ -151,6 +155,51 @@ TEST_F(RegistryStoreTest, AnUnreadableStoreIsNeverReplaced) {
     EXPECT_FALSE(store.KeyExists(kMru));
     EXPECT_THROW(store.WriteString(kMru, "Count", "1"), EInOutError);
     EXPECT_TRUE(fs::is_directory(file));
+}
+
+// A change rewrites only what it changes: every other line stays as the user (or anything else) left it.
+TEST_F(RegistryStoreTest, AChangeKeepsEveryOtherLine) {
+    std::string garbage;
+    for (int i = 0; i < 65536; ++i) garbage += static_cast<char>((i * 131 + 7) % 256);
+    const std::string kept = NormaliseLineBreaks(garbage);
+    struct Case {
+        std::string what;
+        std::string before;
+        std::function<void(RegistryFileStore&)> change;
+        std::string after;
+    };
+    const std::vector<Case> cases = {
+        {"a comment, a line without \"=\" and a second section of the key",
+         "; mine\r\n[Software\\velkor\\mru]\r\nnoise\r\nCount=1\r\n[Software\\velkor\\mru]\r\nx=2\r\n",
+         [](RegistryFileStore& s) { s.WriteString(kMru, "Count", "2"); },
+         "; mine\r\n[Software\\velkor\\mru]\r\nnoise\r\nCount=2\r\n[Software\\velkor\\mru]\r\nx=2\r\n"},
+        {"a duplicate value keeps its place; the first one counts",
+         "[Software\\velkor\\mru]\r\nA=1\r\nA=old\r\n",
+         [](RegistryFileStore& s) { s.WriteString(kMru, "a", "3"); },
+         "[Software\\velkor\\mru]\r\nA=3\r\nA=old\r\n"},
+        {"a new value goes at the end of its key's first section",
+         "[Software\\velkor\\mru]\r\nA=1\r\n; tail\r\n[other]\r\nB=2\r\n",
+         [](RegistryFileStore& s) { s.WriteString(kMru, "C", "x"); },
+         "[Software\\velkor\\mru]\r\nA=1\r\nC=x\r\n; tail\r\n[other]\r\nB=2\r\n"},
+        {"a deleted value goes from every section of its key, nothing else does",
+         "[\\Software\\velkor\\mru]\r\nA=1\r\n;c\r\n[software\\VELKOR\\mru]\r\na=2\r\nB=3\r\n",
+         [](RegistryFileStore& s) { EXPECT_TRUE(s.DeleteValue(kMru, "A")); },
+         "[\\Software\\velkor\\mru]\r\n;c\r\n[software\\VELKOR\\mru]\r\nB=3\r\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        WriteFile(file, c.before);
+        c.change(store);
+        EXPECT_EQ(ReadFile(file), c.after);
+    }
+    // Binary garbage keeps every byte but its line breaks, which become CR LF.
+    WriteFile(file, garbage);
+    store.WriteString(kMru, "Count", "1");
+    const std::string after = ReadFile(file);
+    EXPECT_TRUE(after.starts_with(kept));
+    EXPECT_TRUE(after.ends_with("\r\n[Software\\velkor\\mru]\r\nCount=1\r\n"));
+    EXPECT_LT(after.size(), kept.size() + 40);
+    EXPECT_EQ(store.ReadString(kMru, "Count"), "1");
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 // Runs the textual-IFF assembler over a text held in memory and keeps everything it hands back.
 #pragma once
 
-#include "compiler/scanner.h"
 #include "iff/iff_compiler.h"
+#include "scanner/scanner.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,5 +1,5 @@
-#include "codegen/wcp_opcodes.h"
 #include "iff/checksum.h"
+#include "iff/wcp_opcodes.h"
 #include "tests/support/assemble.h"
 
 #include <gtest/gtest.h>

@@ -55,6 +55,9 @@ struct ScannerKeyword {
     std::int32_t kind;
 };
 std::span<const ScannerKeyword> ScannerKeywords();
+// Words the statement compiler dispatches on or treats specially; not scanner keywords. With the table
+// above, the words the editors show as keywords.
+std::span<const std::string_view> StatementWords();
 
 class TScanner {
 public:
@@ -143,5 +146,9 @@ enum class ScannerClass { Standard, Fast };
 void SetScannerClass(ScannerClass cls);
 ScannerClass GetScannerClass();
 std::unique_ptr<TScanner> CreateScanner();
+
+// The token's text without the line markers TScanner put behind each line break inside it (a string that
+// spans lines holds them).
+std::string WithoutLineMarkers(std::string_view token);
 
 } // namespace velkor

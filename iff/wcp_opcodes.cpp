@@ -1,4 +1,4 @@
-#include "codegen/wcp_opcodes.h"
+#include "iff/wcp_opcodes.h"
 
 namespace velkor {
 

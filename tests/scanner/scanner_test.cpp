@@ -1,4 +1,4 @@
-#include "compiler/scanner.h"
+#include "scanner/scanner.h"
 
 #include <gtest/gtest.h>
 

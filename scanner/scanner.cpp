@@ -1,4 +1,4 @@
-#include "compiler/scanner.h"
+#include "scanner/scanner.h"
 
 #include "platform/strings.h"
 #include "platform/text_file.h"
@@ -134,12 +134,27 @@ void InsertLineMarkers(std::string& text) {
     WriteMarker(t, 1);
 }
 
+bool IsLineMarker(std::string_view text, size_t at) {
+    if (at + kMarkerSize > text.size() || text[at] != '#' || text[at + 1] != '#') return false;
+    for (size_t i = at + 2; i < at + kMarkerSize; ++i)
+        if (text[i] < '0' || text[i] > '9') return false;
+    return true;
+}
+
 std::atomic<ScannerClass> gScannerClass{ScannerClass::Standard};
 
 } // namespace
 
 std::span<const ScannerKeyword> ScannerKeywords() {
     return kKeywords;
+}
+
+std::span<const std::string_view> StatementWords() {
+    static constexpr std::array<std::string_view, 16> words = {
+        "if",    "then", "else", "while", "do",  "until", "for",  "to",
+        "break", "inc",  "dec",  "not",   "xor", "mod",   "aint", "result",
+    };
+    return words;
 }
 
 void TScanner::SetText(std::string text) {
@@ -381,6 +396,19 @@ ScannerClass GetScannerClass() {
 std::unique_ptr<TScanner> CreateScanner() {
     if (GetScannerClass() == ScannerClass::Fast) return std::make_unique<TFastScanner>();
     return std::make_unique<TScanner>();
+}
+
+std::string WithoutLineMarkers(std::string_view token) {
+    std::string out;
+    out.reserve(token.size());
+    for (size_t i = 0; i < token.size(); ++i) {
+        out += token[i];
+        // A marker stands two characters behind its CR, as InsertLineMarkers puts it.
+        if (token[i] != '\r' || i + 1 >= token.size()) continue;
+        out += token[++i];
+        if (IsLineMarker(token, i + 1)) i += kMarkerSize;
+    }
+    return out;
 }
 
 } // namespace velkor

@@ -1,0 +1,39 @@
+// The instruction assembler: turns the functions of a WCP_ASM block into the binary function records of the
+// game's script machine. It reads the block from the textual-IFF assembler's token source, reports through
+// that source's error path, and writes each finished record into the chunk being assembled.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace velkor {
+
+class IffTokenSource;
+class TIffWriter;
+
+class WcpAssembler {
+public:
+    WcpAssembler(IffTokenSource& tokens, TIffWriter& writer) : tokens_(tokens), writer_(writer) {}
+
+    // Called after the keyword WCP_ASM: the braced block of "func" definitions. Defines the register names
+    // v0 to v31 as constants, which stay defined for the rest of the text.
+    void AssembleWcpAsm();
+
+private:
+    void AssembleFunction();
+    // The count's parameter descriptors, written straight to the chunk.
+    void WriteParameterDescriptors(std::string_view function, std::uint32_t count);
+    void AssembleBlock();
+    void EmitInstruction(int index, std::span<const std::uint8_t> kinds, bool semicolonRequired);
+    void EmitNativeCall(std::string_view name);
+    std::uint32_t ReadOperand(int kind);
+    void EmitWord(std::uint32_t word);
+
+    IffTokenSource& tokens_;         // the assembler's token reader, constants and error path
+    TIffWriter& writer_;             // the writer of the chunk being assembled
+    std::vector<std::uint8_t> code_; // the function record being assembled
+};
+
+} // namespace velkor

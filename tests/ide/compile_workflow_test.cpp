@@ -1,0 +1,255 @@
+// Compiling beside the window: it stays usable and can stop the work; the messages are the compiler's own;
+// every error can be reached from the output list (double click, F8, Shift+F8).
+#include "ide/background_job.h"
+#include "ide/edit_page.h"
+#include "ide/iff_view.h"
+#include "ide/main_window.h"
+#include "ide/output_model.h"
+#include "ide/output_view.h"
+#include "tests/ide/edit_page_test_support.h"
+
+#include <QAction>
+#include <QListView>
+#include <QMouseEvent>
+#include <QProgressBar>
+#include <QRegularExpression>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+
+#include <atomic>
+#include <sstream>
+#include <thread>
+
+namespace velkor::test {
+namespace {
+
+class CompileWorkflowTest : public PageTest {
+protected:
+    // The lines of a program's stderr.
+    static QStringList LinesOf(const std::string& text) {
+        QStringList lines;
+        std::istringstream in(text);
+        for (std::string line; std::getline(in, line);) {
+            if (!line.empty() && line.back() == '\r') line.pop_back();
+            lines << QString::fromStdString(line);
+        }
+        return lines;
+    }
+};
+
+// A unit with three errors in three statements and an include whose function has one more.
+constexpr const char* kBroken = "mission Broken;\r\n"     // 1
+                                "include \"faulty\";\r\n" // 2
+                                "var a;\r\n"              // 3
+                                "function Main;\r\n"      // 4
+                                "begin\r\n"               // 5
+                                "  a := 1 +;\r\n"         // 6
+                                "  a := );\r\n"           // 7
+                                "  a := Faulty(1);\r\n"   // 8
+                                "  nosuchthing(a);\r\n"   // 9
+                                "end;\r\n";               // 10
+constexpr const char* kFaulty = "unit Faulty;\r\n"        // 1
+                                "\r\n"                    // 2
+                                "function Faulty(x);\r\n" // 3
+                                "begin\r\n"               // 4
+                                "  result := x *;\r\n"    // 5
+                                "end;\r\n";               // 6
+
+TEST_F(CompileWorkflowTest, WorkRunsBesideTheWindowWhichShowsItAndCanStopIt) {
+    TfrmMain window({});
+    window.show();
+    std::atomic<bool> windowRan{false};
+    bool progressShown = false;
+    bool stopShown = false;
+    // The work waits for the window's event loop: it ends only because the window went on running, took
+    // the work's first line and pressed Stop.
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &window, [&] {
+        if (!window.OutputView().Lines().contains(QStringLiteral("started"))) return;
+        poll.stop();
+        progressShown = window.JobProgress()->isVisible();
+        stopShown = window.StopButton()->isVisible();
+        windowRan = true;
+        window.WindowAction(QStringLiteral("ActionStop"))->trigger();
+    });
+    poll.start(0);
+    bool stopped = false;
+    try {
+        RunJob(window, QStringLiteral("Waiting"), [&](TJobContext& job) {
+            job.Output("started");
+            while (!windowRan || !job.StopRequested()) std::this_thread::yield();
+            job.Output("never shown");
+        });
+    } catch (const EJobStopped& e) {
+        stopped = true;
+        EXPECT_STREQ(e.what(), "Stopped by the user.");
+    }
+    EXPECT_TRUE(stopped);
+    EXPECT_TRUE(progressShown);
+    EXPECT_TRUE(stopShown);
+    EXPECT_FALSE(window.JobProgress()->isVisible());
+    EXPECT_FALSE(window.StopButton()->isVisible());
+    EXPECT_FALSE(JobRunning());
+    EXPECT_EQ(window.OutputView().Lines(), QStringList{"started"});
+    EXPECT_EQ(window.WindowAction(QStringLiteral("ActionStop"))->shortcut(),
+              QKeySequence(QStringLiteral("Ctrl+F2")));
+}
+
+TEST_F(CompileWorkflowTest, OneJobAtATime) {
+    TfrmMain window({});
+    bool second = true;
+    QTimer::singleShot(0, &window, [&] {
+        // A compile asked for meanwhile does not start.
+        second = window.ActivePage()->Compile();
+        StopJob();
+    });
+    EXPECT_THROW(RunJob(window, QStringLiteral("first"),
+                        [](TJobContext& job) {
+                            while (!job.StopRequested()) std::this_thread::yield();
+                            job.CheckStop();
+                        }),
+                 EJobStopped);
+    EXPECT_FALSE(second);
+}
+
+TEST_F(CompileWorkflowTest, StoppingACompileLeavesTheIffViewAlone) {
+    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 3);
+    std::string unit = "mission Long;\r\nvar a;\r\n";
+    for (int i = 0; i < 3000; ++i)
+        unit += "function F" + std::to_string(i) + "(x);\r\nbegin\r\n  result := x * 2 + a;\r\nend;\r\n";
+    TfrmMain window({});
+    window.IffView().SetText(QStringLiteral("unchanged"));
+    TfrmEdit* page = window.OpenFile(MakeFile("long.pas", unit), false);
+    ASSERT_NE(page, nullptr);
+    // Stopped as soon as the first messages reach the list.
+    QObject::connect(&window.OutputView().Model(), &QAbstractItemModel::rowsInserted, [] { StopJob(); });
+    EXPECT_FALSE(page->Compile());
+    EXPECT_EQ(window.IffView().Text(), QStringLiteral("unchanged"));
+    EXPECT_EQ(window.OutputView().Lines().back(), QStringLiteral("Stopped by the user."));
+    EXPECT_FALSE(JobRunning());
+}
+
+TEST_F(CompileWorkflowTest, TheMessagesAreVelkorcsWithoutTheDiagnosticBelowVerbosity3) {
+    TIniFile ini(IniPath());
+    ini.WriteBool("compiler", "haltonerror", false);
+    const std::string file = MakeFile("broken.pas", kBroken);
+    MakeFile("faulty.pas", kFaulty);
+    for (int verbosity : {0, 3}) {
+        ini.WriteInteger("compiler", "verbosity", verbosity);
+        TfrmMain window({});
+        TfrmEdit* page = window.OpenFile(file, false);
+        ASSERT_NE(page, nullptr);
+        page->Compile();
+        // From another folder, so that velkorc too finds the include along the search path.
+        std::filesystem::create_directories(Dir() / "elsewhere");
+        const ToolResult cli =
+            RunVelkorc({"compile", "-v", std::to_string(verbosity), "--no-halt", file}, Dir() / "elsewhere");
+        ASSERT_EQ(cli.exitCode, 1) << cli.err;
+        QStringList expected;
+        for (const QString& line : LinesOf(cli.err)) {
+            if (line.contains(QStringLiteral("raised in")) && verbosity < 3) continue;
+            // The search-path lines name each program's own library folder.
+            if (line.contains(QStringLiteral("added to searchpath")) || line.contains(QStringLiteral("lib")))
+                continue;
+            expected << line;
+        }
+        QStringList shown;
+        for (const QString& line : window.OutputView().Lines()) {
+            if (line.contains(QStringLiteral("added to searchpath")) || line.contains(QStringLiteral("lib")))
+                continue;
+            shown << line;
+        }
+        EXPECT_EQ(shown, expected) << "verbosity " << verbosity;
+        // Every error is listed: three in the unit, one in the include, one not implemented.
+        EXPECT_GE(shown.filter(QStringLiteral("] ERROR: ")).size(), 4);
+        EXPECT_EQ(shown.filter(QStringLiteral("]   raised in ")).isEmpty(), verbosity < 3);
+    }
+}
+
+TEST_F(CompileWorkflowTest, ADoubleClickOpensTheUnitOfTheMessageAtItsLine) {
+    TIniFile(IniPath()).WriteBool("compiler", "haltonerror", false);
+    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
+    MakeFile("faulty.pas", kFaulty);
+    TfrmMain window({});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
+    ASSERT_NE(page, nullptr);
+    page->Compile();
+    TfrmOutput& output = window.OutputView();
+    output.Flush();
+    const QStringList lines = output.Lines();
+    const int inInclude =
+        static_cast<int>(lines.indexOf(QRegularExpression(QStringLiteral("^\\[Faulty, 5\\] ERROR.*"))));
+    const int inUnit =
+        static_cast<int>(lines.indexOf(QRegularExpression(QStringLiteral("^\\[Broken, 7\\] ERROR.*"))));
+    ASSERT_GE(inInclude, 0) << lines.join(u'\n').toStdString();
+    ASSERT_GE(inUnit, 0) << lines.join(u'\n').toStdString();
+
+    // The include is not open: it is found along the compile's search path.
+    QListView* list = output.ListBox1();
+    list->scrollTo(output.Model().index(inInclude));
+    const QPoint at = list->visualRect(output.Model().index(inInclude)).center();
+    ASSERT_EQ(list->indexAt(at).row(), inInclude);
+    // The events of a double click, straight to the list (the window may hold another view on top).
+    const QPointF global = list->viewport()->mapToGlobal(QPointF(at));
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
+                                    QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+        const bool down = type != QEvent::MouseButtonRelease;
+        QMouseEvent click(type, QPointF(at), global, Qt::LeftButton, down ? Qt::LeftButton : Qt::NoButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(list->viewport(), &click);
+    }
+    TfrmEdit* opened = window.ActivePage();
+    ASSERT_NE(opened, nullptr);
+
+    EXPECT_EQ(opened->Caption(), QStringLiteral("faulty.pas"));
+    EXPECT_EQ(opened->Memo()->CaretLine(), 4);
+    EXPECT_EQ(opened->Memo()->ErrorLine(), 4);
+
+    EXPECT_TRUE(window.GotoMessage(inUnit));
+    EXPECT_EQ(window.ActivePage(), page);
+    EXPECT_EQ(page->Memo()->CaretLine(), 6);
+    // A line without a place goes nowhere.
+    window.Output("plain");
+    EXPECT_FALSE(window.GotoMessage(static_cast<int>(output.Lines().size()) - 1));
+}
+
+TEST_F(CompileWorkflowTest, F8AndShiftF8StepThroughTheErrors) {
+    TIniFile(IniPath()).WriteBool("compiler", "haltonerror", false);
+    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
+    MakeFile("faulty.pas", kFaulty);
+    TfrmMain window({});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    // Without a window manager (Xvfb) nobody gives the window the focus but the program itself.
+    window.activateWindow();
+    QApplication::setActiveWindow(&window);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
+    ASSERT_NE(page, nullptr);
+    page->Compile();
+    window.OutputView().ListBox1()->setCurrentIndex(QModelIndex());
+    const auto place = [&] {
+        TfrmEdit* active = window.ActivePage();
+        return active->Caption() + QStringLiteral(":") + QString::number(active->Memo()->CaretLine() + 1);
+    };
+    QStringList visited;
+    for (int i = 0; i < 3; ++i) {
+        QTest::keyClick(window.ActivePage()->Memo(), Qt::Key_F8);
+        visited << place();
+    }
+    QTest::keyClick(window.ActivePage()->Memo(), Qt::Key_F8, Qt::ShiftModifier);
+    visited << place();
+    ASSERT_EQ(visited.size(), 4);
+    // In the order of the output list: the include's error comes first, then the unit's.
+    EXPECT_EQ(visited[0], QStringLiteral("faulty.pas:5"));
+    EXPECT_EQ(visited[1], QStringLiteral("broken.pas:6"));
+    EXPECT_EQ(visited[2], QStringLiteral("broken.pas:7"));
+    EXPECT_EQ(visited[3], visited[1]);
+    EXPECT_EQ(window.WindowAction(QStringLiteral("ActionNextMessage"))->shortcut(), QKeySequence(Qt::Key_F8));
+}
+
+} // namespace
+} // namespace velkor::test

@@ -1,0 +1,197 @@
+// Windows and dialogs that fit: the main window comes back exactly where it was, nothing comes back off
+// every screen or too small to use, dialogs are as large as their contents at any font size, the find box
+// completes only in its drop-down, the string list keeps its selected row in view, the hint comes quickly.
+#include "ide/edit_page.h"
+#include "ide/find_dialog.h"
+#include "ide/ide_dialogs.h"
+#include "ide/iff_view.h"
+#include "ide/main_window.h"
+#include "ide/output_view.h"
+#include "ide/settings_dialog.h"
+#include "ide/window_placement.h"
+#include "iff/iff_strings.h"
+#include "tests/ide/edit_page_test_support.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QScreen>
+#include <QStyle>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTest>
+
+namespace velkor::test {
+namespace {
+
+class WindowFitTest : public PageTest {
+protected:
+    static QRect Screen() { return QGuiApplication::primaryScreen()->availableGeometry(); }
+    static bool OnAScreen(const QRect& rect) {
+        for (const QScreen* screen : QGuiApplication::screens())
+            if (screen->availableGeometry().contains(rect.topLeft())) return true;
+        return false;
+    }
+};
+
+TEST_F(WindowFitTest, TheMainWindowComesBackExactlyWhereItWas) {
+    const QRect area = Screen();
+    const QRect wanted(area.left() + 40, area.top() + 50, std::min(640, area.width() - 60),
+                       std::min(420, area.height() - 70));
+    {
+        TfrmMain window({});
+        window.show();
+        window.setGeometry(wanted);
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        window.ActivePage()->SetModified(false);
+        window.close();
+    }
+    // Restart after restart, the window stays put.
+    for (int run = 0; run < 3; ++run) {
+        TfrmMain window({});
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        EXPECT_EQ(window.geometry(), wanted) << "run " << run;
+        window.ActivePage()->SetModified(false);
+        window.close();
+    }
+    const TIniFile ini(IniPath());
+    EXPECT_EQ(ini.ReadInteger("frmMain", "Left", 0), wanted.left());
+    EXPECT_EQ(ini.ReadInteger("frmMain", "Top", 0), wanted.top());
+}
+
+TEST(WindowPlacement, RectanglesAreKeptOnAScreenAndUsable) {
+    const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+    const QSize minimum(200, 120);
+    const struct {
+        QRect saved;
+        bool kept; // comes back as saved
+    } cases[] = {
+        {QRect(area.left() + 10, area.top() + 10, 300, 200), true},
+        {QRect(area.right() - 150, area.bottom() - 100, 300, 200), true}, // partly off, grip visible
+        {QRect(area.left() + 10, area.top() - 20, 300, 200), false},      // its top above the screen
+        {QRect(area.left() + 10, -589, 300, 200), false},                 // saved while tabbed
+        {QRect(-5000, 100, 300, 200), false},
+        {QRect(area.right() + 500, area.top() + 10, 300, 200), false},
+        {QRect(area.left() + 10, area.bottom() + 5, 300, 200), false},
+        {QRect(area.left() + 10, area.top() + 10, 40, 12), false}, // too small to use
+    };
+    for (const auto& c : cases) {
+        const QRect fitted = KeepOnScreen(c.saved, minimum);
+        if (c.kept) {
+            EXPECT_EQ(fitted, c.saved);
+            continue;
+        }
+        EXPECT_TRUE(area.contains(fitted.topLeft())) << fitted.x() << "," << fitted.y();
+        EXPECT_GE(fitted.width(), minimum.width());
+        EXPECT_GE(fitted.height(), minimum.height());
+        EXPECT_TRUE(area.contains(QRect(fitted.topLeft(), QSize(std::min(fitted.width(), 100), 24))));
+    }
+}
+
+TEST_F(WindowFitTest, NeitherWindowNorViewNorSymbolListComesBackOffScreen) {
+    TIniFile ini(IniPath());
+    ini.WriteInteger("frmMain", "WindowState", 0);
+    ini.WriteInteger("frmMain", "Left", -3000);
+    ini.WriteInteger("frmMain", "Top", -589);
+    ini.WriteInteger("frmMain", "Width", 500);
+    ini.WriteInteger("frmMain", "Height", 400);
+    TDockPlacement junk;
+    junk.Site = "";
+    junk.Top = -589;
+    junk.Left = 4;
+    junk.Width = 12;
+    junk.Height = 7;
+    WriteDockPlacement("frmIffView", junk);
+    ini.WriteInteger("frmProcList", "WindowState", 0);
+    ini.WriteInteger("frmProcList", "Left", 9000);
+    ini.WriteInteger("frmProcList", "Top", 9000);
+    ini.WriteInteger("frmProcList", "Width", 300);
+    ini.WriteInteger("frmProcList", "Height", 200);
+    TfrmMain window({});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    EXPECT_TRUE(OnAScreen(window.geometry()));
+    EXPECT_EQ(window.width(), 500);
+    ASSERT_TRUE(window.IffView().isFloating());
+    EXPECT_TRUE(OnAScreen(window.IffView().geometry()));
+    EXPECT_GE(window.IffView().width(), 100);
+    EXPECT_GE(window.IffView().height(), 60);
+    RestoreFormPlacement(window); // as the symbol list does at its creation
+    QWidget list;
+    list.setObjectName(QStringLiteral("frmProcList"));
+    RestoreFormPlacement(list);
+    EXPECT_TRUE(OnAScreen(list.geometry()));
+    EXPECT_EQ(list.size(), QSize(300, 200));
+}
+
+TEST_F(WindowFitTest, DialogsShowAllTheyHoldAtALargeFont) {
+    const QFont original = QApplication::font();
+    QFont large = original;
+    large.setPointSize(20);
+    QApplication::setFont(large);
+    {
+        TfrmSettings settings(nullptr);
+        settings.show();
+        QTabBar* tabs = settings.Pages->tabBar();
+        ASSERT_EQ(tabs->count(), 5);
+        for (int i = 0; i < tabs->count(); ++i)
+            EXPECT_TRUE(tabs->rect().contains(tabs->tabRect(i))) << tabs->tabText(i).toStdString();
+
+        const auto prompt = MakeIntegerDialog(nullptr, QStringLiteral("Go to Line Number"),
+                                              QStringLiteral("Enter new line number:"), 1);
+        prompt->show();
+        QFont bold = prompt->font();
+        bold.setBold(true);
+        EXPECT_GE(prompt->width(), QFontMetrics(bold).horizontalAdvance(QStringLiteral("Go to Line Number")) +
+                                       4 * QFontMetrics(bold).height());
+        EXPECT_EQ(prompt->windowTitle(), QStringLiteral("Go to Line Number"));
+        EXPECT_EQ(prompt->labelText(), QStringLiteral("Enter new line number:"));
+    }
+    QApplication::setFont(original);
+}
+
+TEST_F(WindowFitTest, TheFindBoxCompletesOnlyInItsDropDown) {
+    TSyntaxFindDialog dialog;
+    dialog.show();
+    QComboBox* box = dialog.FindTextComboBox();
+    box->addItem(QStringLiteral("Foe(\\d)"));
+    box->setEditText(QString());
+    QTest::keyClicks(box->lineEdit(), QStringLiteral("Foe"));
+    EXPECT_EQ(box->currentText(), QStringLiteral("Foe"));
+    EXPECT_EQ(box->lineEdit()->selectedText(), QString());
+    QTest::keyClicks(box->lineEdit(), QStringLiteral("x"));
+    EXPECT_EQ(box->currentText(), QStringLiteral("Foex"));
+}
+
+TEST_F(WindowFitTest, TheStringListKeepsItsSelectedRowInView) {
+    TIffStringList table;
+    for (int i = 0; i < 40; ++i) table.Lines.push_back("entry number " + std::to_string(i));
+    table.InfoText1 = "English";
+    table.InfoText2 = "Default";
+    table.SaveToFile(Dir() / "texts.eng");
+    TfrmMain window({});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    TfrmEdit* page =
+        window.OpenFile(MakeFile("talk.pas", "mission Talk;\r\n#STRINGS texts;\r\nvar x;\r\n"), false);
+    ASSERT_NE(page, nullptr);
+    ASSERT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
+    page->Memo()->SetText(QStringLiteral("x := texts"));
+    page->Memo()->SetCaret(0, 10);
+    QTest::keyClick(page->Memo(), Qt::Key_8, Qt::AltModifier);
+    QListWidget* list = page->lbCodeHelp();
+    ASSERT_TRUE(list->isVisible());
+    ASSERT_EQ(list->count(), 40);
+    for (int i = 0; i < 20; ++i) {
+        QTest::keyClick(page->Memo(), Qt::Key_Down);
+        const QRect row = list->visualItemRect(list->currentItem());
+        EXPECT_TRUE(list->viewport()->rect().contains(row)) << "row " << list->currentRow();
+    }
+    EXPECT_EQ(list->currentRow(), 20);
+}
+
+} // namespace
+} // namespace velkor::test
