@@ -2,6 +2,7 @@
 #include "cli/cli.h"
 #include "compiler/compiler_version.h"
 #include "platform/numbers.h"
+#include "platform/standard_streams.h"
 
 #include <cstdio>
 #include <cstring>
@@ -227,5 +228,6 @@ int Main(int argc, char** argv) {
 } // namespace velkor::cli
 
 int main(int argc, char** argv) {
+    velkor::UseBinaryStandardStreams();
     return velkor::cli::Main(argc, argv);
 }

@@ -260,7 +260,12 @@ void TCompiler::CompileFile(const std::string& written) {
             fileChain_->push_back(std::filesystem::weakly_canonical(*own));
     }
     const std::filesystem::path canonical = std::filesystem::weakly_canonical(found);
-    if (std::find(fileChain_->begin(), fileChain_->end(), canonical) != fileChain_->end()) {
+    // The same file under another name counts too: on Windows "A.PAS" is "a.pas".
+    const auto sameFile = [&](const std::filesystem::path& open) {
+        std::error_code ec;
+        return open == canonical || std::filesystem::equivalent(open, canonical, ec);
+    };
+    if (std::find_if(fileChain_->begin(), fileChain_->end(), sameFile) != fileChain_->end()) {
         Error("could not compile file " + name + " - it is already being compiled (#FILE cycle)");
         return;
     }

@@ -1,17 +1,20 @@
 #include "ide/ext_handler.h"
 
+#include "platform/dynamic_library.h"
 #include "platform/executable_path.h"
 #include "platform/path_resolver.h"
-
-#include <dlfcn.h>
 
 #include <filesystem>
 
 namespace velkor {
 
+#ifdef _WIN32
+const char* const kExtensionFilter = "Libraries (*.dll)|*.dll";
+#else
 const char* const kExtensionFilter = "Shared libraries (*.so)|*.so";
-const char* const kExtensionDefaultExt = ".so";
-const char* const kExtensionSuffix = ".so";
+#endif
+const char* const kExtensionDefaultExt = kLibrarySuffix;
+const char* const kExtensionSuffix = kLibrarySuffix;
 
 namespace {
 
@@ -31,19 +34,13 @@ std::string LibraryFile(const std::string& path) {
 
 std::string LoadExtension(const std::string& path, std::string* reason) {
     // Never closed: an extension stays for the life of the process.
-    void* library = dlopen(LibraryFile(path).c_str(), RTLD_NOW | RTLD_GLOBAL);
-    if (!library) {
-        if (reason) {
-            const char* error = dlerror();
-            *reason = error ? error : "";
-        }
-        return "Could not load library \"" + path + "\": not found!";
-    }
+    void* library = OpenLibrary(LibraryFile(path), reason);
+    if (!library) return "Could not load library \"" + path + "\": not found!";
     using InitExt = void (*)(void*);
-    auto init = reinterpret_cast<InitExt>(dlsym(library, "init_ext"));
+    auto init = reinterpret_cast<InitExt>(LibrarySymbol(library, "init_ext"));
     // Calling a missing entry would end the IDE; say what is wrong with the library instead.
     if (!init) return "Library \"" + path + "\" has no entry init_ext";
-    init(dlopen(nullptr, RTLD_NOW));
+    init(ExecutableModule());
     return {};
 }
 

@@ -1,5 +1,6 @@
 #include "iff/byte_stream.h"
 
+#include "platform/c_file.h"
 #include "platform/exception.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ void MemoryStream::Write(std::span<const std::uint8_t> bytes) {
 }
 
 FileStream::FileStream(const std::filesystem::path& path) : path_(path) {
-    file_ = std::fopen(path.c_str(), "w+b");
+    file_ = OpenCFile(path, "w+b");
     if (!file_) throw EInOutError("Cannot create file \"" + path.string() + "\"");
 }
 

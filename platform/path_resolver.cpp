@@ -21,6 +21,10 @@ bool HasDriveLetter(std::string_view p) {
 }
 
 fs::path DriveRoot(char letter) {
+#ifdef _WIN32
+    // The drives are the system's own.
+    return fs::path(std::string(1, letter) + ":\\");
+#else
     const char lower = static_cast<char>(letter | 0x20);
     const fs::path prefix = WinePrefix();
     if (prefix.empty()) return {};
@@ -29,6 +33,7 @@ fs::path DriveRoot(char letter) {
     if (fs::exists(device, ec)) return device;
     if (lower == 'c' && fs::exists(prefix / "drive_c", ec)) return prefix / "drive_c";
     return device;
+#endif
 }
 
 std::vector<std::string> Components(std::string_view p) {
@@ -89,7 +94,9 @@ fs::path Walk(const fs::path& anchor, const std::vector<std::string>& parts, siz
 
 fs::path Tidy(const fs::path& p) {
     std::string s = p.lexically_normal().string();
-    if (s.rfind("./", 0) == 0 && s.size() > 2) s.erase(0, 2);
+    if (s.size() > 2 && s[0] == '.' &&
+        (s[1] == '/' || s[1] == static_cast<char>(fs::path::preferred_separator)))
+        s.erase(0, 2);
     return s;
 }
 

@@ -4,11 +4,16 @@
 
 #include <windows.h>
 
+#include <optional>
+
 namespace velkor {
 
 namespace {
 
-constexpr REGSAM kView = KEY_WOW64_32KEY;
+// The 32-bit view first: the games' installers and the original tools were 32-bit programs, so on 64-bit
+// Windows their keys lie under Wow6432Node. A key found only in the 64-bit view (written by a 64-bit
+// program, such as reg.exe run by hand) is used from there.
+constexpr REGSAM kViews[] = {KEY_WOW64_32KEY, KEY_WOW64_64KEY};
 // Longer strings than this are not settings; refusing them keeps a damaged registry from exhausting memory.
 constexpr DWORD kMaxValueSize = 1u << 20;
 
@@ -28,14 +33,30 @@ private:
     HKEY key_ = nullptr; // the open key, or null
 };
 
+// The view in which the key exists; nothing when it exists in neither.
+std::optional<REGSAM> ViewOf(const std::string& path) {
+    for (REGSAM view : kViews) {
+        HKEY key = nullptr;
+        if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_QUERY_VALUE | view, &key) ==
+            ERROR_SUCCESS) {
+            RegCloseKey(key);
+            return view;
+        }
+    }
+    return std::nullopt;
+}
+
 bool Open(std::string_view key, REGSAM access, KeyHandle& handle) {
     std::string path = NormaliseKeyPath(key);
-    return RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, access | kView, handle.Out()) == ERROR_SUCCESS;
+    auto view = ViewOf(path);
+    return view &&
+           RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, access | *view, handle.Out()) == ERROR_SUCCESS;
 }
 
 bool Create(std::string_view key, KeyHandle& handle) {
     std::string path = NormaliseKeyPath(key);
-    return RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_READ | KEY_WRITE | kView,
+    REGSAM view = ViewOf(path).value_or(kViews[0]);
+    return RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_READ | KEY_WRITE | view,
                            nullptr, handle.Out(), nullptr) == ERROR_SUCCESS;
 }
 
@@ -106,13 +127,15 @@ bool WindowsRegistry::DeleteValue(std::string_view key, std::string_view name) {
 
 bool WindowsRegistry::DeleteKey(std::string_view key) {
     std::string path = NormaliseKeyPath(key);
+    auto view = ViewOf(path);
+    if (!view) return false;
     {
         KeyHandle handle;
         if (!Open(path, DELETE | KEY_ENUMERATE_SUB_KEYS | KEY_QUERY_VALUE | KEY_SET_VALUE, handle))
             return false;
         RegDeleteTreeA(handle.Get(), nullptr);
     }
-    return RegDeleteKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), kView, 0) == ERROR_SUCCESS;
+    return RegDeleteKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), *view, 0) == ERROR_SUCCESS;
 }
 
 } // namespace velkor

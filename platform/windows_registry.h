@@ -1,5 +1,6 @@
-// The system registry on Windows, under HKEY_LOCAL_MACHINE, in the 32-bit view where the games'
-// installers and the original 32-bit tools keep their keys.
+// The system registry on Windows, under HKEY_LOCAL_MACHINE: a key is used in the 32-bit view, where the
+// games' installers and the original 32-bit tools keep their keys, else in the 64-bit view; new keys go
+// into the 32-bit view.
 #pragma once
 
 #ifdef _WIN32

@@ -1,4 +1,5 @@
 // The main window: start-up, the open procedure, decoding on open, pages, the timer and closing.
+#include "ide/app_icon.h"
 #include "ide/edit_page.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
@@ -12,6 +13,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QImage>
 #include <QListWidget>
 #include <QMenu>
 #include <QPlainTextEdit>
@@ -46,6 +48,17 @@ protected:
         return Path(name);
     }
 };
+
+// The built-in SVG renders (the icon engine is there) at the sizes desktops and task bars ask for.
+TEST(AppIcon, TheSvgIconRendersAtEverySize) {
+    const QIcon icon = VelkorIcon();
+    ASSERT_FALSE(icon.isNull());
+    for (int size : {16, 32, 48, 256}) {
+        const QImage image = icon.pixmap(size, size).toImage();
+        ASSERT_EQ(image.width(), size);
+        EXPECT_NE(image.pixel(size / 2, size / 2), image.pixel(0, 0)) << "blank at " << size;
+    }
+}
 
 TEST_F(MainWindowTest, StartsWithExactlyOneUntitledPageAndTheCaption) {
     TfrmMain window({});

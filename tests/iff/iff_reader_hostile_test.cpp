@@ -2,7 +2,11 @@
 #include "tests/iff/iff_test_helpers.h"
 
 #include <gtest/gtest.h>
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <sys/mman.h>
+#endif
 
 #include <string>
 
@@ -140,13 +144,31 @@ TEST(IffReaderHostile, TruncatedHeadersAtEveryLength) {
     }
 }
 
+// Address space that is reserved but never touched: reading it would fault, so nothing may.
+void* ReserveUntouchable(std::size_t size) {
+#ifdef _WIN32
+    return VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS);
+#else
+    void* p = mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    return p == MAP_FAILED ? nullptr : p;
+#endif
+}
+
+void Release(void* p, [[maybe_unused]] std::size_t size) {
+#ifdef _WIN32
+    VirtualFree(p, 0, MEM_RELEASE);
+#else
+    munmap(p, size);
+#endif
+}
+
 TEST(IffReaderHostile, DataOfFourGigabytesOrMoreIsRefused) {
     const std::size_t size = 0x100000000ULL;
-    void* p = mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (p == MAP_FAILED) GTEST_SKIP() << "cannot reserve 4 GB of address space";
+    void* p = ReserveUntouchable(size);
+    if (!p) GTEST_SKIP() << "cannot reserve 4 GB of address space";
     const std::span<const std::uint8_t> huge(static_cast<const std::uint8_t*>(p), size);
     EXPECT_EQ(MessageOf([&] { TIffReader r(huge); }), "TIffReader: data larger than 4 GB!");
-    munmap(p, size);
+    Release(p, size);
     EXPECT_EQ(IffFreeHandleCount(), kIffHandleCount);
 }
 

@@ -181,12 +181,18 @@ TEST_F(IniFileTest, SettingsFileLocation) {
     SetExecutableFolderForTesting((dir.path() / "no such folder").string());
     EXPECT_EQ(IniFilePath(), dir.path() / "config" / "velkor" / "velkor.ini");
     test::ScopedEnv noConfig("XDG_CONFIG_HOME", std::nullopt);
+#ifdef _WIN32
+    // Windows keeps a user's settings under the roaming application data folder.
+    test::ScopedEnv appData("APPDATA", (dir.path() / "appdata").string());
+    const fs::path expected = dir.path() / "appdata" / "velkor" / "velkor.ini";
+#else
     test::ScopedEnv home("HOME", (dir.path() / "home").string());
-    EXPECT_EQ(IniFilePath(), dir.path() / "home" / ".config" / "velkor" / "velkor.ini");
+    const fs::path expected = dir.path() / "home" / ".config" / "velkor" / "velkor.ini";
+#endif
+    EXPECT_EQ(IniFilePath(), expected);
     TIniFile created(IniFilePath());
     created.WriteBool("compiler", "fast_scanner", true);
-    EXPECT_EQ(ReadFile(dir.path() / "home" / ".config" / "velkor" / "velkor.ini"),
-              "[compiler]\r\nfast_scanner=1\r\n");
+    EXPECT_EQ(ReadFile(expected), "[compiler]\r\nfast_scanner=1\r\n");
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include "platform/executable_path.h"
 #include "platform/named_folders.h"
+#include "tests/support/environment.h"
 #include "tests/support/run_tool.h"
 
 #include <gtest/gtest.h>
@@ -25,12 +26,7 @@ public:
     ScopedEnv(const ScopedEnv&) = delete;
     ScopedEnv& operator=(const ScopedEnv&) = delete;
 
-    void Set(const std::optional<std::string>& value) {
-        if (value)
-            setenv(name_, value->c_str(), 1);
-        else
-            unsetenv(name_);
-    }
+    void Set(const std::optional<std::string>& value) { SetEnvironment(name_, value); }
 
 private:
     const char* name_;               // the variable
