@@ -24,7 +24,7 @@ struct TButton {
 constexpr TButton kButtons[] = {
     {"ToolNew", "New Unit", "New Unit (Ctrl+N)", "document-new", "MenuFileNewUnit", false},
     {"ToolOpen", "Open", "Open...", "document-open", "MenuFileOpen", false},
-    {"ToolSave", "Save", "Save", "document-save", "MenuFileSave", true},
+    {"ToolSave", "Save", "Save (F2)", "document-save", "MenuFileSave", true},
     {nullptr, nullptr, nullptr, nullptr, nullptr, false},
     {"ToolCompile", "Compile", "Compile (Ctrl+F9)", "run-build", "MenuCompileCompile", true},
     {"ToolBuild", "Compile && Build Iff", "Compile & Build Iff (F9)", "run-build-install", "MenuCompileBuild",
