@@ -6,6 +6,7 @@
 #include "ide/main_window.h"
 #include "ide/map_view.h"
 #include "ide/output_view.h"
+#include "ide/problems_view.h"
 #include "ide/window_placement.h"
 
 #include <QTabBar>
@@ -30,7 +31,7 @@ Qt::DockWidgetArea AreaOf(const std::string& site) {
 } // namespace
 
 QList<TDockableView*> TfrmMain::Views() const {
-    return {output_, iff_, help_, map_};
+    return {output_, iff_, help_, map_, problems_};
 }
 
 void TfrmMain::CreateDockAreas() {
@@ -106,6 +107,8 @@ void TfrmMain::RestoreViewPlacements() {
             defaults.Width = 360;
             defaults.Visible = false;
         }
+        if (view == problems_) defaults.Visible = false; // beside the output, when asked for
+
         const TDockPlacement placement = ReadDockPlacement(FromQ(view->objectName()), defaults);
         DockView(*view, placement.Site);
         if (placement.Site.empty() && placement.Width > 0 && placement.Height > 0)

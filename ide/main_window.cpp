@@ -9,6 +9,7 @@
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
 #include "ide/map_view.h"
+#include "ide/nav_history.h"
 #include "ide/output_view.h"
 #include "ide/reg_mru.h"
 #include "ide/settings_dialog.h"
@@ -121,6 +122,8 @@ TfrmMain::TfrmMain(const QStringList& files, QWidget* parent) : QMainWindow(pare
     CreateMenus();
     ConnectMenus();
     CreateWindowActions();
+    CreateProblemTracking();
+    CreateNavigation();
     connect(output_, &TfrmOutput::LocationRequested, this, &TfrmMain::GotoMessage);
     CreateDockAreas();
     RestoreViewPlacements();
@@ -180,9 +183,12 @@ void TfrmMain::AddPage(TfrmEdit& page) {
         if (p == ActivePage()) UpdatePageState();
     });
     WatchPage(page);
+    connect(&page, &TfrmEdit::Compiled, this, [this, p = &page] { PageCompiled(*p); });
+    PlaceProblemMarkers(page);
 }
 
 void TfrmMain::RemovePage(TfrmEdit& page) {
+    ForgetProblemsOf(page);
     pages_.removeAll(&page);
     const int index = editorTabs_->indexOf(&page);
     if (index >= 0) editorTabs_->removeTab(index);

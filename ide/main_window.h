@@ -10,6 +10,7 @@
 #include <QPointer>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 class QAction;
@@ -28,6 +29,8 @@ namespace velkor {
 
 class TDockableView;
 class TfrmMapView;
+class TfrmProblems;
+class TNavHistory;
 class TRegMru;
 
 class TfrmMain : public QMainWindow, public TPageHost {
@@ -130,6 +133,20 @@ public:
     // Asks every page's save question; false as soon as one answers Cancel.
     bool CloseQuery();
 
+    // --- the problems of each page's last compile (problem_tracking.cpp)
+    TfrmProblems& ProblemsView() { return *problems_; }
+    // Lists the errors and hints of the compile just ended and marks them in the pages.
+    void PageCompiled(TfrmEdit& page);
+    // Opens the place of a problem (where its mark is now); false when its file is not found.
+    bool GotoProblem(int entry);
+
+    // --- navigation history (navigation.cpp): "ActionNavigateBack" (Alt+Left), "ActionNavigateForward"
+    // (Alt+Right)
+    void JumpStarting(TfrmEdit& page) override;
+    bool NavigateBack();
+    bool NavigateForward();
+    TNavHistory& Navigation() const { return *navigation_; }
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -158,6 +175,10 @@ private:
     // `existed`: the text file stood there before the decode, so a failed decode must not remove it.
     void OpenDecodedText(const std::string& textFile, const QString& error, bool existed);
     QList<TDockableView*> Views() const;
+    void CreateProblemTracking();
+    void PlaceProblemMarkers(TfrmEdit& page);
+    void ForgetProblemsOf(TfrmEdit& page);
+    void CreateNavigation();
 
     TfrmHelp* help_;                    // the help view, owned as a child
     TfrmIffView* iff_;                  // the IFF view, owned as a child
@@ -179,6 +200,9 @@ private:
     bool firstShown_ = false;           // the first show has run
     bool closeQueryRunning_ = false;    // the close query is asking
     bool closeAfterJob_ = false;        // the window was closed while work ran: close when it ends
+
+    TfrmProblems* problems_ = nullptr;        // the problems of the compiles, owned as a child
+    std::unique_ptr<TNavHistory> navigation_; // places to go back and forward to
 };
 
 } // namespace velkor
