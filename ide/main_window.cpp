@@ -124,15 +124,17 @@ TfrmMain::TfrmMain(const QStringList& files, QWidget* parent) : QMainWindow(pare
     CreateWindowActions();
     CreateProblemTracking();
     CreateNavigation();
+    CreateProjectViews();
     connect(output_, &TfrmOutput::LocationRequested, this, &TfrmMain::GotoMessage);
     CreateDockAreas();
     RestoreViewPlacements();
     LoadSpecialDecoderFlags();
 
     maxDecodeSize_ = IdeIni().ReadInteger("iffd", "maxdecodesize", 1024);
+    const bool restored = RestoreSession(files.isEmpty());
     if (!files.isEmpty()) {
         for (const QString& file : files) OpenFile(FromQ(file), true);
-    } else {
+    } else if (!restored) {
         NewPage();
     }
     timer1_->start();
@@ -405,6 +407,7 @@ void TfrmMain::closeEvent(QCloseEvent* event) {
     try {
         SaveFormPlacement(*this);
         SaveViewPlacements();
+        SaveSession();
         // Spelled so in every settings file written so far; stored for others, never read here.
         IdeIni().WriteInteger("main", "pheigth", DockAreaSize("PageControl1"));
     } catch (const std::exception&) {

@@ -28,6 +28,8 @@ class QToolButton;
 namespace velkor {
 
 class TDockableView;
+class TfrmFileTree;
+class TfrmFindInFiles;
 class TfrmMapView;
 class TfrmProblems;
 class TNavHistory;
@@ -147,6 +149,21 @@ public:
     bool NavigateForward();
     TNavHistory& Navigation() const { return *navigation_; }
 
+    // --- the project at hand (project_views.cpp): the Files view and Find in Files (Shift+Ctrl+F)
+    TfrmFileTree& FileTreeView() { return *files_; }
+    TfrmFindInFiles& FindInFilesView() { return *findInFiles_; }
+    // The folders the Files view shows for the active page: its own folder, then its search path.
+    QStringList ProjectFolders() const;
+    void UpdateFileTree();
+    // Opens a file at a line (from 1), as a jump that can be gone back from; false when it cannot be
+    // opened.
+    bool OpenAt(const QString& file, int line);
+
+    // --- the last session (session.cpp): pages, carets and the dock layout
+    void SaveSession();
+    // Brings back the dock layout and, with `pages`, the pages; false when no page was opened.
+    bool RestoreSession(bool pages);
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -179,6 +196,7 @@ private:
     void PlaceProblemMarkers(TfrmEdit& page);
     void ForgetProblemsOf(TfrmEdit& page);
     void CreateNavigation();
+    void CreateProjectViews();
 
     TfrmHelp* help_;                    // the help view, owned as a child
     TfrmIffView* iff_;                  // the IFF view, owned as a child
@@ -203,6 +221,8 @@ private:
 
     TfrmProblems* problems_ = nullptr;        // the problems of the compiles, owned as a child
     std::unique_ptr<TNavHistory> navigation_; // places to go back and forward to
+    TfrmFileTree* files_ = nullptr;           // the Files view, owned as a child
+    TfrmFindInFiles* findInFiles_ = nullptr;  // Find in Files, owned as a child
 };
 
 } // namespace velkor

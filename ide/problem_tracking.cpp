@@ -50,6 +50,7 @@ void TfrmMain::PageCompiled(TfrmEdit& page) {
         return FindUnitFile(unit, output_->OriginSearchPath());
     };
     problems_->SetProblems(compiled, CollectProblems(output_->Lines(), fileOfUnit));
+    UpdateFileTree(); // the compile may have found more folders
     for (TfrmEdit* open : Pages()) {
         TProblemMarkers::Of(*open->Memo()).Clear(compiled);
         PlaceProblemMarkers(*open);
