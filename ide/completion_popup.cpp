@@ -2,6 +2,7 @@
 
 #include "compiler/symbol_queries.h"
 #include "compiler/symbol_table.h"
+#include "editor/highlighter.h"
 #include "ide/edit_page.h"
 #include "ide/ide_ini.h"
 #include "platform/strings.h"
@@ -126,7 +127,23 @@ void TCompletionPopup::OnCharAdded(int character) {
         Close();
         return;
     }
-    if (IsOpen() || Prefix().size() >= kMinimumPrefix) Update();
+    if (!IsOpen() && Prefix().size() < kMinimumPrefix) return;
+    // Words in comments and strings are prose: nothing to complete there. The highlighter styles the
+    // text when it is painted; the line being typed is styled now, which costs that line alone.
+    const long caret = memo_.SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS);
+    const long lineStart =
+        memo_.SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE,
+                            static_cast<unsigned long>(memo_.SendScintilla(
+                                QsciScintillaBase::SCI_LINEFROMPOSITION, static_cast<unsigned long>(caret))));
+    memo_.SendScintilla(QsciScintillaBase::SCI_COLOURISE, static_cast<unsigned long>(lineStart), caret);
+    const long style = caret > 0 ? memo_.SendScintilla(QsciScintillaBase::SCI_GETSTYLEAT,
+                                                       static_cast<unsigned long>(caret - 1))
+                                 : 0;
+    if (style == hsComment || style == hsString) {
+        Close();
+        return;
+    }
+    Update();
 }
 
 void TCompletionPopup::Update() {

@@ -1,12 +1,13 @@
 #include "ide/file_tree_view.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QDir>
 #include <QDirIterator>
-#include <QFileIconProvider>
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QSet>
+#include <QStyle>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -23,11 +24,11 @@ bool IsUnder(const QString& path, const QString& folder) {
 }
 
 QTreeWidgetItem* MakeItem(const QFileInfo& info, const QString& caption) {
-    static const QFileIconProvider icons;
     auto* item = new QTreeWidgetItem({caption});
     item->setData(0, kPathRole, info.absoluteFilePath());
     item->setToolTip(0, QDir::toNativeSeparators(info.absoluteFilePath()));
-    item->setIcon(0, icons.icon(info.isDir() ? QFileIconProvider::Folder : QFileIconProvider::File));
+    item->setIcon(
+        0, QApplication::style()->standardIcon(info.isDir() ? QStyle::SP_DirIcon : QStyle::SP_FileIcon));
     if (info.isDir()) item->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
     return item;
 }

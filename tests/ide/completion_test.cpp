@@ -127,9 +127,13 @@ TEST_F(CompletionTest, TheListOpensAfterTwoCharactersNarrowsAndInserts) {
     QTest::keyClicks(memo, QStringLiteral(","));
     EXPECT_FALSE(popup.IsOpen());
     EXPECT_EQ(memo->LineText(16), QStringLiteral("  shipsLeft + Attack(kil,"));
-    // A number is no word to complete.
+    // A number is no word to complete, nor are the words of comments and strings.
     QTest::keyClicks(memo, QStringLiteral(" 12"));
     EXPECT_FALSE(popup.IsOpen());
+    for (const char* prose : {" // sh", " \"sh"}) {
+        QTest::keyClicks(memo, QString::fromLatin1(prose));
+        EXPECT_FALSE(popup.IsOpen()) << prose;
+    }
 }
 
 TEST_F(CompletionTest, KeywordsAreOfferedBeforeAnyCompile) {
