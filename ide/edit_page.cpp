@@ -325,7 +325,7 @@ bool TfrmEdit::Compile() {
             linked = compiler.Link();
         });
         if (!ran) return false;
-        host_.IffView().SetText(ToQ(linked));
+        host_.IffView().SetTextUtf8(linked);
     } catch (const std::exception& e) {
         success = false;
         const int line = compiler.ErrorLine; // from 1; the editor counts from 0
