@@ -21,23 +21,6 @@
 namespace velkor::test {
 namespace {
 
-// Three errors in the unit, one in its include, one hint.
-constexpr const char* kBroken = "mission Broken;\r\n"     // 1
-                                "include \"faulty\";\r\n" // 2
-                                "var a;\r\n"              // 3
-                                "function Main;\r\n"      // 4
-                                "begin\r\n"               // 5
-                                "  a := 1 +;\r\n"         // 6
-                                "  a := );\r\n"           // 7
-                                "  a := Faulty(1);\r\n"   // 8
-                                "  nosuchthing(a);\r\n"   // 9
-                                "end;\r\n";               // 10
-constexpr const char* kFaulty = "unit Faulty;\r\n"        // 1
-                                "\r\n"                    // 2
-                                "function Faulty(x);\r\n" // 3
-                                "begin\r\n"               // 4
-                                "  result := x *;\r\n"    // 5
-                                "end;\r\n";               // 6
 constexpr const char* kFixed = "mission Broken;\r\n"
                                "var a;\r\n"
                                "function Main;\r\n"
@@ -162,15 +145,7 @@ TEST_F(ProblemsTest, MarksFollowEditsAndADoubleClickGoesWhereTheLineIsNow) {
     tree->scrollToItem(item);
     const QPoint at = tree->visualItemRect(item).center();
     ASSERT_EQ(tree->itemAt(at), item);
-    // The events of a double click, straight to the list (the window may hold another view on top).
-    const QPointF global = tree->viewport()->mapToGlobal(QPointF(at));
-    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
-                                    QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
-        const bool down = type != QEvent::MouseButtonRelease;
-        QMouseEvent click(type, QPointF(at), global, Qt::LeftButton, down ? Qt::LeftButton : Qt::NoButton,
-                          Qt::NoModifier);
-        QApplication::sendEvent(tree->viewport(), &click);
-    }
+    DoubleClick(*tree->viewport(), at);
     EXPECT_EQ(window.ActivePage(), page);
     EXPECT_EQ(page->Memo()->CaretLine(), 8);
 

@@ -106,7 +106,8 @@ TEST_F(ProjectViewsTest, TheFilesViewShowsTheUnitsFolderAndSearchPathAndOpensFil
     QTreeWidgetItem* m1 = files.Reveal(root + QStringLiteral("/missions/m1.pas"));
     ASSERT_NE(m1, nullptr);
     files.Tree()->setCurrentItem(m1);
-    emit files.Tree()->itemDoubleClicked(m1, 0);
+    files.Tree()->scrollToItem(m1);
+    DoubleClick(*files.Tree()->viewport(), files.Tree()->visualItemRect(m1).center());
     ASSERT_NE(window.ActivePage(), demo);
     EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("m1.pas"));
     // The tree follows the active page.
@@ -154,7 +155,8 @@ TEST_F(ProjectViewsTest, FindInFilesListsTheMatchesAndOpensThem) {
     find.RegularExpression()->setChecked(false);
     find.Search();
     QTreeWidgetItem* second = find.Results()->topLevelItem(1);
-    emit find.Results()->itemDoubleClicked(second, 0);
+    find.Results()->scrollToItem(second);
+    DoubleClick(*find.Results()->viewport(), find.Results()->visualItemRect(second).center());
     ASSERT_EQ(window.ActivePage()->Caption(), QStringLiteral("helpers.pas"));
     EXPECT_EQ(window.ActivePage()->Memo()->CaretLine(), 5);
     ASSERT_TRUE(window.NavigateBack());
