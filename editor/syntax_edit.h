@@ -39,9 +39,10 @@ public:
     static constexpr int kLineNumberMargin = 0; // line numbers
     static constexpr int kBookmarkMargin = 1;   // bookmark symbols 0-9
     static constexpr int kErrorMarker = 10;     // full-line background of the error line
-    // The fold gutter, and the indicator on a begin, object or objective and its end.
+    // The fold gutter, and the indicator on a begin, object or objective and its end (the page keeps 20
+    // and 21 for its problem underlines).
     static constexpr int kFoldMargin = 2;
-    static constexpr int kBlockMatchIndicator = 20;
+    static constexpr int kBlockMatchIndicator = 24;
 
     explicit TSyntaxEdit(QWidget* parent = nullptr);
     ~TSyntaxEdit() override;

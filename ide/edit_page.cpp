@@ -4,6 +4,7 @@
 #include "compiler/symbol_table.h"
 #include "ide/background_job.h"
 #include "ide/code_assist.h"
+#include "ide/completion_popup.h"
 #include "ide/editor_theme_setting.h"
 #include "ide/help_view.h"
 #include "ide/ide_dialogs.h"
@@ -102,6 +103,7 @@ TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
     // The editor control attaches the language's highlighter; the colours follow the theme setting.
     memo_->SetThemeChoice(ReadThemeChoice());
     assist_ = std::make_unique<CodeAssist>(*this, host_, *memo_);
+    completion_ = new TCompletionPopup(*this, *memo_);
     BuildContextMenu();
     connect(memo_, &TPageEditor::GotoRequested, this, [this](bool) { GotoLine(); });
     memo_->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -344,6 +346,7 @@ bool TfrmEdit::Compile() {
         for (const std::string& path : compiler.SearchPath) searchPath += path + "\r\n";
         assist_->SetSearchPathText(std::move(searchPath));
     }
+    emit Compiled(success);
     return success;
 }
 
@@ -374,7 +377,9 @@ void TfrmEdit::GotoLine() {
     const auto line =
         DialogHooks().AskInteger(this, QStringLiteral("Go to Line Number"),
                                  QStringLiteral("Enter new line number:"), memo_->CaretLine() + 1);
-    if (line) memo_->SetCaret(*line - 1, 0);
+    if (!line) return;
+    host_.JumpStarting(*this);
+    memo_->SetCaret(*line - 1, 0);
 }
 
 void TfrmEdit::TopicSearch() {
