@@ -1,5 +1,8 @@
 #include "editor/highlighter.h"
 
+#include "editor/editor_theme.h"
+#include "editor/folding.h"
+
 #include "scanner/scanner.h"
 
 #include <Qsci/qsciscintilla.h>
@@ -7,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <vector>
 
 namespace velkor {
 namespace {
@@ -157,7 +161,8 @@ int StyleSourceText(std::string_view text, int state, char* styles,
     return state;
 }
 
-TSourceHighlighter::TSourceHighlighter(QObject* parent) : QsciLexerCustom(parent) {
+TSourceHighlighter::TSourceHighlighter(QObject* parent)
+    : QsciLexerCustom(parent), theme_(&LightEditorTheme()) {
     editorFont_ = QFont(QStringLiteral("Courier New"), 10);
 }
 
@@ -175,19 +180,11 @@ QString TSourceHighlighter::description(int style) const {
 }
 
 QColor TSourceHighlighter::defaultColor(int style) const {
-    switch (style) {
-    case hsComment: return QColor(0x00, 0x80, 0x00);
-    case hsKeyword: return QColor(0x00, 0x00, 0x90);
-    case hsNumber: return QColor(0x80, 0x00, 0x80);
-    case hsString: return QColor(0xA3, 0x15, 0x15);
-    case hsDirective: return QColor(0x00, 0x70, 0x70);
-    case hsOperator: return QColor(0x50, 0x50, 0x50);
-    default: return QColor(Qt::black);
-    }
+    return theme_->Styles[static_cast<size_t>(style >= 0 && style < hsStyleCount ? style : hsDefault)];
 }
 
 QColor TSourceHighlighter::defaultPaper(int) const {
-    return QColor(Qt::white);
+    return theme_->Paper;
 }
 
 QFont TSourceHighlighter::defaultFont(int style) const {
@@ -207,26 +204,50 @@ void TSourceHighlighter::SetEditorFont(const QFont& font) {
     for (int style = 0; style < hsStyleCount; ++style) setFont(defaultFont(style), style);
 }
 
+void TSourceHighlighter::SetTheme(const TEditorTheme& theme) {
+    theme_ = &theme;
+    setDefaultColor(defaultColor(hsDefault));
+    setDefaultPaper(theme.Paper);
+    for (int style = 0; style < hsStyleCount; ++style) {
+        setColor(defaultColor(style), style);
+        setPaper(theme.Paper, style);
+    }
+}
+
 void TSourceHighlighter::styleText(int start, int end) {
     QsciScintilla* ed = editor();
     if (!ed || end <= start) return;
     const long firstLine =
         ed->SendScintilla(QsciScintillaBase::SCI_LINEFROMPOSITION, static_cast<long>(start));
-    const int state = firstLine > 0 ? static_cast<int>(ed->SendScintilla(QsciScintillaBase::SCI_GETLINESTATE,
-                                                                         static_cast<long>(firstLine - 1)))
-                                    : lsCode;
+    const int previous = firstLine > 0
+                             ? static_cast<int>(ed->SendScintilla(QsciScintillaBase::SCI_GETLINESTATE,
+                                                                  static_cast<long>(firstLine - 1)))
+                             : 0;
     const long length = end - start;
     // The range pointer moves Scintilla's gap only when it lies inside the range: no copy of the text.
     const auto* bytes = reinterpret_cast<const char*>(
         ed->SendScintilla(QsciScintillaBase::SCI_GETRANGEPOINTER, static_cast<unsigned long>(start), length));
     if (!bytes) return;
+    const std::string_view text(bytes, static_cast<size_t>(length));
     std::string styles(static_cast<size_t>(length), hsDefault);
-    StyleSourceText(std::string_view(bytes, static_cast<size_t>(length)), state, styles.data(),
-                    [&](long line, int lineState) {
-                        ed->SendScintilla(QsciScintillaBase::SCI_SETLINESTATE,
-                                          static_cast<unsigned long>(firstLine + line),
-                                          static_cast<long>(lineState));
-                    });
+    std::vector<int> lexStates;
+    StyleSourceText(text, previous & kLexStateMask, styles.data(),
+                    [&](long, int lineState) { lexStates.push_back(lineState); });
+    FoldSourceText(
+        text, styles, UnpackFoldState(previous),
+        [&](long line, int startDepth, bool opens) {
+            const long level = (QsciScintillaBase::SC_FOLDLEVELBASE + startDepth) |
+                               (opens ? QsciScintillaBase::SC_FOLDLEVELHEADERFLAG : 0);
+            const auto at = static_cast<unsigned long>(firstLine + line);
+            if (ed->SendScintilla(QsciScintillaBase::SCI_GETFOLDLEVEL, at) != level)
+                ed->SendScintilla(QsciScintillaBase::SCI_SETFOLDLEVEL, at, level);
+        },
+        [&](long line, TFoldState foldState) {
+            const int lexState = static_cast<size_t>(line) < lexStates.size() ? lexStates[line] : lsCode;
+            ed->SendScintilla(QsciScintillaBase::SCI_SETLINESTATE,
+                              static_cast<unsigned long>(firstLine + line),
+                              static_cast<long>(lexState | PackFoldState(foldState)));
+        });
     ed->SendScintilla(QsciScintillaBase::SCI_STARTSTYLING, static_cast<long>(start));
     ed->SendScintilla(QsciScintillaBase::SCI_SETSTYLINGEX, static_cast<unsigned long>(length), styles.data());
 }

@@ -1,7 +1,8 @@
 // TSourceHighlighter: syntax colouring of the scripting language, reading the text the way the scanner
 // does (its keyword table, number and string forms, operator and delimiter characters) plus the statement
 // words of the code generator. Comments and strings may span lines; the state at each line's end is kept
-// as the line's state, so only the lines QScintilla asks for are styled.
+// as the line's state, so only the lines QScintilla asks for are styled. The same pass sets the fold levels
+// of those lines.
 #pragma once
 
 #include <Qsci/qscilexercustom.h>
@@ -13,6 +14,8 @@
 #include <string_view>
 
 namespace velkor {
+
+struct TEditorTheme;
 
 // Style numbers of the highlighter.
 enum TSourceStyle : char {
@@ -54,12 +57,17 @@ public:
     QColor defaultPaper(int style) const override;
     QFont defaultFont(int style) const override;
     const char* wordCharacters() const override;
+    // Brackets match only where they are code, not inside comments and strings.
+    int braceStyle() const override { return hsOperator; }
 
     // The font every style is drawn in (keywords and directives in its bold face, comments italic).
     void SetEditorFont(const QFont& font);
+    // The colours of every style, from the theme's table.
+    void SetTheme(const TEditorTheme& theme);
 
 private:
-    QFont editorFont_; // base font of all styles
+    QFont editorFont_;          // base font of all styles
+    const TEditorTheme* theme_; // colours of the styles
 };
 
 } // namespace velkor

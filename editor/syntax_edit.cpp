@@ -42,23 +42,6 @@ QFont EditorFont() {
     return system;
 }
 
-// A small square with the bookmark's digit, for the gutter.
-QPixmap BookmarkPixmap(int number, const QFont& font) {
-    QPixmap pixmap(14, 14);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QColor(0x20, 0x40, 0x80));
-    painter.setBrush(QColor(0xD8, 0xE4, 0xF8));
-    painter.drawRoundedRect(QRectF(0.5, 0.5, 13, 13), 2, 2);
-    QFont digitFont = font;
-    digitFont.setPixelSize(11);
-    digitFont.setBold(true);
-    painter.setFont(digitFont);
-    painter.drawText(QRect(0, 0, 14, 14), Qt::AlignCenter, QString::number(number));
-    return pixmap;
-}
-
 // The keys that type text rather than command the editor.
 bool TypesText(const QKeyEvent& e) {
     const QString text = e.text();
@@ -101,6 +84,7 @@ TSyntaxEdit::TSyntaxEdit(QWidget* parent)
     setTabWidth(8);
     SetUpAppearance();
     SetUpMargins();
+    SetUpReadingAids();
     connect(this, &QsciScintilla::linesChanged, this, &TSyntaxEdit::UpdateLineNumberWidth);
 }
 
@@ -111,12 +95,7 @@ void TSyntaxEdit::SetUpAppearance() {
     setFont(font);
     highlighter_->SetEditorFont(font);
     setLexer(highlighter_);
-    setCaretLineVisible(false);
-    setSelectionBackgroundColor(QColor(0xAD, 0xD6, 0xFF));
-    setSelectionForegroundColor(Qt::black);
     setMarginsFont(font);
-    setMarginsBackgroundColor(QColor(0xF0, 0xF0, 0xF0));
-    setMarginsForegroundColor(QColor(0x60, 0x60, 0x60));
 }
 
 void TSyntaxEdit::SetUpMargins() {
@@ -128,10 +107,7 @@ void TSyntaxEdit::SetUpMargins() {
     setMarginMarkerMask(kBookmarkMargin, kBookmarkMask);
     setMarginMarkerMask(kLineNumberMargin, 0);
     setMarginSensitivity(kBookmarkMargin, false);
-    const QFont font = EditorFont();
-    for (int n = 0; n <= 9; ++n) markerDefine(BookmarkPixmap(n, font), n);
     markerDefine(Background, kErrorMarker);
-    setMarkerBackgroundColor(QColor(0xFF, 0xB0, 0xB0), kErrorMarker);
 }
 
 void TSyntaxEdit::UpdateLineNumberWidth() {
@@ -569,10 +545,12 @@ bool TSyntaxEdit::GotoBookmark(int number) {
 void TSyntaxEdit::SetErrorLine(int line) {
     ClearErrorLine();
     if (line >= 0 && line < lines()) markerAdd(line, kErrorMarker);
+    UpdateCaretLine();
 }
 
 void TSyntaxEdit::ClearErrorLine() {
     markerDeleteAll(kErrorMarker);
+    UpdateCaretLine();
 }
 
 int TSyntaxEdit::ErrorLine() const {

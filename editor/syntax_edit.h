@@ -5,6 +5,7 @@
 #pragma once
 
 #include "editor/editor_commands.h"
+#include "editor/editor_theme.h"
 #include "editor/search_options.h"
 
 #include <Qsci/qsciscintilla.h>
@@ -38,6 +39,10 @@ public:
     static constexpr int kLineNumberMargin = 0; // line numbers
     static constexpr int kBookmarkMargin = 1;   // bookmark symbols 0-9
     static constexpr int kErrorMarker = 10;     // full-line background of the error line
+    // The fold gutter, and the indicator on a begin, object or objective and its end (the page keeps 20
+    // and 21 for its problem underlines).
+    static constexpr int kFoldMargin = 2;
+    static constexpr int kBlockMatchIndicator = 24;
 
     explicit TSyntaxEdit(QWidget* parent = nullptr);
     ~TSyntaxEdit() override;
@@ -103,6 +108,14 @@ public:
     // Why the last Search found nothing when its regular expression was invalid; empty otherwise.
     QString LastSearchError() const { return lastSearchError_; }
 
+    // Colours: the desktop's light or dark palette (System) or a forced theme. System follows the desktop
+    // when its palette changes.
+    void SetThemeChoice(TThemeChoice choice);
+    TThemeChoice ThemeChoice() const { return themeChoice_; }
+    const TEditorTheme& Theme() const { return *theme_; }
+    // Takes the theme the desktop's palette now gives, when the choice is System.
+    void FollowDesktopPalette();
+
     // The first key of a two-key sequence that waits for its second key, or an empty shortcut.
     TShortCut PendingShortCut() const { return pending_; }
 
@@ -135,6 +148,11 @@ private:
 
     void SetUpAppearance();
     void SetUpMargins();
+    // Current line, bracket and block matching, folding and indentation guides (syntax_edit_reading.cpp).
+    void SetUpReadingAids();
+    void ApplyTheme(const TEditorTheme& theme);
+    void UpdateBlockMatch();
+    void UpdateCaretLine();
     void UpdateLineNumberWidth();
     bool RunKeyStroke(int index);
     void Move(int message, int selectMessage, bool select);
@@ -162,6 +180,9 @@ private:
     TFileEncoding encoding_ = TFileEncoding::Utf8; // encoding used to save and for EncodedText
     bool byteOrderMark_ = false; // the UTF-8 file began with a byte-order mark, kept on save
     int lineNumberDigits_ = 0;   // digits the line-number margin is sized for
+    TThemeChoice themeChoice_ = TThemeChoice::System;
+    const TEditorTheme* theme_ = &LightEditorTheme(); // the colours in use
+    bool blockMatchShown_ = false;                    // the block-match indicator is on some words
 };
 
 } // namespace velkor

@@ -5,6 +5,7 @@
 #include "ide/background_job.h"
 #include "ide/code_assist.h"
 #include "ide/completion_popup.h"
+#include "ide/editor_theme_setting.h"
 #include "ide/help_view.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
@@ -99,7 +100,8 @@ TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
     memo_->setObjectName(QStringLiteral("Memo"));
     SetFileName("Untitled" + std::to_string(host_.TakeUntitledNumber()) + ".pas");
     autosave_ = IdeIni().ReadBool("editor", "autosave", false);
-    // The editor control attaches the language's highlighter and its colours itself.
+    // The editor control attaches the language's highlighter; the colours follow the theme setting.
+    memo_->SetThemeChoice(ReadThemeChoice());
     assist_ = std::make_unique<CodeAssist>(*this, host_, *memo_);
     completion_ = new TCompletionPopup(*this, *memo_);
     BuildContextMenu();

@@ -13,6 +13,7 @@
 #include "ide/output_view.h"
 #include "ide/reg_mru.h"
 #include "ide/settings_dialog.h"
+#include "ide/tool_bar.h"
 #include "ide/window_placement.h"
 #include "platform/executable_path.h"
 #include "platform/path_resolver.h"
@@ -121,6 +122,7 @@ TfrmMain::TfrmMain(const QStringList& files, QWidget* parent) : QMainWindow(pare
     map_ = new TfrmMapView(*this);
     CreateMenus();
     ConnectMenus();
+    toolBar_ = new TMainToolBar(*this);
     CreateWindowActions();
     CreateProblemTracking();
     CreateNavigation();

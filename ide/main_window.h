@@ -31,6 +31,7 @@ class TDockableView;
 class TfrmFileTree;
 class TfrmFindInFiles;
 class TfrmMapView;
+class TMainToolBar;
 class TfrmProblems;
 class TNavHistory;
 class TRegMru;
@@ -72,6 +73,7 @@ public:
     TfrmIffView& IffView() override;
     TfrmHelp& HelpView() override;
     TfrmMapView& MapView() { return *map_; }
+    TMainToolBar& ToolBar() { return *toolBar_; }
     void AddRecent(const std::string& path) override;
     int TakeUntitledNumber() override { return untitled_++; }
     TRegMru& RegMru1() const { return *mru_; }
@@ -202,6 +204,7 @@ private:
     TfrmIffView* iff_;                  // the IFF view, owned as a child
     TfrmOutput* output_;                // the output list, owned as a child
     TfrmMapView* map_;                  // the map of the objects, owned as a child
+    TMainToolBar* toolBar_ = nullptr;   // the most used commands, owned as a child
     QTabWidget* editorTabs_;            // PageControlEditor: one tab per page
     QLabel* panel0_;                    // status panel 0: free text
     QLabel* panel1_;                    // status panel 1: caret line and column

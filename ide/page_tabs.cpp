@@ -4,6 +4,7 @@
 #include "ide/edit_page.h"
 #include "ide/ide_ini.h"
 #include "ide/main_window.h"
+#include "ide/tool_bar.h"
 
 #include <QApplication>
 #include <QDragEnterEvent>
@@ -125,6 +126,7 @@ void TfrmMain::UpdatePageState() {
     if (windowTitle() != title) setWindowTitle(title);
     panelMode_->setText(InsertModeText());
     panelModified_->setText(ModifiedText());
+    if (toolBar_) toolBar_->Refresh();
 }
 
 void TfrmMain::UpdateTopicItem() {

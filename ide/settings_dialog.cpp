@@ -1,5 +1,6 @@
 #include "ide/settings_dialog.h"
 
+#include "ide/editor_theme_setting.h"
 #include "ide/ext_handler.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
@@ -13,6 +14,7 @@
 #include "scanner/scanner.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -169,6 +171,17 @@ QWidget* TfrmSettings::CreateEditorTab() {
     layout->addWidget(cbDisableIntelligence);
     layout->addWidget(cbAutosave);
     layout->addWidget(cbDisableParamHint);
+    auto* themeRow = new QHBoxLayout;
+    cbTheme = new QComboBox(tab);
+    cbTheme->setObjectName(QStringLiteral("cbTheme"));
+    // In the order of TThemeChoice.
+    cbTheme->addItems({QStringLiteral("System"), QStringLiteral("Light"), QStringLiteral("Dark")});
+    auto* themeLabel = new QLabel(QStringLiteral("Colour &theme:"), tab);
+    themeLabel->setBuddy(cbTheme);
+    themeRow->addWidget(themeLabel);
+    themeRow->addWidget(cbTheme);
+    themeRow->addStretch();
+    layout->addLayout(themeRow);
     layout->addStretch();
     // Parameter hints are part of code assistance: switching it off switches them off too.
     connect(cbDisableIntelligence, &QCheckBox::toggled, this, [this](bool off) {
@@ -235,6 +248,7 @@ void TfrmSettings::ReadSettings() {
     // After the code-assistance box, whose rule may have checked and disabled this one.
     if (cbDisableParamHint->isEnabled())
         cbDisableParamHint->setChecked(ini.ReadBool("editor", "disable_paramhint", false));
+    cbTheme->setCurrentIndex(static_cast<int>(ReadThemeChoice()));
 
     for (const TSpecialDecoderState& decoder : SpecialDecoders()) {
         auto* item = new QListWidgetItem(ToQ(decoder.Name), cklbSpecialDecoders);
@@ -280,6 +294,9 @@ void TfrmSettings::WriteSettings() {
     ini.WriteBool("editor", "disable_intelligence", cbDisableIntelligence->isChecked());
     ini.WriteBool("editor", "autosave", cbAutosave->isChecked());
     ini.WriteBool("editor", "disable_paramhint", cbDisableParamHint->isChecked());
+    const auto theme = static_cast<TThemeChoice>(cbTheme->currentIndex());
+    WriteThemeChoice(theme);
+    ApplyThemeChoiceToEditors(theme);
 
     int verbosity = 0;
     for (int i = 0; i < 4; ++i) {

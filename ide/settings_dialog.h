@@ -5,6 +5,7 @@
 #include <QDialog>
 
 class QCheckBox;
+class QComboBox;
 class QLineEdit;
 class QListWidget;
 class QRadioButton;
@@ -33,6 +34,7 @@ public:
     QCheckBox* cbDisableIntelligence;
     QCheckBox* cbAutosave;
     QCheckBox* cbDisableParamHint;
+    QComboBox* cbTheme; // the editor's colours: "System", "Light", "Dark"
     QLineEdit* EditMaxDecodeSize;
     QListWidget* cklbSpecialDecoders;
     QCheckBox* cbSeparateThread;

@@ -8,6 +8,7 @@
 #include "ide/output_view.h"
 #include "ide/proc_list.h"
 #include "tests/ide/edit_page_test_support.h"
+#include "tests/ide/screenshot_support.h"
 
 #include <QElapsedTimer>
 #include <QImage>
@@ -23,49 +24,7 @@
 namespace velkor::test {
 namespace {
 
-class PageScreenshotTest : public PageTest {
-protected:
-    // Saves the image when VELKOR_SCREENSHOT_DIR names a folder, for a person to look at.
-    static void Keep(const QImage& image, const char* name) {
-        if (const char* dir = std::getenv("VELKOR_SCREENSHOT_DIR"))
-            image.save(QString::fromLocal8Bit(dir) + u'/' + QString::fromLatin1(name));
-    }
-
-    // The rectangle of a text range in the editor's viewport.
-    static QRect RangeRect(TSyntaxEdit& memo, int line, int from, int to) {
-        const long start = memo.positionFromLineIndex(line, from);
-        const long end = memo.positionFromLineIndex(line, to);
-        const int x1 =
-            static_cast<int>(memo.SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0UL, start));
-        const int x2 =
-            static_cast<int>(memo.SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0UL, end));
-        const int y =
-            static_cast<int>(memo.SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0UL, start));
-        const int h = static_cast<int>(memo.SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL));
-        return QRect(x1, y, x2 - x1, h);
-    }
-
-    // How many pixels of the rectangle are close to the colour.
-    static int CountNear(const QImage& image, const QRect& rect, QColor colour, int tolerance = 60) {
-        int count = 0;
-        for (int y = rect.top(); y <= rect.bottom(); ++y) {
-            for (int x = rect.left(); x <= rect.right(); ++x) {
-                if (!image.rect().contains(x, y)) continue;
-                const QColor c = image.pixelColor(x, y);
-                if (std::abs(c.red() - colour.red()) + std::abs(c.green() - colour.green()) +
-                        std::abs(c.blue() - colour.blue()) <=
-                    tolerance)
-                    ++count;
-            }
-        }
-        return count;
-    }
-
-    static QImage GrabViewport(TSyntaxEdit& memo) {
-        memo.viewport()->repaint();
-        return memo.viewport()->grab().toImage();
-    }
-};
+using PageScreenshotTest = PageTest;
 
 TEST_F(PageScreenshotTest, ADemoMissionIsColoured) {
     TfrmMain window({});
@@ -75,23 +34,23 @@ TEST_F(PageScreenshotTest, ADemoMissionIsColoured) {
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     TSyntaxEdit& memo = *page->Memo();
-    const QImage image = GrabViewport(memo);
-    Keep(window.grab().toImage(), "page_coloured.png");
+    const QImage image = GrabEditor(memo);
+    KeepScreenshot(window.grab().toImage(), "page_coloured.png");
     const TSourceHighlighter& colours = *memo.Highlighter();
     // "function" on line 9 is a keyword, "// Adds its arguments." on line 8 a comment, "Attack" plain.
-    const QRect keyword = RangeRect(memo, 8, 0, 8);
-    const QRect comment = RangeRect(memo, 7, 3, 21);
-    const QRect plain = RangeRect(memo, 8, 9, 15);
+    const QRect keyword = TextRect(memo, 8, 0, 8);
+    const QRect comment = TextRect(memo, 7, 3, 21);
+    const QRect plain = TextRect(memo, 8, 9, 15);
     const QColor keywordColour = colours.color(hsKeyword);
     const QColor commentColour = colours.color(hsComment);
     const QColor plainColour = colours.color(hsDefault);
     ASSERT_NE(keywordColour, plainColour);
     ASSERT_NE(commentColour, plainColour);
-    EXPECT_GT(CountNear(image, keyword, keywordColour, 40), 10);
-    EXPECT_GT(CountNear(image, comment, commentColour, 40), 10);
-    EXPECT_EQ(CountNear(image, plain, keywordColour, 40), 0);
-    EXPECT_EQ(CountNear(image, plain, commentColour, 40), 0);
-    EXPECT_GT(CountNear(image, plain, plainColour, 40), 10);
+    EXPECT_GT(PixelsNear(image, keyword, keywordColour, 40), 10);
+    EXPECT_GT(PixelsNear(image, comment, commentColour, 40), 10);
+    EXPECT_EQ(PixelsNear(image, plain, keywordColour, 40), 0);
+    EXPECT_EQ(PixelsNear(image, plain, commentColour, 40), 0);
+    EXPECT_GT(PixelsNear(image, plain, plainColour, 40), 10);
 }
 
 TEST_F(PageScreenshotTest, TheErrorLineIsMarkedAfterAFailedCompile) {
@@ -105,17 +64,19 @@ TEST_F(PageScreenshotTest, TheErrorLineIsMarkedAfterAFailedCompile) {
     EXPECT_FALSE(page->Compile());
     ASSERT_EQ(page->Memo()->ErrorLine(), 2);
     TSyntaxEdit& memo = *page->Memo();
-    const QImage image = GrabViewport(memo);
-    Keep(window.grab().toImage(), "page_error_line.png");
+    const QImage image = GrabEditor(memo);
+    KeepScreenshot(window.grab().toImage(), "page_error_line.png");
     const QColor mark(0xFF, 0xB0, 0xB0);
     const int width = memo.viewport()->width();
-    const QRect errorLine = RangeRect(memo, 2, 0, 0).adjusted(0, 1, width - 1, -1);
-    const QRect otherLine = RangeRect(memo, 1, 0, 0).adjusted(0, 1, width - 1, -1);
-    EXPECT_GT(CountNear(image, QRect(errorLine.left() + 60, errorLine.top(), width - 100, errorLine.height()),
-                        mark, 10),
+    const QRect errorLine = TextRect(memo, 2, 0, 0).adjusted(0, 1, width - 1, -1);
+    const QRect otherLine = TextRect(memo, 1, 0, 0).adjusted(0, 1, width - 1, -1);
+    EXPECT_GT(PixelsNear(image,
+                         QRect(errorLine.left() + 60, errorLine.top(), width - 100, errorLine.height()), mark,
+                         10),
               width);
-    EXPECT_EQ(CountNear(image, QRect(otherLine.left() + 60, otherLine.top(), width - 100, otherLine.height()),
-                        mark, 10),
+    EXPECT_EQ(PixelsNear(image,
+                         QRect(otherLine.left() + 60, otherLine.top(), width - 100, otherLine.height()), mark,
+                         10),
               0);
     EXPECT_FALSE(window.OutputView().Lines().isEmpty());
 }
@@ -131,7 +92,7 @@ TEST_F(PageScreenshotTest, TheSymbolBrowserListsTheFunctions) {
     list.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&list));
     const QImage image = list.grab().toImage();
-    Keep(image, "symbol_browser.png");
+    KeepScreenshot(image, "symbol_browser.png");
     QTreeWidget* view = list.lvProcs();
     ASSERT_EQ(view->topLevelItemCount(), 4);
     // Each row is drawn: the start of the row's first column holds text pixels that differ from the row's
@@ -139,7 +100,7 @@ TEST_F(PageScreenshotTest, TheSymbolBrowserListsTheFunctions) {
     const QImage rows = view->viewport()->grab().toImage();
     const auto inkIn = [&rows](const QRect& rect) {
         const QColor background = rows.pixelColor(rect.right(), rect.center().y());
-        return rect.width() * rect.height() - CountNear(rows, rect, background, 30);
+        return rect.width() * rect.height() - PixelsNear(rows, rect, background, 30);
     };
     for (int i = 0; i < 4; ++i) {
         const QRect rect = view->visualItemRect(view->topLevelItem(i)).intersected(QRect(0, 0, 300, 1000));

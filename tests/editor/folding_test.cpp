@@ -1,0 +1,213 @@
+// Folds and block matching read from the text: which lines open a fold and how deep each line is, which
+// word pairs with a begin, object, objective or end, and how the editor shows both while text is typed.
+#include "editor/folding.h"
+#include "editor/highlighter.h"
+#include "editor_test_app.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <string>
+
+namespace velkor {
+namespace {
+
+// One entry per line: its depth at the start, "H" when it opens a fold.
+std::string Folds(std::string_view text, TFoldState state = {}, TFoldState* end = nullptr) {
+    std::string styles(text.size(), hsDefault);
+    StyleSourceText(text, lsCode, styles.data(), [](long, int) {});
+    std::string out;
+    const TFoldState last = FoldSourceText(
+        text, styles, state,
+        [&](long, int depth, bool opens) {
+            if (!out.empty()) out += ' ';
+            out += std::to_string(depth) + (opens ? "H" : "");
+        },
+        [](long, TFoldState) {});
+    if (end) *end = last;
+    return out;
+}
+
+struct FoldCase {
+    const char* What;
+    const char* Text;
+    const char* Folds;
+};
+
+TEST(Folding, LinesOpenAndCloseBlocks) {
+    const FoldCase cases[] = {
+        {"function body", "function A;\nbegin\n  x := 1;\nend;\n", "0H 1 1 1"},
+        {"declarations without body", "function A; forward;\nfunction B(x); external;\nvar a;\n", "0 0 0"},
+        {"locals, nested begin",
+         "function A;\nvar a;\nbegin\n  if (a) then\n  begin\n    a := 1;\n  end;\nend;\n",
+         "0H 1 1 1 1H 2 2 1"},
+        {"objects", "object A (A) AS SHIP\n  x: 0;\nend;\nobject B (B) AS SHIP x: 0; end;\n", "0H 1 1 0"},
+        {"objective", "objective O\n  hidden: 0;\nEND;\n", "0H 1 1"},
+        {"textual IFF", "IFF \"a.iff\"\n{\n  FORM \"X\"\n  {\n    long 1\n  }\n}\n", "0 0H 1 1H 2 2 1"},
+        {"comments and strings", "// begin\n\"end\" /* { */\nbegin\nend;", "0 0 0H 1"},
+        {"block comment over lines", "/* begin\nend */ begin\nend;\n", "0 0H 1"},
+        {"case of the words", "BEGIN\nEnd;\n", "0H 1"},
+        {"one-line block", "begin end;\n", "0"},
+        {"end else begin", "begin\nx;\nend else begin\ny;\nend;\n", "0H 1 1 1 1"},
+        {"stray end", "end;\nbegin\nend;\n", "0 0H 1"},
+        {"CR LF breaks", "function A;\r\nbegin\r\nend;\r\n", "0H 1 1"},
+        {"words inside identifiers", "beginning := ending;\nobjects := 1;\n", "0 0"},
+    };
+    for (const FoldCase& c : cases) EXPECT_EQ(Folds(c.Text), c.Folds) << c.What;
+}
+
+TEST(Folding, StateCarriesFromOneRangeToTheNext) {
+    TFoldState state;
+    EXPECT_EQ(Folds("function A;\nvar a;\n", {}, &state), "0H 1");
+    EXPECT_EQ(state, (TFoldState{1, true}));
+    // The body's begin, styled later, still belongs to the header.
+    EXPECT_EQ(Folds("begin\nend;\n", state, &state), "1 1");
+    EXPECT_EQ(state, (TFoldState{0, false}));
+    for (const TFoldState packed : {TFoldState{0, false}, TFoldState{1, true}, TFoldState{2999, false}}) {
+        const int lineState = PackFoldState(packed) | lsBlockComment;
+        EXPECT_EQ(UnpackFoldState(lineState), packed);
+        EXPECT_EQ(lineState & kLexStateMask, lsBlockComment);
+    }
+}
+
+struct MatchCase {
+    const char* What;
+    const char* Text; // "|" marks the caret, "^" the start of the expected partner (none: no match)
+};
+
+TEST(Folding, BlockWordsFindTheirPartner) {
+    const MatchCase cases[] = {
+        {"begin forward", "|begin\n  x;\n^end;"},
+        {"end backward, nested", "^begin\n  begin x end;\nend|;"},
+        {"inner pair", "function F;\nbegin\n  if (a) then |begin b; ^end;\nend;"},
+        {"caret inside end", "^object A (A) AS SHIP x: 0; e|nd;"},
+        {"objective", "|objective O hidden: 0; ^end;"},
+        {"end in a comment", "|begin // end\n^end;"},
+        {"end in a string", "|begin \"end\" ^end;"},
+        {"unmatched", "|begin\nbegin\nend;"},
+        {"caret on no block word", "x| := 1; begin end;"},
+        {"block word in a comment", "// |end\nbegin end;"},
+    };
+    for (const MatchCase& c : cases) {
+        std::string text = c.Text;
+        size_t caret = text.find('|');
+        size_t partner = text.find('^');
+        if (partner != std::string::npos && partner < caret) --caret;
+        if (partner != std::string::npos && partner > caret) --partner;
+        text.erase(std::remove(text.begin(), text.end(), '|'), text.end());
+        text.erase(std::remove(text.begin(), text.end(), '^'), text.end());
+        const std::optional<TBlockMatch> match = MatchBlockWord(text, lsCode, caret);
+        if (partner == std::string::npos) {
+            EXPECT_FALSE(match.has_value()) << c.What;
+            continue;
+        }
+        ASSERT_TRUE(match.has_value()) << c.What;
+        EXPECT_EQ(match->Partner.Start, partner) << c.What;
+        EXPECT_LE(match->Word.Start, caret) << c.What;
+        EXPECT_GE(match->Word.Start + match->Word.Length, caret) << c.What;
+    }
+}
+
+} // namespace
+
+namespace test {
+namespace {
+
+class FoldingEditorTest : public EditorTest {
+protected:
+    int Level(int line) const {
+        return static_cast<int>(edit->SendScintilla(QsciScintillaBase::SCI_GETFOLDLEVEL, line));
+    }
+    bool IsHeader(int line) const { return (Level(line) & QsciScintillaBase::SC_FOLDLEVELHEADERFLAG) != 0; }
+    bool Visible(int line) const {
+        return edit->SendScintilla(QsciScintillaBase::SCI_GETLINEVISIBLE, line) != 0;
+    }
+    bool Marked(long position) const {
+        return edit->SendScintilla(QsciScintillaBase::SCI_INDICATORVALUEAT, TSyntaxEdit::kBlockMatchIndicator,
+                                   position) != 0;
+    }
+    void Settle() {
+        QCoreApplication::processEvents();
+        edit->viewport()->repaint();
+    }
+};
+
+constexpr const char* kUnit = "mission M;\r\n"           // 0
+                              "function Attack(a);\r\n"  // 1
+                              "begin\r\n"                // 2
+                              "  if (a) then\r\n"        // 3
+                              "  begin\r\n"              // 4
+                              "    a := 1;\r\n"          // 5
+                              "  end;\r\n"               // 6
+                              "end;\r\n"                 // 7
+                              "object A (A) AS SHIP\r\n" // 8
+                              "  x: (1 + 2); // (\r\n"   // 9
+                              "end;\r\n";                // 10
+
+TEST_F(FoldingEditorTest, FunctionsBlocksAndObjectsFold) {
+    Load(QString::fromLatin1(kUnit));
+    Settle();
+    for (int line : {1, 4, 8}) EXPECT_TRUE(IsHeader(line)) << line;
+    for (int line : {0, 2, 3, 5, 6, 7, 9, 10}) EXPECT_FALSE(IsHeader(line)) << line;
+    // Clicking the fold box of the function hides its body, the next declaration stays.
+    edit->foldLine(1);
+    for (int line = 2; line <= 7; ++line) EXPECT_FALSE(Visible(line)) << line;
+    EXPECT_TRUE(Visible(1));
+    EXPECT_TRUE(Visible(8));
+    edit->foldLine(1);
+    for (int line = 2; line <= 7; ++line) EXPECT_TRUE(Visible(line)) << line;
+}
+
+TEST_F(FoldingEditorTest, TypingABlockMakesAFold) {
+    Load(QString::fromLatin1("mission M;\r\nvar a;\r\n"), 1, 6);
+    Settle();
+    EXPECT_FALSE(IsHeader(1));
+    QTest::keyClicks(edit.get(), QStringLiteral(" begin"));
+    Settle();
+    EXPECT_TRUE(IsHeader(1));
+    // Typing end below closes it: the line after the end is back at the outer depth.
+    edit->ExecuteCommand(ecLineBreak);
+    QTest::keyClicks(edit.get(), QStringLiteral("end;"));
+    edit->ExecuteCommand(ecLineBreak);
+    QTest::keyClicks(edit.get(), QStringLiteral("var b;"));
+    Settle();
+    EXPECT_EQ(Level(3) & QsciScintillaBase::SC_FOLDLEVELNUMBERMASK, QsciScintillaBase::SC_FOLDLEVELBASE);
+    EXPECT_EQ(Level(2) & QsciScintillaBase::SC_FOLDLEVELNUMBERMASK, QsciScintillaBase::SC_FOLDLEVELBASE + 1);
+}
+
+TEST_F(FoldingEditorTest, TheCaretOnABlockWordMarksItsPartner) {
+    Load(QString::fromLatin1(kUnit), 4, 3);
+    Settle();
+    const long innerBegin = edit->positionFromLineIndex(4, 2);
+    const long innerEnd = edit->positionFromLineIndex(6, 2);
+    const long outerEnd = edit->positionFromLineIndex(7, 0);
+    EXPECT_TRUE(Marked(innerBegin));
+    EXPECT_TRUE(Marked(innerEnd));
+    EXPECT_FALSE(Marked(outerEnd));
+    // On the object's end: the object word and the end.
+    edit->SetCaret(10, 3);
+    Settle();
+    EXPECT_FALSE(Marked(innerBegin));
+    EXPECT_TRUE(Marked(edit->positionFromLineIndex(8, 0)));
+    EXPECT_TRUE(Marked(edit->positionFromLineIndex(10, 0)));
+    // Elsewhere nothing is marked.
+    edit->SetCaret(5, 5);
+    Settle();
+    EXPECT_FALSE(Marked(edit->positionFromLineIndex(8, 0)));
+    EXPECT_FALSE(Marked(edit->positionFromLineIndex(10, 0)));
+}
+
+TEST_F(FoldingEditorTest, BracketsMatchOnlyInCode) {
+    Load(QString::fromLatin1(kUnit), 9, 5);
+    Settle();
+    edit->moveToMatchingBrace();
+    EXPECT_EQ(Caret(), std::make_pair(9, 12));
+    // The "(" of the comment is no bracket of the code: the caret stays.
+    edit->SetCaret(9, 17);
+    edit->moveToMatchingBrace();
+    EXPECT_EQ(Caret(), std::make_pair(9, 17));
+}
+
+} // namespace
+} // namespace test
+} // namespace velkor

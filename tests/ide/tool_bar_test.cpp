@@ -1,0 +1,146 @@
+// The toolbar: its buttons run the menu's commands on the active page, Save is there when the page is
+// modified, the icons are drawn at any size, and View › Toolbar hides it for this and the next session.
+#include "ide/edit_page.h"
+#include "ide/iff_view.h"
+#include "ide/main_window.h"
+#include "ide/tool_bar.h"
+#include "tests/ide/edit_page_test_support.h"
+
+#include <QAction>
+#include <QIcon>
+#include <QImage>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTest>
+
+#include <fstream>
+#include <functional>
+
+namespace velkor::test {
+namespace {
+
+class ToolBarTest : public PageTest {
+protected:
+    static void Press(TfrmMain& window, const char* button) {
+        QAction* action = window.ToolBar().Button(QString::fromLatin1(button));
+        ASSERT_NE(action, nullptr) << button;
+        action->trigger();
+    }
+    static int OpaquePixels(const QImage& image) {
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x) count += qAlpha(image.pixel(x, y)) > 128;
+        return count;
+    }
+};
+
+TEST_F(ToolBarTest, ButtonsInOrderWithIconsAtEverySize) {
+    TfrmMain window({});
+    QStringList names;
+    for (QAction* action : window.ToolBar().actions())
+        names << (action->isSeparator() ? QStringLiteral("|") : action->objectName());
+    EXPECT_EQ(names, QStringList({"ToolNew", "ToolOpen", "ToolSave", "|", "ToolCompile", "ToolBuild", "|",
+                                  "ToolFind", "ToolSymbolBrowser"}));
+    for (const QString& name : names) {
+        if (name == u'|') continue;
+        const QIcon icon = window.ToolBar().Button(name)->icon();
+        ASSERT_FALSE(icon.isNull()) << name.toStdString();
+        for (int size : {16, 22, 64}) {
+            const QImage image = icon.pixmap(size, size).toImage();
+            EXPECT_EQ(image.width(), size) << name.toStdString();
+            // A drawing, not an empty square: at least a fifth of the square is covered.
+            EXPECT_GT(OpaquePixels(image), size * size / 5) << name.toStdString() << " at " << size;
+        }
+    }
+    EXPECT_EQ(window.ToolBar().Button(QStringLiteral("ToolBuild"))->toolTip(),
+              QStringLiteral("Compile & Build Iff (F9)"));
+}
+
+TEST_F(ToolBarTest, ButtonsRunTheMenuCommands) {
+    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
+    const std::string demo = MakeFile("Demo.pas", kDemoMission);
+    const std::string other = MakeFile("Other.pas", "unit Other;\r\n");
+    struct Case {
+        const char* Button;
+        std::function<void()> Before;
+        std::function<void(TfrmMain&)> Check;
+    };
+    const Case cases[] = {
+        {"ToolNew", {}, [](TfrmMain& w) { EXPECT_EQ(w.Pages().size(), 2); }},
+        {"ToolOpen", [&] { openAnswers_ << QString::fromStdString(other); },
+         [&](TfrmMain& w) { EXPECT_EQ(w.ActivePage(), w.FindPage(other)); }},
+        {"ToolCompile", {}, [](TfrmMain& w) { EXPECT_TRUE(w.IffView().Text().contains("Attack")); }},
+        {"ToolFind", {}, [&](TfrmMain&) { EXPECT_EQ(modalDialogNames_, QStringList{"SyntaxFindDialog"}); }},
+        {"ToolSymbolBrowser",
+         {},
+         [&](TfrmMain&) { EXPECT_EQ(modalDialogNames_, QStringList{"frmProcList"}); }},
+    };
+    for (const Case& c : cases) {
+        modalDialogNames_.clear();
+        TfrmMain window({QString::fromStdString(demo)});
+        if (c.Before) c.Before();
+        Press(window, c.Button);
+        ProcessEvents();
+        SCOPED_TRACE(c.Button);
+        c.Check(window);
+    }
+}
+
+TEST_F(ToolBarTest, SaveIsThereForAModifiedPage) {
+    const std::string demo = MakeFile("Demo.pas", kDemoMission);
+    TfrmMain window({QString::fromStdString(demo)});
+    QAction* save = window.ToolBar().Button(QStringLiteral("ToolSave"));
+    window.UpdatePageState();
+    EXPECT_FALSE(save->isEnabled());
+    TfrmEdit& page = *window.ActivePage();
+    page.Memo()->setCursorPosition(0, 0);
+    QTest::keyClicks(page.Memo(), QStringLiteral("// saved\r"));
+    window.UpdatePageState();
+    ASSERT_TRUE(save->isEnabled());
+    save->trigger();
+    EXPECT_FALSE(page.Modified());
+    std::ifstream file(demo, std::ios::binary);
+    std::string first;
+    std::getline(file, first);
+    EXPECT_EQ(first, "// saved\r");
+    EXPECT_FALSE(save->isEnabled());
+    // Without a page only New and Open are left.
+    window.CloseAll();
+    ProcessEvents();
+    window.UpdatePageState();
+    for (QAction* action : window.ToolBar().actions()) {
+        if (action->isSeparator()) continue;
+        const bool alwaysThere = action->objectName() == "ToolNew" || action->objectName() == "ToolOpen";
+        EXPECT_EQ(action->isEnabled(), alwaysThere) << action->objectName().toStdString();
+    }
+}
+
+TEST_F(ToolBarTest, TheViewMenuHidesItForThisAndTheNextSession) {
+    {
+        TfrmMain window({});
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        auto* view = window.menuBar()->findChild<QMenu*>(QStringLiteral("MenuView"));
+        ASSERT_NE(view, nullptr);
+        QAction* item = nullptr;
+        for (QAction* action : view->actions())
+            if (action->objectName() == "MenuViewToolBar") item = action;
+        ASSERT_NE(item, nullptr);
+        EXPECT_EQ(item->text(), QStringLiteral("&Toolbar"));
+        EXPECT_TRUE(item->isChecked());
+        EXPECT_TRUE(window.ToolBar().isVisible());
+        item->trigger();
+        EXPECT_FALSE(window.ToolBar().isVisible());
+        EXPECT_FALSE(item->isChecked());
+    }
+    TfrmMain next({});
+    next.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&next));
+    EXPECT_FALSE(next.ToolBar().isVisible());
+    next.ToolBar().ViewItem()->trigger();
+    EXPECT_TRUE(next.ToolBar().isVisible());
+    EXPECT_TRUE(TIniFile(IniPath()).ReadBool("main", "toolbar", false));
+}
+
+} // namespace
+} // namespace velkor::test
