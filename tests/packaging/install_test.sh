@@ -115,7 +115,7 @@ ide_pid=$!
 window=
 for _ in $(seq 1 120); do
     window=$(xwininfo -display "$display" -root -tree 2>/dev/null |
-        sed -n 's/^ *\(0x[0-9a-f]*\) "Velkor Console 3.0d (Compiler: 1.0 R24d)".*/\1/p' | head -1) || true
+        sed -n 's/^ *\(0x[0-9a-f]*\) "Velkor Console 3.0d (Compiler: 1.0 R24d)[^"]*".*/\1/p' | head -1) || true
     [ -n "$window" ] && break
     kill -0 "$ide_pid" 2>/dev/null || break
     sleep 0.5
