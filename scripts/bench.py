@@ -299,14 +299,19 @@ def run(cmd, cwd, stdout=None, outputs=()):
     out = open(os.path.join(cwd, stdout), "wb") if stdout else subprocess.DEVNULL
     peak_file = os.path.join(cwd, ".bench-peak")
     timed = [GNU_TIME, "-f", "%M", "-o", peak_file] + list(cmd) if GNU_TIME else cmd
+    # The messages go to a file: a pipe read only after the program ends would stop a program that writes
+    # more than the pipe holds (velkorc compile -v 2).
+    err_file = open(os.path.join(cwd, ".bench-stderr"), "w+b")
     t0 = time.perf_counter()
-    proc = subprocess.Popen(timed, cwd=cwd, stdout=out, stderr=subprocess.PIPE)
+    proc = subprocess.Popen(timed, cwd=cwd, stdout=out, stderr=err_file)
     _, status, usage = os.wait4(proc.pid, 0)
     secs = time.perf_counter() - t0
     if stdout:
         out.close()
-    err = proc.stderr.read().decode(errors="replace")
-    proc.stderr.close()
+    err_file.seek(0)
+    err = err_file.read().decode(errors="replace")
+    err_file.close()
+    os.remove(os.path.join(cwd, ".bench-stderr"))
     if os.waitstatus_to_exitcode(status) != 0:
         sys.exit(f"{' '.join(map(str, cmd))} failed:\n{err[:2000]}")
     # CPU time from wait4, which counts the program as a child of GNU time, to the microsecond; GNU time
