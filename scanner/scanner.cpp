@@ -316,16 +316,6 @@ std::string_view TScanner::NextTokenView() {
 
 namespace {
 
-// The value of a hexadecimal digit, 16 or more for anything else.
-constexpr auto kHexValues = [] {
-    std::array<std::uint8_t, 256> values{};
-    values.fill(0xFF);
-    for (int c = '0'; c <= '9'; ++c) values[c] = static_cast<std::uint8_t>(c - '0');
-    for (int c = 'a'; c <= 'f'; ++c) values[c] = static_cast<std::uint8_t>(c - 'a' + 10);
-    for (int c = 'A'; c <= 'F'; ++c) values[c] = static_cast<std::uint8_t>(c - 'A' + 10);
-    return values;
-}();
-
 // What SkipBlanks of either scanner may stop at or move over besides spaces: past anything else both stop.
 bool MaySkip(char c) {
     return c == '\t' || c == '\r' || c == '\n' || c == '#' || c == '/';
@@ -354,8 +344,8 @@ std::size_t TScanner::NextPlainNumbers(std::uint32_t max, std::span<std::uint32_
     auto plainNumber = [&](size_t p, std::uint32_t& value) -> size_t {
         // The commonest of all: "$" and two digits, then a blank.
         if (text[p] == '$' && p + 3 < last && (text[p + 3] == ' ' || text[p + 3] == '\r')) {
-            const std::uint32_t high = kHexValues[static_cast<unsigned char>(text[p + 1])];
-            const std::uint32_t low = kHexValues[static_cast<unsigned char>(text[p + 2])];
+            const std::uint32_t high = kHexDigitValues[static_cast<unsigned char>(text[p + 1])];
+            const std::uint32_t low = kHexDigitValues[static_cast<unsigned char>(text[p + 2])];
             if ((high | low) > 15 || (high << 4 | low) > max) return 0;
             value = high << 4 | low;
             return p + 3;
@@ -369,7 +359,7 @@ std::size_t TScanner::NextPlainNumbers(std::uint32_t max, std::span<std::uint32_
             if (i - p < 2 || i - p > 9) return 0;
             std::uint32_t digits = 0; // every digit's value or'ed: above 15 when one was none
             for (size_t k = p + 1; k < i; ++k) {
-                const std::uint32_t d = kHexValues[static_cast<unsigned char>(text[k])];
+                const std::uint32_t d = kHexDigitValues[static_cast<unsigned char>(text[k])];
                 digits |= d;
                 v = v << 4 | (d & 15);
             }
