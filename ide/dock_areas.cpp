@@ -1,11 +1,14 @@
 // The two dock areas of the main window: "PageControl2" on the left and "PageControl1" at the bottom,
 // where the tool views dock as tabs, and the views' saved placement.
+#include "ide/file_tree_view.h"
+#include "ide/find_in_files.h"
 #include "ide/help_view.h"
 #include "ide/ide_ini.h"
 #include "ide/iff_view.h"
 #include "ide/main_window.h"
 #include "ide/map_view.h"
 #include "ide/output_view.h"
+#include "ide/problems_view.h"
 #include "ide/window_placement.h"
 
 #include <QTabBar>
@@ -30,7 +33,7 @@ Qt::DockWidgetArea AreaOf(const std::string& site) {
 } // namespace
 
 QList<TDockableView*> TfrmMain::Views() const {
-    return {output_, iff_, help_, map_};
+    return {output_, iff_, help_, map_, problems_, files_, findInFiles_};
 }
 
 void TfrmMain::CreateDockAreas() {
@@ -106,6 +109,13 @@ void TfrmMain::RestoreViewPlacements() {
             defaults.Width = 360;
             defaults.Visible = false;
         }
+        if (view == problems_ || view == findInFiles_) defaults.Visible = false; // when asked for
+        if (view == files_) { // tabbed with the map, as wide
+            defaults.Site = kSideSite;
+            defaults.Width = 360;
+            defaults.Visible = false;
+        }
+
         const TDockPlacement placement = ReadDockPlacement(FromQ(view->objectName()), defaults);
         DockView(*view, placement.Site);
         if (placement.Site.empty() && placement.Width > 0 && placement.Height > 0)

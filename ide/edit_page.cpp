@@ -4,6 +4,7 @@
 #include "compiler/symbol_table.h"
 #include "ide/background_job.h"
 #include "ide/code_assist.h"
+#include "ide/completion_popup.h"
 #include "ide/help_view.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
@@ -100,6 +101,7 @@ TfrmEdit::TfrmEdit(TPageHost& host, QWidget* parent)
     autosave_ = IdeIni().ReadBool("editor", "autosave", false);
     // The editor control attaches the language's highlighter and its colours itself.
     assist_ = std::make_unique<CodeAssist>(*this, host_, *memo_);
+    completion_ = new TCompletionPopup(*this, *memo_);
     BuildContextMenu();
     connect(memo_, &TPageEditor::GotoRequested, this, [this](bool) { GotoLine(); });
     memo_->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -323,7 +325,7 @@ bool TfrmEdit::Compile() {
             linked = compiler.Link();
         });
         if (!ran) return false;
-        host_.IffView().SetText(ToQ(linked));
+        host_.IffView().SetTextUtf8(linked);
     } catch (const std::exception& e) {
         success = false;
         const int line = compiler.ErrorLine; // from 1; the editor counts from 0
@@ -342,6 +344,7 @@ bool TfrmEdit::Compile() {
         for (const std::string& path : compiler.SearchPath) searchPath += path + "\r\n";
         assist_->SetSearchPathText(std::move(searchPath));
     }
+    emit Compiled(success);
     return success;
 }
 
@@ -372,7 +375,9 @@ void TfrmEdit::GotoLine() {
     const auto line =
         DialogHooks().AskInteger(this, QStringLiteral("Go to Line Number"),
                                  QStringLiteral("Enter new line number:"), memo_->CaretLine() + 1);
-    if (line) memo_->SetCaret(*line - 1, 0);
+    if (!line) return;
+    host_.JumpStarting(*this);
+    memo_->SetCaret(*line - 1, 0);
 }
 
 void TfrmEdit::TopicSearch() {

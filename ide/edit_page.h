@@ -20,6 +20,7 @@ class QMenu;
 namespace velkor {
 
 class CodeAssist;
+class TCompletionPopup;
 class TPageHost;
 class TSymbolTable;
 struct TSymbol;
@@ -123,6 +124,8 @@ public:
     void HintTimerTick();
     bool Typed() const;
     CodeAssist& Assist() const { return *assist_; }
+    // Completion as you type (completion_popup.h).
+    TCompletionPopup& Completion() const { return *completion_; }
 
     // Enables the context menu's items by the editor's state and rebuilds the topic caption.
     void RefreshContextMenu();
@@ -141,6 +144,8 @@ public:
 
 signals:
     void CaptionChanged();
+    // A compile of the page has ended (not one refused because other work was running).
+    void Compiled(bool success);
 
 private:
     void BuildContextMenu();
@@ -157,6 +162,8 @@ private:
     bool autosave_ = false;              // save before every compile
     std::unique_ptr<CodeAssist> assist_; // code assistance of the page
     unsigned lastSearchOptions_ = 0;     // option bits of the last find or replace
+
+    TCompletionPopup* completion_ = nullptr; // completion as you type, owned as a child
 };
 
 // The compiler options of section "compiler" as a compile reads them (defaults: verbosity 1, no optimiser,

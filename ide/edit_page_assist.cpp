@@ -5,6 +5,7 @@
 #include "ide/code_assist.h"
 #include "ide/edit_page.h"
 #include "ide/ide_dialogs.h"
+#include "ide/page_host.h"
 #include "ide/proc_list.h"
 
 namespace velkor {
@@ -16,9 +17,11 @@ std::optional<TSymbol> TfrmEdit::SymbolAtCursor() const {
     return assist_->SymbolAtCursor();
 }
 void TfrmEdit::FindDeclaration() {
-    assist_->FindDeclaration();
+    // Through the page, so that the jump is kept for going back.
+    if (const auto symbol = SymbolAtCursor()) GotoDeclaration(*symbol);
 }
 void TfrmEdit::GotoDeclaration(const TSymbol& symbol) {
+    host_.JumpStarting(*this);
     assist_->GotoDeclaration(symbol);
 }
 void TfrmEdit::ShowDeclarationLine(int line) {

@@ -54,7 +54,7 @@ std::filesystem::path UnitFolderOf(const std::string& pageFile) {
 void BuildIffFromView(TPageHost& host, const std::filesystem::path& baseFolder,
                       const std::filesystem::path& unitFolder) {
     QApplication::setOverrideCursor(Qt::BusyCursor);
-    std::string source = FromQ(host.IffView().Text());
+    std::string source = host.IffView().TextUtf8();
     int verbosity = 1;
     try {
         verbosity = ReadCompileSettings().Verbosity;

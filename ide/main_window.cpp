@@ -9,6 +9,7 @@
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
 #include "ide/map_view.h"
+#include "ide/nav_history.h"
 #include "ide/output_view.h"
 #include "ide/reg_mru.h"
 #include "ide/settings_dialog.h"
@@ -121,15 +122,19 @@ TfrmMain::TfrmMain(const QStringList& files, QWidget* parent) : QMainWindow(pare
     CreateMenus();
     ConnectMenus();
     CreateWindowActions();
+    CreateProblemTracking();
+    CreateNavigation();
+    CreateProjectViews();
     connect(output_, &TfrmOutput::LocationRequested, this, &TfrmMain::GotoMessage);
     CreateDockAreas();
     RestoreViewPlacements();
     LoadSpecialDecoderFlags();
 
     maxDecodeSize_ = IdeIni().ReadInteger("iffd", "maxdecodesize", 1024);
+    const bool restored = RestoreSession(files.isEmpty());
     if (!files.isEmpty()) {
         for (const QString& file : files) OpenFile(FromQ(file), true);
-    } else {
+    } else if (!restored) {
         NewPage();
     }
     timer1_->start();
@@ -180,9 +185,12 @@ void TfrmMain::AddPage(TfrmEdit& page) {
         if (p == ActivePage()) UpdatePageState();
     });
     WatchPage(page);
+    connect(&page, &TfrmEdit::Compiled, this, [this, p = &page] { PageCompiled(*p); });
+    PlaceProblemMarkers(page);
 }
 
 void TfrmMain::RemovePage(TfrmEdit& page) {
+    ForgetProblemsOf(page);
     pages_.removeAll(&page);
     const int index = editorTabs_->indexOf(&page);
     if (index >= 0) editorTabs_->removeTab(index);
@@ -399,6 +407,7 @@ void TfrmMain::closeEvent(QCloseEvent* event) {
     try {
         SaveFormPlacement(*this);
         SaveViewPlacements();
+        SaveSession();
         // Spelled so in every settings file written so far; stored for others, never read here.
         IdeIni().WriteInteger("main", "pheigth", DockAreaSize("PageControl1"));
     } catch (const std::exception&) {

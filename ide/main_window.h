@@ -10,6 +10,7 @@
 #include <QPointer>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 class QAction;
@@ -27,7 +28,11 @@ class QToolButton;
 namespace velkor {
 
 class TDockableView;
+class TfrmFileTree;
+class TfrmFindInFiles;
 class TfrmMapView;
+class TfrmProblems;
+class TNavHistory;
 class TRegMru;
 
 class TfrmMain : public QMainWindow, public TPageHost {
@@ -130,6 +135,35 @@ public:
     // Asks every page's save question; false as soon as one answers Cancel.
     bool CloseQuery();
 
+    // --- the problems of each page's last compile (problem_tracking.cpp)
+    TfrmProblems& ProblemsView() { return *problems_; }
+    // Lists the errors and hints of the compile just ended and marks them in the pages.
+    void PageCompiled(TfrmEdit& page);
+    // Opens the place of a problem (where its mark is now); false when its file is not found.
+    bool GotoProblem(int entry);
+
+    // --- navigation history (navigation.cpp): "ActionNavigateBack" (Alt+Left), "ActionNavigateForward"
+    // (Alt+Right)
+    void JumpStarting(TfrmEdit& page) override;
+    bool NavigateBack();
+    bool NavigateForward();
+    TNavHistory& Navigation() const { return *navigation_; }
+
+    // --- the project at hand (project_views.cpp): the Files view and Find in Files (Shift+Ctrl+F)
+    TfrmFileTree& FileTreeView() { return *files_; }
+    TfrmFindInFiles& FindInFilesView() { return *findInFiles_; }
+    // The folders the Files view shows for the active page: its own folder, then its search path.
+    QStringList ProjectFolders() const;
+    void UpdateFileTree();
+    // Opens a file at a line (from 1), as a jump that can be gone back from; false when it cannot be
+    // opened.
+    bool OpenAt(const QString& file, int line);
+
+    // --- the last session (session.cpp): pages, carets and the dock layout
+    void SaveSession();
+    // Brings back the dock layout and, with `pages`, the pages; false when no page was opened.
+    bool RestoreSession(bool pages);
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -158,6 +192,11 @@ private:
     // `existed`: the text file stood there before the decode, so a failed decode must not remove it.
     void OpenDecodedText(const std::string& textFile, const QString& error, bool existed);
     QList<TDockableView*> Views() const;
+    void CreateProblemTracking();
+    void PlaceProblemMarkers(TfrmEdit& page);
+    void ForgetProblemsOf(TfrmEdit& page);
+    void CreateNavigation();
+    void CreateProjectViews();
 
     TfrmHelp* help_;                    // the help view, owned as a child
     TfrmIffView* iff_;                  // the IFF view, owned as a child
@@ -179,6 +218,11 @@ private:
     bool firstShown_ = false;           // the first show has run
     bool closeQueryRunning_ = false;    // the close query is asking
     bool closeAfterJob_ = false;        // the window was closed while work ran: close when it ends
+
+    TfrmProblems* problems_ = nullptr;        // the problems of the compiles, owned as a child
+    std::unique_ptr<TNavHistory> navigation_; // places to go back and forward to
+    TfrmFileTree* files_ = nullptr;           // the Files view, owned as a child
+    TfrmFindInFiles* findInFiles_ = nullptr;  // Find in Files, owned as a child
 };
 
 } // namespace velkor

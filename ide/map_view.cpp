@@ -13,7 +13,6 @@
 
 #include <QAction>
 #include <QActionGroup>
-#include <QPlainTextEdit>
 #include <QTabWidget>
 #include <QTimer>
 #include <QToolBar>
@@ -81,7 +80,7 @@ TfrmMapView::TfrmMapView(TfrmMain& main)
     refresh_->setSingleShot(true);
     refresh_->setInterval(kRefreshDelayMs);
     connect(refresh_, &QTimer::timeout, this, &TfrmMapView::Refresh);
-    connect(main_.IffView().MemoIff(), &QPlainTextEdit::textChanged, this, [this] {
+    connect(&main_.IffView(), &TfrmIffView::TextChanged, this, [this] {
         compiledPage_ = main_.ActivePage();
         ScheduleRefresh();
     });
@@ -112,8 +111,8 @@ void TfrmMapView::Refresh() {
         source = MapObjectsFromText(FromQ(page->Text()), FolderOf(page));
         shownPage_ = page;
         fromPageText_ = true;
-    } else if (const QString text = main_.IffView().Text(); !text.trimmed().isEmpty()) {
-        source = MapObjectsFromText(FromQ(text), FolderOf(compiledPage_));
+    } else if (const std::string text = main_.IffView().TextUtf8(); !Trim(text).empty()) {
+        source = MapObjectsFromText(text, FolderOf(compiledPage_));
         shownPage_ = compiledPage_;
         fromPageText_ = false;
     } else {

@@ -9,6 +9,7 @@
 
 #include <QFileInfo>
 #include <QLabel>
+#include <QPointer>
 
 namespace velkor {
 
@@ -27,6 +28,8 @@ bool TfrmMain::GotoMessage(int row) {
     const std::optional<TMessageLocation> at = ParseMessageLocation(lines[row]);
     if (!at) return false;
 
+    // The page the jump leaves: opening the unit may close an empty one.
+    const QPointer<TfrmEdit> from = ActivePage();
     TfrmEdit* page = nullptr;
     if (SameName(at->UnitName, output_->OriginUnit())) page = FindPage(output_->OriginFile());
     if (!page) {
@@ -46,6 +49,7 @@ bool TfrmMain::GotoMessage(int row) {
         panel0_->setText(QStringLiteral("Unit %1 not found").arg(at->UnitName));
         return false;
     }
+    if (from && (from == page || !from->Text().trimmed().isEmpty())) JumpStarting(*from);
     ActivatePage(*page);
     TPageEditor& memo = *page->Memo();
     const int line = std::min(at->Line, std::max(1, memo.lines())) - 1; // the editor counts from 0

@@ -32,6 +32,9 @@ public:
     // progress and a way to stop it meanwhile.
     virtual void JobStarted(const QString& caption) { static_cast<void>(caption); }
     virtual void JobFinished() {}
+    // The page's caret is about to jump (Find Declaration, Go to Line, a symbol list): the place it leaves
+    // is kept for going back.
+    virtual void JumpStarting(TfrmEdit& page) { static_cast<void>(page); }
 };
 
 } // namespace velkor

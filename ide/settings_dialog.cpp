@@ -113,6 +113,8 @@ QWidget* TfrmSettings::CreateGeneralTab() {
     row->addWidget(EditSoPath, 1);
     row->addWidget(browse);
     layout->addLayout(row);
+    cbRestoreSession = NamedCheckBox("cbRestoreSession", "Reopen the last session's pages at start", tab);
+    layout->addWidget(cbRestoreSession);
     layout->addStretch();
     return tab;
 }
@@ -214,6 +216,7 @@ void TfrmSettings::BrowseSoPath() {
 void TfrmSettings::ReadSettings() {
     const TIniFile ini = IdeIni();
     EditSoPath->setText(ToQ(ini.ReadString("main", "sopath", GameFolderSecretOps())));
+    cbRestoreSession->setChecked(ini.ReadBool("main", "restore_session", true));
     EditMaxDecodeSize->setText(QString::number(ini.ReadInteger("iffd", "maxdecodesize", 1024)));
 
     const std::vector<std::string> autoload = ini.ReadSection("autoloadext");
@@ -254,6 +257,7 @@ void TfrmSettings::ReadSettings() {
 void TfrmSettings::WriteSettings() {
     TIniFile ini = IdeIni();
     ini.WriteString("main", "sopath", FromQ(EditSoPath->text()));
+    ini.WriteBool("main", "restore_session", cbRestoreSession->isChecked());
     ini.WriteInteger("iffd", "maxdecodesize", StrToIntDef(FromQ(EditMaxDecodeSize->text().trimmed()), 1024));
 
     ini.EraseSection("autoloadext");

@@ -23,6 +23,7 @@ public:
 
     // Controls by their object names, for the main window and tests.
     QLineEdit* EditSoPath;
+    QCheckBox* cbRestoreSession; // reopen the last session's pages and docks at start
     QRadioButton* rgVerbosity[4];
     QCheckBox* cbHaltOnError;
     QCheckBox* cbOptimizer;

@@ -60,33 +60,29 @@ void TIffStringList::LoadFromStream(std::span<const std::uint8_t> bytes) {
 }
 
 void TIffStringList::SaveToFile(const std::filesystem::path& fileName) {
-    TIffWriter writer(ResolvePath(fileName.string()), TIffWriter::ToFile);
-    try {
-        const std::size_t count = Lines.size();
-        writer.OpenForm("DATA");
-        writer.OpenForm("LANG");
-        writer.OpenChunk("INFO");
-        WriteInfoText(writer, InfoText1);
-        writer.WriteLong(InfoValue1);
-        writer.WriteLong(InfoValue2);
-        WriteInfoText(writer, InfoText2);
-        writer.WriteLong(InfoValue3);
-        writer.WriteLong(static_cast<std::int32_t>(count));
-        writer.CloseChunk();
-        writer.OpenChunk("TEXT");
-        Lines.reserve(count * 2);
-        for (std::size_t i = 0; i < count; ++i) {
-            writer.WriteCString(Lines[i]);
-            Lines.emplace_back(); // kept from the original: every save grows the list by its own length
-        }
-        writer.CloseChunk();
-        writer.CloseForm();
-        writer.CloseForm();
-        writer.Close();
-    } catch (...) {
-        writer.Discard();
-        throw;
+    // Built in memory and written in one atomic step at Close: a save that fails leaves the old file whole.
+    TIffWriter writer(ResolvePath(fileName.string()), TIffWriter::InMemory);
+    const std::size_t count = Lines.size();
+    writer.OpenForm("DATA");
+    writer.OpenForm("LANG");
+    writer.OpenChunk("INFO");
+    WriteInfoText(writer, InfoText1);
+    writer.WriteLong(InfoValue1);
+    writer.WriteLong(InfoValue2);
+    WriteInfoText(writer, InfoText2);
+    writer.WriteLong(InfoValue3);
+    writer.WriteLong(static_cast<std::int32_t>(count));
+    writer.CloseChunk();
+    writer.OpenChunk("TEXT");
+    Lines.reserve(count * 2);
+    for (std::size_t i = 0; i < count; ++i) {
+        writer.WriteCString(Lines[i]);
+        Lines.emplace_back(); // kept from the original: every save grows the list by its own length
     }
+    writer.CloseChunk();
+    writer.CloseForm();
+    writer.CloseForm();
+    writer.Close();
 }
 
 void TIffStringList::SaveToStream(ByteStream&) {

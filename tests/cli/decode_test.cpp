@@ -207,7 +207,8 @@ TEST(VelkorcDecode, TruncatedAndOddFilesDecodeAndSaySo) {
     const std::string whole = Form("TEST", Chunk("DATA", "\x01\x02\x03\x04") + Chunk("MORE", "\x05\x06"));
     WriteFile(dir / "cut.iff", whole.substr(0, 24));
     WriteFile(dir / "odd.iff", "FORM" + Be(17) + "TEST" + Chunk("ABCD", "\x01\x02\x03\x04\x05"));
-    WriteFile(dir / "nul.iff", Form("TEST", std::string("N\0ME", 4) + Be(8) + "abcd"));
+    // Not "nul.iff": on Windows that names the null device.
+    WriteFile(dir / "zero.iff", Form("TEST", std::string("N\0ME", 4) + Be(8) + "abcd"));
     const ToolResult r = RunVelkorc({"decode", "cut.iff", "odd.iff"}, dir.path());
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_EQ(r.out, "");
@@ -224,10 +225,10 @@ TEST(VelkorcDecode, TruncatedAndOddFilesDecodeAndSaySo) {
     odd[7] = 18;
     EXPECT_EQ(ReadFile(dir / "back" / "odd.iff"), odd);
 
-    const ToolResult nul = RunVelkorc({"decode", "nul.iff"}, dir.path());
+    const ToolResult nul = RunVelkorc({"decode", "zero.iff"}, dir.path());
     EXPECT_EQ(nul.exitCode, 2);
     EXPECT_EQ(nul.err,
-              "velkorc: nul.iff: TIffReader: Chunk (N\\x00ME) at offset 0000000C runs past the end of the "
+              "velkorc: zero.iff: TIffReader: Chunk (N\\x00ME) at offset 0000000C runs past the end of the "
               "data!\n");
 }
 

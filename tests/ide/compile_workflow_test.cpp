@@ -38,24 +38,6 @@ protected:
     }
 };
 
-// A unit with three errors in three statements and an include whose function has one more.
-constexpr const char* kBroken = "mission Broken;\r\n"     // 1
-                                "include \"faulty\";\r\n" // 2
-                                "var a;\r\n"              // 3
-                                "function Main;\r\n"      // 4
-                                "begin\r\n"               // 5
-                                "  a := 1 +;\r\n"         // 6
-                                "  a := );\r\n"           // 7
-                                "  a := Faulty(1);\r\n"   // 8
-                                "  nosuchthing(a);\r\n"   // 9
-                                "end;\r\n";               // 10
-constexpr const char* kFaulty = "unit Faulty;\r\n"        // 1
-                                "\r\n"                    // 2
-                                "function Faulty(x);\r\n" // 3
-                                "begin\r\n"               // 4
-                                "  result := x *;\r\n"    // 5
-                                "end;\r\n";               // 6
-
 TEST_F(CompileWorkflowTest, WorkRunsBesideTheWindowWhichShowsItAndCanStopIt) {
     TfrmMain window({});
     window.show();
@@ -192,15 +174,7 @@ TEST_F(CompileWorkflowTest, ADoubleClickOpensTheUnitOfTheMessageAtItsLine) {
     list->scrollTo(output.Model().index(inInclude));
     const QPoint at = list->visualRect(output.Model().index(inInclude)).center();
     ASSERT_EQ(list->indexAt(at).row(), inInclude);
-    // The events of a double click, straight to the list (the window may hold another view on top).
-    const QPointF global = list->viewport()->mapToGlobal(QPointF(at));
-    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
-                                    QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
-        const bool down = type != QEvent::MouseButtonRelease;
-        QMouseEvent click(type, QPointF(at), global, Qt::LeftButton, down ? Qt::LeftButton : Qt::NoButton,
-                          Qt::NoModifier);
-        QApplication::sendEvent(list->viewport(), &click);
-    }
+    DoubleClick(*list->viewport(), at);
     TfrmEdit* opened = window.ActivePage();
     ASSERT_NE(opened, nullptr);
 

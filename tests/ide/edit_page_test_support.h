@@ -55,6 +55,24 @@ inline constexpr const char* kHelpersUnit = "unit Helpers;\r\n"           // 1
                                             "  result := amount * 2;\r\n" // 8
                                             "end;\r\n";                   // 9
 
+// A unit with three errors in three statements and an include whose function has one more.
+inline constexpr const char* kBroken = "mission Broken;\r\n"     // 1
+                                       "include \"faulty\";\r\n" // 2
+                                       "var a;\r\n"              // 3
+                                       "function Main;\r\n"      // 4
+                                       "begin\r\n"               // 5
+                                       "  a := 1 +;\r\n"         // 6
+                                       "  a := );\r\n"           // 7
+                                       "  a := Faulty(1);\r\n"   // 8
+                                       "  nosuchthing(a);\r\n"   // 9
+                                       "end;\r\n";               // 10
+inline constexpr const char* kFaulty = "unit Faulty;\r\n"        // 1
+                                       "\r\n"                    // 2
+                                       "function Faulty(x);\r\n" // 3
+                                       "begin\r\n"               // 4
+                                       "  result := x *;\r\n"    // 5
+                                       "end;\r\n";               // 6
+
 class PageTest : public IdeTest {
 protected:
     void SetUp() override {

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QMouseEvent>
 
 #include <cstdlib>
 
@@ -13,6 +14,17 @@ namespace velkor::test {
 void EnsureApplication() {
     // main() below made it; the application must outlive every test and go before static destructors.
     ASSERT_NE(QApplication::instance(), nullptr);
+}
+
+void DoubleClick(QWidget& widget, const QPoint& at) {
+    const QPointF global = widget.mapToGlobal(QPointF(at));
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
+                                    QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+        const bool down = type != QEvent::MouseButtonRelease;
+        QMouseEvent click(type, QPointF(at), global, Qt::LeftButton, down ? Qt::LeftButton : Qt::NoButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(&widget, &click);
+    }
 }
 
 void IdeTest::SetUp() {

@@ -5,6 +5,7 @@
 #include "ide/ide_dialogs.h"
 #include "tests/support/run_tool.h"
 
+#include <QPoint>
 #include <QStringList>
 
 #include <gtest/gtest.h>
@@ -14,10 +15,16 @@
 #include <memory>
 #include <string>
 
+class QWidget;
+
 namespace velkor::test {
 
 // The application exists (made by the test program's main).
 void EnsureApplication();
+
+// The events of a double click at a point of a widget, sent straight to it (the window may hold another
+// view on top of it).
+void DoubleClick(QWidget& widget, const QPoint& at);
 
 class IdeTest : public ::testing::Test {
 protected:

@@ -303,9 +303,7 @@ TEST_F(MainWindowTest, TimerShowsTheCaretInTheStatusBarAndTheIffCaption) {
     window.ActivePage()->Memo()->SetText(QStringLiteral("abc\ndef"));
     window.ActivePage()->Memo()->SetCaret(1, 2);
     window.IffView().SetText(QStringLiteral("IFF\n\tFORM"));
-    QTextCursor cursor = window.IffView().MemoIff()->textCursor();
-    cursor.setPosition(6); // line 2, after the tab and "F"
-    window.IffView().MemoIff()->setTextCursor(cursor);
+    window.IffView().SetCaret(1, 2); // after the tab and "F"
     window.TimerTick();
     EXPECT_EQ(window.StatusPanelText(1), QStringLiteral("2:3"));
     EXPECT_EQ(window.IffView().windowTitle(), QStringLiteral("Iff [2:3]"));

@@ -9,8 +9,8 @@
 #include "tests/ide/ide_test_support.h"
 
 #include <QListWidget>
-#include <QPlainTextEdit>
 #include <QTextBrowser>
+#include <Qsci/qsciscintilla.h>
 
 namespace velkor::test {
 namespace {
@@ -147,9 +147,12 @@ TEST_F(ViewsTest, OutputListAndIffViewBasics) {
     EXPECT_EQ(output.CurrentRow(), 199);
     output.Clear();
     EXPECT_TRUE(output.Lines().isEmpty());
-    // A tab stop of two dialog units: half an average character.
-    QPlainTextEdit* memo = window.IffView().MemoIff();
-    EXPECT_NEAR(memo->tabStopDistance(), QFontMetricsF(memo->font()).averageCharWidth() / 2.0, 0.01);
+    // Tab stops of two dialog units: as close as whole characters come, one character.
+    EXPECT_EQ(window.IffView().MemoIff()->tabWidth(), 1);
+    // What a compile puts there comes back byte for byte, a zero byte and text after it included.
+    const std::string text("IFF \"a\"\r\n{ CSTRING \"\0\xC3\xA9\" }\r\n", 28);
+    window.IffView().SetTextUtf8(text);
+    EXPECT_EQ(window.IffView().TextUtf8(), text);
 }
 
 } // namespace

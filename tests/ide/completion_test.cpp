@@ -1,0 +1,213 @@
+// Completion as you type on a compiled page: the list opens after two characters of a word, offers the
+// compile's symbols, the game functions and the keywords with their kinds, narrows as the word grows, and
+// Enter or Tab inserts the chosen entry. Code intelligence switched off switches it off too.
+#include "compiler/symbol_table.h"
+#include "ide/completion_popup.h"
+#include "ide/edit_page.h"
+#include "ide/ide_ini.h"
+#include "ide/main_window.h"
+#include "ide/output_view.h"
+#include "tests/ide/edit_page_test_support.h"
+
+#include <QImage>
+#include <QLabel>
+#include <QListWidget>
+#include <QPainter>
+#include <QTest>
+
+#include <cstdlib>
+
+namespace velkor::test {
+namespace {
+
+class CompletionTest : public PageTest {
+protected:
+    TfrmEdit* OpenDemo(TfrmMain& window) {
+        TfrmEdit* page = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
+        if (!page) return nullptr;
+        if (!page->Compile()) {
+            ADD_FAILURE() << window.OutputView().Lines().join(u'\n').toStdString();
+            return nullptr;
+        }
+        // A fresh line inside Tick's body to type on.
+        page->Memo()->SetCaret(16, 0);
+        page->Memo()->insert(QStringLiteral("  \r\n"));
+        page->Memo()->SetCaret(16, 2);
+        return page;
+    }
+    static QStringList Rows(const TCompletionPopup& popup) {
+        QStringList rows;
+        for (int i = 0; i < popup.List()->count(); ++i) rows << popup.List()->item(i)->text();
+        return rows;
+    }
+    static QString Row(const char* name, const char* kind) {
+        return QString::fromLatin1(name) + QStringLiteral("  \u2014 ") + QString::fromLatin1(kind);
+    }
+};
+
+TEST_F(CompletionTest, CandidatesAreTheSymbolsAndKeywordsWithTheirKinds) {
+    TfrmMain window({});
+    TfrmEdit* page = OpenDemo(window);
+    ASSERT_NE(page, nullptr);
+    const std::vector<TCompletion> all = CompletionCandidates(page->Symbols().get());
+    struct Case {
+        const char* Prefix;
+        std::vector<std::pair<const char*, const char*>> Expected; // name and kind, in order
+    };
+    const Case cases[] = {
+        {"att", {{"Attack", "Function"}}},
+        {"EXP", {{"Explode", "Game function"}}},
+        // A constant is offered as the symbol browser inserts it: its name upper-cased.
+        {"ship", {{"shipBonus", "Variable"}, {"SHIPCOUNT", "Constant"}, {"shipsLeft", "Variable"}}},
+        {"alp", {{"Alpha", "Object"}}},
+        {"firstw", {{"firstwave", "Objective"}}},
+        {"begi", {{"begin", "Keyword"}}},
+        {"zzz", {}},
+    };
+    for (const Case& c : cases) {
+        const auto [first, last] = CompletionRange(all, QString::fromLatin1(c.Prefix));
+        std::vector<std::pair<std::string, std::string>> found;
+        for (std::size_t i = first; i < last; ++i) found.emplace_back(FromQ(all[i].Name), FromQ(all[i].Kind));
+        std::vector<std::pair<std::string, std::string>> expected;
+        for (const auto& [name, kind] : c.Expected) expected.emplace_back(name, kind);
+        EXPECT_EQ(found, expected) << c.Prefix;
+    }
+    // A name is offered once, and without a compile the keywords are still there.
+    const std::vector<TCompletion> bare = CompletionCandidates(nullptr);
+    ASSERT_FALSE(bare.empty());
+    for (const TCompletion& c : bare) EXPECT_EQ(c.Kind, QStringLiteral("Keyword"));
+    for (std::size_t i = 1; i < all.size(); ++i) EXPECT_LT(all[i - 1].Key, all[i].Key);
+}
+
+TEST_F(CompletionTest, TheListOpensAfterTwoCharactersNarrowsAndInserts) {
+    TfrmMain window({});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    TfrmEdit* page = OpenDemo(window);
+    ASSERT_NE(page, nullptr);
+    TPageEditor* memo = page->Memo();
+    memo->setFocus();
+    TCompletionPopup& popup = page->Completion();
+
+    QTest::keyClicks(memo, QStringLiteral("s"));
+    EXPECT_FALSE(popup.IsOpen());
+    QTest::keyClicks(memo, QStringLiteral("h"));
+    ASSERT_TRUE(popup.IsOpen());
+    EXPECT_TRUE(Rows(popup).contains(Row("SHIPCOUNT", "Constant")));
+    EXPECT_TRUE(Rows(popup).contains(Row("shipBonus", "Variable")));
+    QTest::keyClicks(memo, QStringLiteral("ipc"));
+    EXPECT_EQ(Rows(popup), QStringList{Row("SHIPCOUNT", "Constant")});
+    // Backspace widens it again, the chosen entry staying chosen.
+    QTest::keyClick(memo, Qt::Key_Backspace);
+    ProcessEvents();
+    EXPECT_EQ(Rows(popup).size(), 3);
+    EXPECT_EQ(popup.List()->currentRow(), 1);
+    QTest::keyClick(memo, Qt::Key_Up);
+    QTest::keyClick(memo, Qt::Key_Down);
+    QTest::keyClick(memo, Qt::Key_Down);
+    EXPECT_EQ(popup.List()->currentRow(), 2);
+    QTest::keyClick(memo, Qt::Key_Return);
+    EXPECT_FALSE(popup.IsOpen());
+    EXPECT_EQ(memo->LineText(16), QStringLiteral("  shipsLeft"));
+
+    // Tab inserts too; a function gets its bracket, as the symbol browser gives it.
+    QTest::keyClicks(memo, QStringLiteral(" + at"));
+    ASSERT_TRUE(popup.IsOpen());
+    QTest::keyClick(memo, Qt::Key_Tab);
+    EXPECT_EQ(memo->LineText(16), QStringLiteral("  shipsLeft + Attack("));
+    page->CloseParameterHint();
+
+    // Escape closes; a character that ends the word closes too.
+    QTest::keyClicks(memo, QStringLiteral("ki"));
+    ASSERT_TRUE(popup.IsOpen());
+    QTest::keyClick(memo, Qt::Key_Escape);
+    EXPECT_FALSE(popup.IsOpen());
+    QTest::keyClicks(memo, QStringLiteral("l"));
+    ASSERT_TRUE(popup.IsOpen());
+    QTest::keyClicks(memo, QStringLiteral(","));
+    EXPECT_FALSE(popup.IsOpen());
+    EXPECT_EQ(memo->LineText(16), QStringLiteral("  shipsLeft + Attack(kil,"));
+    // A number is no word to complete, nor are the words of comments and strings.
+    QTest::keyClicks(memo, QStringLiteral(" 12"));
+    EXPECT_FALSE(popup.IsOpen());
+    for (const char* prose : {" // sh", " \"sh"}) {
+        QTest::keyClicks(memo, QString::fromLatin1(prose));
+        EXPECT_FALSE(popup.IsOpen()) << prose;
+    }
+}
+
+TEST_F(CompletionTest, KeywordsAreOfferedBeforeAnyCompile) {
+    TfrmMain window({});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    TfrmEdit* page = window.ActivePage();
+    page->Memo()->setFocus();
+    QTest::keyClicks(page->Memo(), QStringLiteral("beg"));
+    ASSERT_TRUE(page->Completion().IsOpen());
+    EXPECT_EQ(Rows(page->Completion()), QStringList{Row("begin", "Keyword")});
+    QTest::keyClick(page->Memo(), Qt::Key_Return);
+    EXPECT_EQ(page->Memo()->LineText(0), QStringLiteral("begin"));
+}
+
+TEST_F(CompletionTest, DisableIntelligenceSwitchesItOff) {
+    TIniFile(IniPath()).WriteBool("editor", "disable_intelligence", true);
+    TfrmMain window({});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    TfrmEdit* page = window.ActivePage();
+    page->Memo()->setFocus();
+    QTest::keyClicks(page->Memo(), QStringLiteral("beg"));
+    EXPECT_FALSE(page->Completion().IsOpen());
+    QTest::keyClick(page->Memo(), Qt::Key_Return);
+    EXPECT_EQ(page->Memo()->LineText(0), QStringLiteral("beg"));
+}
+
+TEST_F(CompletionTest, ScreenshotTheListOpensBelowTheWord) {
+    TfrmMain window({});
+    window.resize(900, 650);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    TfrmEdit* page = OpenDemo(window);
+    ASSERT_NE(page, nullptr);
+    TPageEditor* memo = page->Memo();
+    memo->setFocus();
+    QTest::keyClicks(memo, QStringLiteral("sh"));
+    TCompletionPopup& popup = page->Completion();
+    ASSERT_TRUE(popup.IsOpen());
+    ProcessEvents();
+    QListWidget* list = popup.List();
+    // Below the caret's line, starting at the word, every row readable.
+    const long at = memo->positionFromLineIndex(16, 2);
+    const QPoint word = memo->viewport()->mapToGlobal(
+        QPoint(static_cast<int>(memo->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0UL, at)),
+               static_cast<int>(memo->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0UL, at))));
+    const QRect shown(list->mapToGlobal(QPoint(0, 0)), list->size());
+    EXPECT_NEAR(shown.left(), word.x(), 4); // the list's frame may stand out
+    EXPECT_GT(shown.top(), word.y());
+    EXPECT_GE(shown.height(), list->count() * list->sizeHintForRow(0));
+    const QImage image = list->grab().toImage();
+    if (const char* dir = std::getenv("VELKOR_SCREENSHOT_DIR")) {
+        QImage whole = window.grab().toImage();
+        QPainter painter(&whole);
+        painter.drawImage(window.mapFromGlobal(shown.topLeft()), image);
+        painter.end();
+        whole.save(QString::fromLocal8Bit(dir) + QStringLiteral("/completion_popup.png"));
+    }
+    // Text is drawn in every row: dark pixels in each row's rectangle.
+    for (int row = 0; row < list->count(); ++row) {
+        const QRect rect = list->visualItemRect(list->item(row)).intersected(image.rect());
+        int dark = 0;
+        for (int y = rect.top(); y <= rect.bottom(); ++y) {
+            for (int x = rect.left(); x <= rect.right(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                if (c.lightness() < 100 ||
+                    (row == list->currentRow() && c != image.pixelColor(rect.topLeft())))
+                    ++dark;
+            }
+        }
+        EXPECT_GT(dark, 20) << "row " << row;
+    }
+}
+
+} // namespace
+} // namespace velkor::test

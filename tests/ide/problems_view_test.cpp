@@ -1,0 +1,248 @@
+// The Problems view and the editor's marks: every error and hint of each page's last compile, listed and
+// marked where it is, the marks following edits and replaced by the next compile; a double click goes to
+// the place. The look (red and blue marks in the margin and under the text) is checked on the pixels.
+#include "ide/edit_page.h"
+#include "ide/main_window.h"
+#include "ide/output_view.h"
+#include "ide/problem_markers.h"
+#include "ide/problems_view.h"
+#include "tests/ide/edit_page_test_support.h"
+
+#include <QAction>
+#include <QImage>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMouseEvent>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <cstdlib>
+
+namespace velkor::test {
+namespace {
+
+constexpr const char* kFixed = "mission Broken;\r\n"
+                               "var a;\r\n"
+                               "function Main;\r\n"
+                               "begin\r\n"
+                               "  a := 1;\r\n"
+                               "end;\r\n";
+
+class ProblemsTest : public PageTest {
+protected:
+    void SetUp() override {
+        PageTest::SetUp();
+        TIniFile(IniPath()).WriteBool("compiler", "haltonerror", false);
+        TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 3);
+        MakeFile("faulty.pas", kFaulty);
+    }
+    static QStringList Rows(const TfrmProblems& view) {
+        QStringList rows;
+        const QTreeWidget* tree = view.ProblemList();
+        for (int i = 0; i < tree->topLevelItemCount(); ++i) {
+            const QTreeWidgetItem* item = tree->topLevelItem(i);
+            rows << item->text(0) + u':' + item->text(1);
+        }
+        return rows;
+    }
+    static void Keep(const QImage& image, const char* name) {
+        if (const char* dir = std::getenv("VELKOR_SCREENSHOT_DIR"))
+            image.save(QString::fromLocal8Bit(dir) + u'/' + QString::fromLatin1(name));
+    }
+};
+
+TEST(CollectProblemsTest, ErrorsAndHintsWithAPlaceAreProblems) {
+    struct Case {
+        const char* Line;
+        int Count;         // problems found in it
+        const char* Unit;  // expected unit
+        int At;            // expected line
+        const char* Text;  // expected text
+        TMessageKind Kind; // expected kind
+    };
+    const Case cases[] = {
+        {"[Broken, 6] ERROR: expected an operand", 1, "Broken", 6, "ERROR: expected an operand",
+         TMessageKind::Error},
+        {"[demo, 12] HINT: /x doesn't exist", 1, "demo", 12, "HINT: /x doesn't exist", TMessageKind::Hint},
+        {"[Broken, 6]   raised in TCompiler.Expression", 0, "", 0, "", TMessageKind::Plain},
+        {"ERROR: no place", 0, "", 0, "", TMessageKind::Plain},
+        {"[demo, 7] compiling file y.pas", 0, "", 0, "", TMessageKind::Plain},
+        {"[, 7] ERROR: no unit", 0, "", 0, "", TMessageKind::Plain},
+        {"[demo, x] ERROR: no line", 0, "", 0, "", TMessageKind::Plain},
+    };
+    for (const Case& c : cases) {
+        const std::vector<TProblem> found =
+            CollectProblems({QString::fromUtf8(c.Line)}, [](const QString& unit) {
+                return unit == QStringLiteral("demo") ? std::string("/w/demo.pas") : std::string();
+            });
+        ASSERT_EQ(static_cast<int>(found.size()), c.Count) << c.Line;
+        if (c.Count == 0) continue;
+        EXPECT_EQ(found[0].UnitName, QString::fromUtf8(c.Unit)) << c.Line;
+        EXPECT_EQ(found[0].File, std::string_view(c.Unit) == "demo" ? "/w/demo.pas" : c.Unit) << c.Line;
+        EXPECT_EQ(found[0].Line, c.At) << c.Line;
+        EXPECT_EQ(found[0].Text, QString::fromUtf8(c.Text)) << c.Line;
+        EXPECT_EQ(found[0].Kind, c.Kind) << c.Line;
+    }
+}
+
+TEST_F(ProblemsTest, EveryErrorOfTheLastCompileIsListedAndMarked) {
+    TfrmMain window({});
+    TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
+    ASSERT_NE(page, nullptr);
+    page->Compile();
+    TfrmProblems& view = window.ProblemsView();
+    const QStringList rows = Rows(view);
+    // The diagnostic lines of verbosity 3 are no problems.
+    EXPECT_TRUE(rows.contains(QStringLiteral("faulty.pas:5"))) << rows.join(u' ').toStdString();
+    EXPECT_TRUE(rows.contains(QStringLiteral("broken.pas:6"))) << rows.join(u' ').toStdString();
+    EXPECT_TRUE(rows.contains(QStringLiteral("broken.pas:7"))) << rows.join(u' ').toStdString();
+    for (const TfrmProblems::TEntry& entry : view.Entries()) {
+        EXPECT_FALSE(entry.Problem.Text.startsWith(QStringLiteral("  raised in")));
+        EXPECT_TRUE(entry.Problem.Text.startsWith(QStringLiteral("ERROR: ")) ||
+                    entry.Problem.Text.startsWith(QStringLiteral("HINT: ")));
+    }
+    // The unit's file is known even though the include is not open.
+    EXPECT_EQ(
+        view.Entries()[static_cast<std::size_t>(rows.indexOf(QStringLiteral("faulty.pas:5")))].Problem.File,
+        Path("faulty.pas"));
+
+    TProblemMarkers& marks = TProblemMarkers::Of(*page->Memo());
+    const std::vector<int> marked = marks.MarkedLines();
+    EXPECT_NE(std::find(marked.begin(), marked.end(), 5), marked.end());
+    EXPECT_NE(std::find(marked.begin(), marked.end(), 6), marked.end());
+    ASSERT_FALSE(marks.MessagesOn(5).isEmpty());
+    EXPECT_TRUE(marks.MessagesOn(5).front().startsWith(QStringLiteral("ERROR: ")));
+    EXPECT_TRUE(marks.MessagesOn(2).isEmpty());
+    EXPECT_TRUE(page->Memo()->markersAtLine(5) & (1 << TProblemMarkers::kErrorMarker));
+
+    // The include opened later gets the mark of its error.
+    TfrmEdit* faulty = window.OpenFile(Path("faulty.pas"), false);
+    ASSERT_NE(faulty, nullptr);
+    EXPECT_EQ(TProblemMarkers::Of(*faulty->Memo()).MarkedLines(), std::vector<int>{4});
+}
+
+TEST_F(ProblemsTest, MarksFollowEditsAndADoubleClickGoesWhereTheLineIsNow) {
+    TfrmMain window({});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
+    ASSERT_NE(page, nullptr);
+    page->Compile();
+    // Two lines typed above the errors: the marks move down with their lines.
+    page->Memo()->SetCaret(0, 0);
+    page->Memo()->insert(QStringLiteral("// one\r\n// two\r\n"));
+    TProblemMarkers& marks = TProblemMarkers::Of(*page->Memo());
+    EXPECT_TRUE(marks.MessagesOn(5).isEmpty());
+    EXPECT_FALSE(marks.MessagesOn(7).isEmpty());
+
+    const QStringList rows = Rows(window.ProblemsView());
+    const int row = static_cast<int>(rows.indexOf(QStringLiteral("broken.pas:7")));
+    ASSERT_GE(row, 0);
+    QTreeWidget* tree = window.ProblemsView().ProblemList();
+    window.ProblemsView().BringToFront();
+    QApplication::processEvents();
+    QTreeWidgetItem* item = tree->topLevelItem(row);
+    tree->scrollToItem(item);
+    const QPoint at = tree->visualItemRect(item).center();
+    ASSERT_EQ(tree->itemAt(at), item);
+    DoubleClick(*tree->viewport(), at);
+    EXPECT_EQ(window.ActivePage(), page);
+    EXPECT_EQ(page->Memo()->CaretLine(), 8);
+
+    // The include's row opens it.
+    const int inInclude = static_cast<int>(rows.indexOf(QStringLiteral("faulty.pas:5")));
+    ASSERT_GE(inInclude, 0);
+    EXPECT_TRUE(window.GotoProblem(inInclude));
+    EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("faulty.pas"));
+    EXPECT_EQ(window.ActivePage()->Memo()->CaretLine(), 4);
+}
+
+TEST_F(ProblemsTest, TheNextCompileReplacesTheMarksAndEachPageKeepsItsOwn) {
+    TfrmMain window({});
+    TfrmEdit* other = window.OpenFile(MakeFile("other.pas", "mission Other;\r\nvar b;\r\nb := ;\r\n"), false);
+    ASSERT_NE(other, nullptr);
+    other->Compile();
+    const std::size_t ofOther = window.ProblemsView().Entries().size();
+    ASSERT_GE(ofOther, 1U);
+
+    TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
+    ASSERT_NE(page, nullptr);
+    page->Compile();
+    ASSERT_GT(window.ProblemsView().Entries().size(), ofOther);
+    ASSERT_FALSE(TProblemMarkers::Of(*page->Memo()).MarkedLines().empty());
+
+    page->Memo()->SetText(QString::fromLatin1(kFixed));
+    ASSERT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
+    EXPECT_TRUE(TProblemMarkers::Of(*page->Memo()).MarkedLines().empty());
+    EXPECT_EQ(page->Memo()->SendScintilla(QsciScintillaBase::SCI_INDICATOREND,
+                                          static_cast<unsigned long>(TProblemMarkers::kErrorIndicator), 0L),
+              0); // no underline left
+    // The other page's problems stay until it is compiled again or closed.
+    EXPECT_EQ(window.ProblemsView().Entries().size(), ofOther);
+    EXPECT_FALSE(TProblemMarkers::Of(*other->Memo()).MarkedLines().empty());
+    // Closing it takes them away.
+    ASSERT_TRUE(window.ClosePage(*other));
+    EXPECT_TRUE(window.ProblemsView().Entries().empty());
+}
+
+TEST_F(ProblemsTest, TheViewIsOnTheViewMenuAndDocksBesideTheOutput) {
+    TfrmMain window({});
+    QAction* item = window.MenuItem(QStringLiteral("MenuViewProblems"));
+    ASSERT_NE(item, nullptr);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    EXPECT_EQ(window.SiteOf(window.ProblemsView()), "PageControl1");
+    EXPECT_FALSE(window.ProblemsView().isVisible());
+    item->trigger();
+    EXPECT_TRUE(window.ProblemsView().isVisible());
+    item->trigger();
+    EXPECT_FALSE(window.ProblemsView().isVisible());
+}
+
+TEST_F(ProblemsTest, ScreenshotMarksAreRedInTheMarginAndUnderTheText) {
+    TfrmMain window({});
+    window.resize(900, 650);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
+    ASSERT_NE(page, nullptr);
+    page->Compile();
+    window.ProblemsView().BringToFront();
+    page->Memo()->SetCaret(0, 0);
+    page->Memo()->setFirstVisibleLine(0);
+    QApplication::processEvents();
+    TPageEditor& memo = *page->Memo();
+    const QImage image = memo.viewport()->grab().toImage();
+    Keep(window.grab().toImage(), "problems_view.png");
+    const auto redIn = [&](const QRect& rect) {
+        int count = 0;
+        const QRect r = rect.intersected(image.rect());
+        for (int y = r.top(); y <= r.bottom(); ++y) {
+            for (int x = r.left(); x <= r.right(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                if (c.red() > 150 && c.green() < 90 && c.blue() < 90) ++count;
+            }
+        }
+        return count;
+    };
+    const int lineHeight = static_cast<int>(memo.SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL, 0L));
+    const int marginLeft = memo.marginWidth(TPageEditor::kLineNumberMargin);
+    const int textLeft = marginLeft + memo.marginWidth(TPageEditor::kBookmarkMargin);
+    const auto lineRect = [&](int line, int left, int right) {
+        return QRect(left, line * lineHeight, right - left, lineHeight);
+    };
+    // Line 6 (index 5) has an error: a red mark in the margin and a red wave under the text.
+    EXPECT_GT(redIn(lineRect(5, marginLeft, textLeft)), 10);
+    EXPECT_GT(redIn(lineRect(5, textLeft, image.width())), 5);
+    // Line 3 has none.
+    EXPECT_EQ(redIn(lineRect(2, marginLeft, textLeft)), 0);
+    EXPECT_EQ(redIn(lineRect(2, textLeft, image.width())), 0);
+    // The hint over the margin of the marked line is its message.
+    EXPECT_TRUE(TProblemMarkers::Of(memo)
+                    .HintAt(lineRect(5, marginLeft, textLeft).center())
+                    .startsWith(QStringLiteral("ERROR: ")));
+    EXPECT_TRUE(TProblemMarkers::Of(memo).HintAt(lineRect(2, marginLeft, textLeft).center()).isEmpty());
+}
+
+} // namespace
+} // namespace velkor::test
