@@ -206,6 +206,8 @@ void TCompiler::Compile() {
     }
     default: Expected("unit", first); break;
     }
+    // Only an iff unit passes its source on; the copy of a large mission would be kept to the end for nothing.
+    std::string().swap(data_->Source);
     UnitName = NextToken();
     Expect(";");
     DeclarationLoop();

@@ -97,6 +97,7 @@ public:
     void SetOutputPath(const std::string& folder);
     void Compile();
     void Finish();
+    // The linked text. The instruction listing moves into it: CodeList is empty afterwards.
     std::string Link();
     static std::string Version(); // "1.0 R24d"
 

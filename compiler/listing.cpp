@@ -1,5 +1,7 @@
 #include "compiler/listing.h"
 
+#include "platform/freed_memory.h"
+
 #include <algorithm>
 
 namespace velkor {
@@ -67,6 +69,57 @@ void TListing::clear() {
     lines_.clear();
     blocks_.clear();
     textSize_ = 0;
+}
+
+TListing::BlockFinder::BlockFinder(const std::vector<Block>& blocks) {
+    spans_.reserve(blocks.size());
+    for (std::size_t i = 0; i < blocks.size(); ++i)
+        spans_.push_back({blocks[i].chars.get(), blocks[i].chars.get() + blocks[i].used, i});
+    std::sort(spans_.begin(), spans_.end(),
+              [](const Span& a, const Span& b) { return std::less<const char*>()(a.begin, b.begin); });
+}
+
+std::size_t TListing::BlockFinder::Find(std::string_view line) {
+    const std::less_equal<const char*> notAfter;
+    auto holds = [&](const Span& span) {
+        return notAfter(span.begin, line.data()) && notAfter(line.data() + line.size(), span.end);
+    };
+    if (spans_.empty()) return 0;
+    if (!holds(spans_[last_])) {
+        // The last block that starts at or before the line holds it.
+        const auto after =
+            std::upper_bound(spans_.begin(), spans_.end(), line.data(), [](const char* at, const Span& span) {
+                return std::less<const char*>()(at, span.begin);
+            });
+        last_ = after == spans_.begin() ? 0 : static_cast<std::size_t>(std::prev(after) - spans_.begin());
+    }
+    return spans_[last_].index;
+}
+
+void TListing::Drain(const std::function<void(std::string_view line)>& take) {
+    // Each block goes when its last line has been handed over, and the freed pages go back to the system
+    // now and then, so that the listing shrinks while the taker's text grows. Both passes find each line's
+    // block the same way.
+    std::vector<std::size_t> left(blocks_.size());
+    {
+        BlockFinder finder(blocks_);
+        for (std::string_view line : lines_) ++left[finder.Find(line)];
+    }
+    BlockFinder finder(blocks_);
+    constexpr std::size_t kReturnEvery = 4; // blocks of a megabyte
+    std::size_t released = 0;
+    while (!lines_.empty()) {
+        const std::string_view line = lines_.front();
+        const std::size_t block = finder.Find(line);
+        take(line);
+        lines_.pop_front();
+        if (--left[block] == 0) {
+            blocks_[block].chars.reset();
+            if (++released % kReturnEvery == 0) ReturnFreedMemory();
+        }
+    }
+    clear();
+    ReturnFreedMemory();
 }
 
 std::vector<std::string> TListing::Lines() const {

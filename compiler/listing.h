@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -44,6 +45,9 @@ public:
     void clear();
 
     std::vector<std::string> Lines() const;
+    // Hands every line to `take` in order and empties the listing on the way: the memory of the lines
+    // handed over is given back while the taker's copy of them grows, so that both are not held at once.
+    void Drain(const std::function<void(std::string_view line)>& take);
 
     friend bool operator==(const TListing& a, const TListing& b) { return a.lines_ == b.lines_; }
 
@@ -57,6 +61,22 @@ private:
 
     // Room for n more characters of one line, in the last block or a new one.
     char* Take(std::size_t n);
+    // The block of a line: mostly the block of the line before it, otherwise looked up by address (insert
+    // puts lines of later blocks in front of earlier ones).
+    class BlockFinder {
+    public:
+        explicit BlockFinder(const std::vector<Block>& blocks);
+        std::size_t Find(std::string_view line);
+
+    private:
+        struct Span {
+            const char* begin; // the block's first character
+            const char* end;   // behind its last one taken
+            std::size_t index; // the block's index
+        };
+        std::vector<Span> spans_; // the blocks by address
+        std::size_t last_ = 0;    // the span found last
+    };
 
     std::vector<Block> blocks_;          // the characters of every line
     std::deque<std::string_view> lines_; // the lines in order, each within one block

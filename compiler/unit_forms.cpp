@@ -68,7 +68,8 @@ void FlagsChunk(IffTextWriter& w, TCompiler& c) {
 void FunctionChunk(IffTextWriter& w, TCompiler& c) {
     w.Open("CHUNK \"FUNC\"");
     w.Open("WCP_ASM");
-    w.Verbatim(c.Data().CodeList, 8);
+    // The listing is the bulk of a large unit: its memory goes as its lines go into the text.
+    c.Data().CodeList.Drain([&w](std::string_view line) { w.VerbatimLine(line, 8); });
     w.Close();
     w.Close();
 }

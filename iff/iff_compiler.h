@@ -51,6 +51,10 @@ public:
     BinaryOutputCallback OnBinaryOutput; // receives each finished output file
     NameHashedCallback OnNameHashed;     // receives every crc32 value's text with its checksum
 
+    // Rows of plain numbers (BYTE, WORD, LONG) are read straight from the text; off, every item takes the
+    // general token path. Both give the same bytes and messages; the switch is there to compare them.
+    bool FastValueRows = true;
+
     // Nesting deeper than this is refused rather than followed.
     static constexpr int kMaxNesting = 10000;
     // IFF sizes are 32-bit: a larger output cannot be written, and constants or files repeated in a short

@@ -31,6 +31,8 @@ public:
         for (std::string_view line : lines) Put(blanks, line);
     }
 
+    void VerbatimLine(std::string_view line, std::size_t blanks) { Put(blanks, line); }
+
     // The blanks in front of a line at the current level.
     std::string_view Indent() const;
     std::size_t Depth() const { return depth_; }

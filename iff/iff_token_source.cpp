@@ -37,6 +37,12 @@ std::string_view IffTokenSource::Peek() {
     return token;
 }
 
+std::size_t IffTokenSource::NextPlainNumbers(std::uint32_t max, std::span<std::uint32_t> values) {
+    const std::size_t n = scanner_->NextPlainNumbers(max, values);
+    kind_ = scanner_->TokenKind();
+    return n;
+}
+
 bool IffTokenSource::Stuck(std::string_view token) const {
     return kind_ == tkEndOfText || (kind_ == tkOther && token.empty());
 }

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -46,6 +47,8 @@ public:
     bool NextIs(char punctuation);
     // The kind of the last token read or peeked.
     std::int32_t Kind() const { return kind_; }
+    // Plain numbers and the "," behind each, straight from the text: see TScanner::NextPlainNumbers.
+    std::size_t NextPlainNumbers(std::uint32_t max, std::span<std::uint32_t> values);
     // True for the end of the text and for the empty token that does not advance: reading on gets nothing.
     bool Stuck(std::string_view token) const;
     void Expect(std::string_view punctuation);

@@ -7,6 +7,8 @@
 #include "platform/strings.h"
 #include "scanner/scanner.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -30,6 +32,21 @@ ValueType TypeOf(std::string_view name) {
     return ValueType::Unknown;
 }
 
+// The value types whose items are plain numbers in the usual case: their size and largest value.
+struct PlainRow {
+    int width = 0; // 0: not such a type
+    std::uint32_t max = 0;
+};
+
+PlainRow PlainRowOf(ValueType type) {
+    switch (type) {
+    case ValueType::Byte: return {1, 0xFF};
+    case ValueType::Word: return {2, 0xFFFF};
+    case ValueType::Long: return {4, 0xFFFFFFFF};
+    default: return {};
+    }
+}
+
 bool StartsWithSign(std::string_view text) {
     return !text.empty() && (text[0] == '+' || text[0] == '-');
 }
@@ -47,7 +64,24 @@ void TIffCompiler::Value() {
         tokens_.Expect("]");
     }
     pending_.clear();
-    for (std::int32_t i = 0; i < count; ++i) {
+    const PlainRow plain = PlainRowOf(type);
+    std::int32_t i = 0;
+    while (i < count) {
+        if (plain.width > 0 && FastValueRows) {
+            // Rows of plain numbers are most of a large text: they go straight from the text into the bytes.
+            // The first item they cannot take, if any, is read below, where every message comes from.
+            std::array<std::uint32_t, 64> values;
+            const auto want = static_cast<std::size_t>(std::min<std::int32_t>(count - i, values.size()));
+            const std::size_t n = tokens_.NextPlainNumbers(plain.max, std::span(values).first(want));
+            const std::size_t at = pending_.size();
+            pending_.resize(at + n * static_cast<std::size_t>(plain.width));
+            std::uint8_t* out = pending_.data() + at;
+            for (std::size_t k = 0; k < n; ++k)
+                for (int b = 0; b < plain.width; ++b)
+                    *out++ = static_cast<std::uint8_t>(values[k] >> (8 * b));
+            i += static_cast<std::int32_t>(n);
+            if (n == want) continue;
+        }
         switch (type) {
         case ValueType::Byte: {
             std::int32_t v = ReadInt();
@@ -96,6 +130,7 @@ void TIffCompiler::Value() {
         case ValueType::Unknown: break;
         }
         tokens_.NextIs(',');
+        ++i;
     }
     if (!pending_.empty()) writer_->Write(pending_);
 }

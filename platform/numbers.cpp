@@ -12,17 +12,6 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// The value of every hexadecimal digit, 0xFF for any other character. One look-up instead of range tests:
-// on hexadecimal data, which mixes digits and letters at random, the tests mispredicted half the time.
-constexpr std::array<std::uint8_t, 256> MakeDigitValues() {
-    std::array<std::uint8_t, 256> values{};
-    values.fill(0xFF);
-    for (int c = '0'; c <= '9'; ++c) values[c] = static_cast<std::uint8_t>(c - '0');
-    for (int c = 'a'; c <= 'f'; ++c) values[c] = static_cast<std::uint8_t>(c - 'a' + 10);
-    for (int c = 'A'; c <= 'F'; ++c) values[c] = static_cast<std::uint8_t>(c - 'A' + 10);
-    return values;
-}
-constexpr auto kDigitValues = MakeDigitValues();
 } // namespace
 
 std::optional<std::int32_t> StrToInt(std::string_view text) {
@@ -42,7 +31,7 @@ std::optional<std::int32_t> StrToInt(std::string_view text) {
     const unsigned base = hex ? 16 : 10;
     std::uint64_t value = 0;
     for (; i < text.size(); ++i) {
-        const unsigned d = kDigitValues[static_cast<unsigned char>(text[i])];
+        const unsigned d = kHexDigitValues[static_cast<unsigned char>(text[i])];
         if (d >= base) return std::nullopt;
         value = value * base + d;
         if (value > 0xFFFFFFFFull) return std::nullopt;

@@ -1,5 +1,6 @@
 #include "scanner/scanner.h"
 
+#include "platform/numbers.h"
 #include "platform/strings.h"
 #include "platform/text_file.h"
 
@@ -311,6 +312,87 @@ std::string_view TScanner::NextTokenView() {
         ++i;
     tokenKind_ = tkOther;
     return take(start);
+}
+
+namespace {
+
+// What SkipBlanks of either scanner may stop at or move over besides spaces: past anything else both stop.
+bool MaySkip(char c) {
+    return c == '\t' || c == '\r' || c == '\n' || c == '#' || c == '/';
+}
+
+} // namespace
+
+// The number branch of NextTokenView and the "," of a list, for the one kind of token value rows are made
+// of; everything else is left to NextTokenView. Spaces are passed here, anything SkipBlanks does more (line
+// breaks, markers, comments) by it.
+std::size_t TScanner::NextPlainNumbers(std::uint32_t max, std::span<std::uint32_t> values) {
+    const char* const text = text_.data();
+    const size_t len = text_.size();
+    const size_t last = len - 1; // no token of more than one character takes the text's last character
+    // 0-based from here on: the character at p is text[p].
+    auto skipBlanks = [&](size_t p) {
+        while (p < len && text[p] == ' ') ++p;
+        if (p >= len || MaySkip(text[p])) {
+            pos_ = p + 1;
+            SkipBlanks();
+            p = pos_ - 1;
+        }
+        return p;
+    };
+    // The token at p and its value when it is a plain number no greater than max; its end, or 0.
+    auto plainNumber = [&](size_t p, std::uint32_t& value) -> size_t {
+        // The commonest of all: "$" and two digits, then a blank.
+        if (text[p] == '$' && p + 3 < last && (text[p + 3] == ' ' || text[p + 3] == '\r')) {
+            const std::uint32_t high = kHexDigitValues[static_cast<unsigned char>(text[p + 1])];
+            const std::uint32_t low = kHexDigitValues[static_cast<unsigned char>(text[p + 2])];
+            if ((high | low) > 15 || (high << 4 | low) > max) return 0;
+            value = high << 4 | low;
+            return p + 3;
+        }
+        size_t i = p + 1;
+        while (i < last && Is(text[i], ccNumberTail)) ++i;
+        if (i < last && (text[i] == '+' || text[i] == '-') && (text[i - 1] == 'E' || text[i - 1] == 'e'))
+            return 0;
+        std::uint32_t v = 0;
+        if (text[p] == '$') {
+            if (i - p < 2 || i - p > 9) return 0;
+            std::uint32_t digits = 0; // every digit's value or'ed: above 15 when one was none
+            for (size_t k = p + 1; k < i; ++k) {
+                const std::uint32_t d = kHexDigitValues[static_cast<unsigned char>(text[k])];
+                digits |= d;
+                v = v << 4 | (d & 15);
+            }
+            if (digits > 15) return 0;
+        } else if (IsDigit(text[p]) && i - p <= 9) {
+            for (size_t k = p; k < i; ++k) {
+                if (!IsDigit(text[k])) return 0;
+                v = v * 10 + static_cast<std::uint32_t>(text[k] - '0');
+            }
+        } else {
+            return 0;
+        }
+        if (v > max || v == static_cast<std::uint32_t>(kNoValue)) return 0;
+        value = v;
+        return i;
+    };
+    std::size_t n = 0;
+    size_t p = pos_ - 1;
+    while (n < values.size()) {
+        p = skipBlanks(p);
+        if (p >= len) break;
+        const size_t end = plainNumber(p, values[n]);
+        if (end == 0) break;
+        ++n;
+        tokenKind_ = tkNumber;
+        p = skipBlanks(end);
+        if (p < len && text[p] == ',') {
+            tokenKind_ = tkComma;
+            ++p;
+        }
+    }
+    pos_ = p + 1;
+    return n;
 }
 
 std::string_view TScanner::PeekAheadView(int n) {

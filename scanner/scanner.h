@@ -86,6 +86,13 @@ public:
     // Skips n tokens, then as PeekToken; position and line are restored, TokenKind is not.
     std::string_view PeekAheadView(int n);
 
+    // Reads plain numbers straight from the text, as many as `values` holds, each one a number token that
+    // NextTokenView would read ("$" and one to eight hexadecimal digits, or one to nine decimal digits) and
+    // whose value is at most `max` and not kNoValue, and a "," behind each when there is one. Stops before
+    // anything else, having passed at most the blanks in front of it, so that NextTokenView reads it as ever.
+    // Returns how many it read; TokenKind is that of the last token taken.
+    std::size_t NextPlainNumbers(std::uint32_t max, std::span<std::uint32_t> values);
+
     std::string NextToken() { return std::string(NextTokenView()); }
     std::string PeekToken() { return std::string(PeekTokenView()); }
     std::string PeekAhead(int n) { return std::string(PeekAheadView(n)); }

@@ -22,11 +22,13 @@ struct Assembled {
     std::string error;                                // the EIffCompiler text, empty when none was raised
 };
 
+// fastValueRows off reads every BYTE, WORD and LONG item through the general token path.
 inline Assembled Assemble(std::string_view text, ScannerClass scanner = ScannerClass::Standard,
-                          const std::filesystem::path& base = {}) {
+                          const std::filesystem::path& base = {}, bool fastValueRows = true) {
     Assembled result;
     SetScannerClass(scanner);
     TIffCompiler assembler;
+    assembler.FastValueRows = fastValueRows;
     assembler.OnMessage = [&](int level, const std::string& line) {
         result.levels.push_back(level);
         result.messages.push_back(line);
