@@ -1,10 +1,10 @@
 #include "iff/hash_names.h"
 
-#include "scanner/scanner.h"
 #include "iff/checksum.h"
 #include "iff/value_lines.h"
 #include "iff/wcp_opcodes.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <algorithm>
 #include <array>
@@ -229,9 +229,10 @@ void AddNamesOfForm(KnownNames& names, std::span<const std::uint8_t> bytes, std:
         const std::string_view id = TextAt(bytes, at, 4);
         const std::size_t size = BigEndianAt(bytes, at + 4);
         if (id == "FORM") {
-            // Form sizes count as even; a form that runs past the end of cut-off data ends with it.
+            // Form sizes count as even. A form that runs past the end of its parent (or of cut-off data) ends
+            // with it, as the reader indexes only what lies inside the first form: its items are written.
             const std::size_t even = size + (size & 1);
-            const bool cut = formEnd == bytes.size() && at + 12 <= formEnd && even > formEnd - at - 8;
+            const bool cut = at + 12 <= formEnd && even > formEnd - at - 8;
             if (even < 4 || (even > formEnd - at - 8 && !cut)) {
                 at = formEnd; // the rest of this form is no item
             } else {
