@@ -354,7 +354,7 @@ bool CodeAssist::eventFilter(QObject* watched, QEvent* event) {
         codeHelp_->hide();
         CloseParameterHint();
     }
-    if (watched == memo_.viewport() && event->type() == QEvent::ToolTip) {
+    if (event->type() == QEvent::ToolTip && watched == memo_.viewport()) {
         auto* help = static_cast<QHelpEvent*>(event);
         const QString text = SymbolHintAt(help->pos());
         if (text.isEmpty())

@@ -38,7 +38,8 @@ TProblemMarkers::TProblemMarkers(TPageEditor& memo) : QObject(&memo), memo_(memo
     memo_.indicatorDefine(QsciScintilla::SquiggleIndicator, kHintIndicator);
     memo_.setIndicatorForegroundColor(kHintColour, kHintIndicator);
     // Installed after the code assistance's filter, so this one sees the hint request first.
-    memo_.viewport()->installEventFilter(this);
+    viewport_ = memo_.viewport();
+    viewport_->installEventFilter(this);
 }
 
 void TProblemMarkers::Underline(int line, TMessageKind kind) {
@@ -132,11 +133,11 @@ QString TProblemMarkers::HintAt(const QPoint& viewportPoint) const {
 }
 
 bool TProblemMarkers::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == memo_.viewport() && event->type() == QEvent::ToolTip) {
+    if (event->type() == QEvent::ToolTip && watched == viewport_) {
         auto* help = static_cast<QHelpEvent*>(event);
         const QString text = HintAt(help->pos());
         if (text.isEmpty()) return false; // the symbol's hint, if any
-        QToolTip::showText(help->globalPos(), text, memo_.viewport());
+        QToolTip::showText(help->globalPos(), text, viewport_);
         return true;
     }
     return QObject::eventFilter(watched, event);

@@ -55,6 +55,8 @@ private:
     void Underline(int line, TMessageKind kind);
 
     TPageEditor& memo_;
+    // Kept from the start: while the editor is being destroyed its viewport() may no longer be asked for.
+    QWidget* viewport_;
     std::vector<Mark> marks_;
 };
 
