@@ -1,4 +1,5 @@
 #include "ide/code_assist.h"
+#include "ide/list_keys.h"
 
 #include "compiler/compiler.h"
 #include "compiler/symbol_queries.h"
@@ -409,12 +410,7 @@ bool CodeAssist::CodeHelpKeyDown(QKeyEvent& event) {
     case Qt::Key_Down:
     case Qt::Key_PageUp:
     case Qt::Key_PageDown: {
-        const int step = event.key() == Qt::Key_Up       ? -1
-                         : event.key() == Qt::Key_Down   ? 1
-                         : event.key() == Qt::Key_PageUp ? -10
-                                                         : 10;
-        const int row = std::clamp(codeHelp_->currentRow() + step, 0, std::max(codeHelp_->count() - 1, 0));
-        if (codeHelp_->count() > 0) codeHelp_->setCurrentRow(row);
+        StepListRow(*codeHelp_, event.key());
         return event.key() == Qt::Key_Up || event.key() == Qt::Key_Down;
     }
     default: break;

@@ -1,4 +1,5 @@
 #include "ide/completion_popup.h"
+#include "ide/list_keys.h"
 
 #include "compiler/symbol_queries.h"
 #include "compiler/symbol_table.h"
@@ -237,11 +238,7 @@ bool TCompletionPopup::KeyDown(QKeyEvent& event) {
     case Qt::Key_Down:
     case Qt::Key_PageUp:
     case Qt::Key_PageDown: {
-        const int step = event.key() == Qt::Key_Up       ? -1
-                         : event.key() == Qt::Key_Down   ? 1
-                         : event.key() == Qt::Key_PageUp ? -10
-                                                         : 10;
-        list_->setCurrentRow(std::clamp(list_->currentRow() + step, 0, std::max(list_->count() - 1, 0)));
+        StepListRow(*list_, event.key());
         return true;
     }
     case Qt::Key_Backspace:
