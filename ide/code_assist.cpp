@@ -1,5 +1,4 @@
 #include "ide/code_assist.h"
-#include "ide/list_keys.h"
 
 #include "compiler/compiler.h"
 #include "compiler/symbol_queries.h"
@@ -8,6 +7,7 @@
 #include "ide/edit_page.h"
 #include "ide/ide_dialogs.h"
 #include "ide/ide_ini.h"
+#include "ide/list_keys.h"
 #include "ide/page_host.h"
 #include "iff/iff_strings.h"
 #include "platform/exception.h"

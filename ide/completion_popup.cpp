@@ -1,11 +1,11 @@
 #include "ide/completion_popup.h"
-#include "ide/list_keys.h"
 
 #include "compiler/symbol_queries.h"
 #include "compiler/symbol_table.h"
 #include "editor/highlighter.h"
 #include "ide/edit_page.h"
 #include "ide/ide_ini.h"
+#include "ide/list_keys.h"
 #include "platform/strings.h"
 #include "scanner/scanner.h"
 
