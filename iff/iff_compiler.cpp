@@ -222,7 +222,12 @@ void TIffCompiler::WriteFileContents(std::string_view name) {
 }
 
 void TIffCompiler::CheckOutputSize(std::uint64_t adding) {
-    if (writer_->GetPosition() + adding > kMaxOutputSize) Error("output file larger than 4 GB");
+    if (writer_->GetPosition() + adding > MaxOutputSize) Error(TooLargeText());
+}
+
+std::string TIffCompiler::TooLargeText() const {
+    return "output file larger than " +
+           (MaxOutputSize == kMaxOutputSize ? std::string("4 GB") : std::to_string(MaxOutputSize) + " bytes");
 }
 
 } // namespace velkor
@@ -230,7 +235,7 @@ void TIffCompiler::CheckOutputSize(std::uint64_t adding) {
 namespace velkor {
 
 void TIffCompiler::AssembleWcpAsm() {
-    WcpAssembler(tokens_, *writer_).AssembleWcpAsm();
+    WcpAssembler(tokens_, *writer_, *this).AssembleWcpAsm();
 }
 
 } // namespace velkor

@@ -60,6 +60,10 @@ public:
     // IFF sizes are 32-bit: a larger output cannot be written, and constants or files repeated in a short
     // text could otherwise fill the memory before the writer notices.
     static constexpr std::uint64_t kMaxOutputSize = 0xFFFFFFFFu;
+    // The largest output file allowed; a caller short of memory (a fuzzer) may lower it.
+    std::uint64_t MaxOutputSize = kMaxOutputSize;
+    // "output file larger than <the limit>", as the refusal of a larger output says it.
+    std::string TooLargeText() const;
 
 private:
     [[noreturn]] void Error(const std::string& text, SourceLocation where = SourceLocation::current()) {

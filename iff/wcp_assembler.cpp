@@ -65,8 +65,8 @@ void WcpAssembler::AssembleFunction() {
 void WcpAssembler::WriteParameterDescriptors(std::string_view function, std::uint32_t count) {
     const std::string what =
         "func " + std::string(function) + ": " + std::to_string(count) + " parameter descriptors";
-    if (writer_.GetPosition() + std::uint64_t{4} * count > TIffCompiler::kMaxOutputSize)
-        tokens_.Error(what + " make the output file larger than 4 GB");
+    if (writer_.GetPosition() + std::uint64_t{4} * count > owner_.MaxOutputSize)
+        tokens_.Error(what + " make the " + owner_.TooLargeText());
     std::vector<std::uint8_t> slice;
     const auto word = LittleEndian32(kWcpParameterWord);
     for (std::size_t i = 0; i < std::min<std::size_t>(count, kDescriptorSlice); ++i)

@@ -12,10 +12,12 @@ namespace velkor {
 
 class IffTokenSource;
 class TIffWriter;
+class TIffCompiler;
 
 class WcpAssembler {
 public:
-    WcpAssembler(IffTokenSource& tokens, TIffWriter& writer) : tokens_(tokens), writer_(writer) {}
+    WcpAssembler(IffTokenSource& tokens, TIffWriter& writer, const TIffCompiler& owner)
+        : tokens_(tokens), writer_(writer), owner_(owner) {}
 
     // Called after the keyword WCP_ASM: the braced block of "func" definitions. Defines the register names
     // v0 to v31 as constants, which stay defined for the rest of the text.
@@ -33,6 +35,7 @@ private:
 
     IffTokenSource& tokens_;         // the assembler's token reader, constants and error path
     TIffWriter& writer_;             // the writer of the chunk being assembled
+    const TIffCompiler& owner_;      // the textual-IFF assembler, whose output limit holds here too
     std::vector<std::uint8_t> code_; // the function record being assembled
 };
 

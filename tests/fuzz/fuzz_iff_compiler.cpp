@@ -29,6 +29,8 @@ Outcome Assemble(std::string_view text, bool fastValueRows) {
     Outcome out;
     TIffCompiler assembler;
     assembler.FastValueRows = fastValueRows;
+    // A count in a short text may ask for gigabytes; the limit's refusal is the same path at any size.
+    assembler.MaxOutputSize = 64u << 20;
     assembler.OnMessage = [&](int, const std::string& line) { out.messages.push_back(line); };
     assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& name) {
         // Only the first bytes of a large output: a short text can ask for a lot of them.
