@@ -3,7 +3,6 @@
 #include "lsp/language_server.h"
 #include "lsp/message_framing.h"
 #include "lsp/text_document.h"
-#include "tests/support/run_tool.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -150,24 +149,6 @@ TEST(LanguageServerTest, ExitEndsTheServerWithTheStatusTheProtocolGives) {
         EXPECT_TRUE(s.server.ExitRequested());
         EXPECT_EQ(s.server.ExitCode(), shutdownFirst ? 0 : 1);
         EXPECT_EQ(s.Reply(3), nullptr) << "nothing is handled after exit";
-    }
-}
-
-TEST(LspCommandTest, TheCommandLineNamesTheServerAndTakesNoFile) {
-    struct Case {
-        std::vector<std::string> args;
-        int exitCode;
-        std::string inOutput;
-    };
-    const std::vector<Case> cases = {
-        {{"--help"}, 0, "  lsp                         language server over stdio (LSP 3.17)"},
-        {{"lsp", "--help"}, 0, "Usage: velkorc lsp\n"},
-        {{"lsp", "unit.pas"}, 2, "velkorc: lsp takes no file\n"},
-    };
-    for (const auto& c : cases) {
-        const auto result = test::RunVelkorc(c.args);
-        EXPECT_EQ(result.exitCode, c.exitCode) << c.args.back();
-        EXPECT_NE((result.out + result.err).find(c.inOutput), std::string::npos) << result.out << result.err;
     }
 }
 

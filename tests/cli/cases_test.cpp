@@ -1,0 +1,232 @@
+// Runs the velkorc cases under tests/cases/cli: each <name>.case is a script of lines that lay out files
+// in a fresh folder, run velkorc there and check its exit status, what it prints and the files it leaves.
+// tests/README.md describes the lines.
+#include "tests/support/environment.h"
+#include "tests/support/run_tool.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
+namespace fs = std::filesystem;
+
+namespace velkor::test {
+namespace {
+
+const fs::path kSource(VELKOR_SOURCE_DIR);
+const fs::path kCases = kSource / "tests/cases/cli";
+
+// Splits a line into words; a word in double quotes keeps its blanks and takes \r \n \t \\ \" and \xNN.
+std::vector<std::string> Words(const std::string& line) {
+    std::vector<std::string> words;
+    std::size_t i = 0;
+    while (i < line.size()) {
+        if (line[i] == ' ') {
+            ++i;
+            continue;
+        }
+        std::string w;
+        if (line[i] != '"') {
+            while (i < line.size() && line[i] != ' ') w += line[i++];
+        } else {
+            for (++i; i < line.size() && line[i] != '"'; ++i) {
+                if (line[i] != '\\' || i + 1 == line.size()) {
+                    w += line[i];
+                    continue;
+                }
+                const char c = line[++i];
+                if (c == 'x') {
+                    w += static_cast<char>(std::stoi(line.substr(i + 1, 2), nullptr, 16));
+                    i += 2;
+                } else {
+                    w += c == 'r' ? '\r' : c == 'n' ? '\n' : c == 't' ? '\t' : c;
+                }
+            }
+            ++i;
+        }
+        words.push_back(w);
+    }
+    return words;
+}
+
+void ReplaceAll(std::string& s, const std::string& from, const std::string& to) {
+    for (std::size_t at = 0; (at = s.find(from, at)) != std::string::npos; at += to.size())
+        s.replace(at, from.size(), to);
+}
+
+struct CaseRun {
+    TempDir dir;
+    fs::path cwd = dir.path();
+    std::optional<ToolResult> last;
+    std::vector<std::pair<std::string, std::optional<std::string>>> savedEnv;
+
+    ~CaseRun() {
+        for (auto it = savedEnv.rbegin(); it != savedEnv.rend(); ++it)
+            SetEnvironment(it->first.c_str(), it->second);
+    }
+
+    void SetEnv(const std::string& name, const std::string& value) {
+        const char* old = std::getenv(name.c_str());
+        savedEnv.emplace_back(name, old ? std::optional<std::string>(old) : std::nullopt);
+        SetEnvironment(name.c_str(), value);
+    }
+
+    // ${DIR} is the case's folder, ${dir} the same in lower case, ${ZDIR} as Wine names it, ${SRC} the
+    // source tree.
+    std::string Expand(std::string s) const {
+        std::string lower = dir.path().string(), wine = "Z:" + dir.path().string();
+        std::transform(lower.begin(), lower.end(), lower.begin(),
+                       [](unsigned char c) { return std::tolower(c); });
+        std::replace(wine.begin(), wine.end(), '/', '\\');
+        ReplaceAll(s, "${DIR}", dir.path().string());
+        ReplaceAll(s, "${dir}", lower);
+        ReplaceAll(s, "${ZDIR}", wine);
+        ReplaceAll(s, "${SRC}", kSource.string());
+        return s;
+    }
+
+    fs::path Path(const std::string& name) const { return dir.path() / fs::path(name); }
+
+    // The bytes of a file the case expects to be there.
+    std::string Existing(const fs::path& path) const {
+        if (!fs::exists(path)) throw std::runtime_error(path.string() + " is not there");
+        return ReadFile(path);
+    }
+
+    const ToolResult& Last() const {
+        if (!last) throw std::runtime_error("a check of output before any run");
+        return *last;
+    }
+
+    // One line of the script; a failed check is reported with the line it came from.
+    void Do(const std::vector<std::string>& w) {
+        const std::string& op = w[0];
+        const auto arg = [&](std::size_t i) {
+            if (i >= w.size()) throw std::runtime_error("'" + op + "' needs more words");
+            return Expand(w[i]);
+        };
+        if (op == "file") {
+            fs::create_directories(Path(arg(1)).parent_path());
+            WriteFile(Path(arg(1)), arg(2));
+        } else if (op == "copy") {
+            fs::create_directories(Path(arg(1)).parent_path());
+            fs::copy_file(kCases / arg(2), Path(arg(1)), fs::copy_options::overwrite_existing);
+        } else if (op == "mkdir") {
+            fs::create_directories(Path(arg(1)));
+        } else if (op == "rm") {
+            fs::remove_all(Path(arg(1)));
+        } else if (op == "mv") {
+            fs::rename(Path(arg(1)), Path(arg(2)));
+        } else if (op == "symlink") {
+            fs::create_symlink(arg(1), Path(arg(2)));
+        } else if (op == "hardlink") {
+            fs::create_hard_link(Path(arg(1)), Path(arg(2)));
+#ifndef _WIN32
+        } else if (op == "fifo") {
+            ASSERT_EQ(::mkfifo(Path(arg(1)).c_str(), 0600), 0);
+#endif
+        } else if (op == "cd") {
+            cwd = Path(arg(1));
+        } else if (op == "env") {
+            SetEnv(arg(1), arg(2));
+        } else if (op == "run") {
+            std::vector<std::string> args;
+            for (std::size_t i = 1; i < w.size(); ++i) args.push_back(arg(i));
+            last = RunVelkorc(args, cwd);
+        } else if (op == "exit") {
+            EXPECT_EQ(Last().exitCode, std::stoi(arg(1))) << Last().err;
+        } else if (op == "exit<=") {
+            EXPECT_LE(Last().exitCode, std::stoi(arg(1))) << Last().err;
+        } else if (op == "out" || op == "err") {
+            EXPECT_EQ(op == "out" ? Last().out : Last().err, arg(1));
+        } else if (op == "out~" || op == "err~") {
+            EXPECT_NE((op == "out~" ? Last().out : Last().err).find(arg(1)), std::string::npos)
+                << (op == "out~" ? Last().out : Last().err);
+        } else if (op == "out!~") {
+            EXPECT_EQ(Last().out.find(arg(1)), std::string::npos) << Last().out;
+        } else if (op == "out^" || op == "err^") {
+            EXPECT_TRUE((op == "out^" ? Last().out : Last().err).starts_with(arg(1)))
+                << (op == "out^" ? Last().out : Last().err);
+        } else if (op == "outfile") {
+            EXPECT_EQ(Last().out, Existing(kCases / arg(1)));
+        } else if (op == "equals") {
+            EXPECT_EQ(Existing(Path(arg(1))), arg(2));
+        } else if (op == "matches") {
+            EXPECT_EQ(Existing(Path(arg(1))), Existing(kCases / arg(2)));
+        } else if (op == "same") {
+            EXPECT_EQ(Existing(Path(arg(1))), Existing(Path(arg(2))));
+        } else if (op == "has" || op == "lacks") {
+            const std::string text = Existing(Path(arg(1)));
+            EXPECT_EQ(text.find(arg(2)) != std::string::npos, op == "has") << text;
+        } else if (op == "starts") {
+            EXPECT_TRUE(Existing(Path(arg(1))).starts_with(arg(2)));
+        } else if (op == "exists" || op == "absent") {
+            EXPECT_EQ(fs::exists(fs::symlink_status(Path(arg(1)))), op == "exists");
+        } else if (op == "size") {
+            EXPECT_EQ(fs::file_size(Path(arg(1))), std::stoull(arg(2)));
+        } else {
+            throw std::runtime_error("unknown line '" + op + "'");
+        }
+    }
+};
+
+std::vector<std::string> CaseNames() {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(kCases))
+        if (entry.path().extension() == ".case") names.push_back(entry.path().stem().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+class VelkorcCase : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(VelkorcCase, Runs) {
+    std::istringstream script(ReadFile(kCases / (GetParam() + ".case")));
+    CaseRun run;
+    // Settings, registry store and Wine prefix of the case's own, never the user's.
+    for (const char* name : {"VELKOR_INI", "VELKOR_REGISTRY", "WINEPREFIX", "XDG_CONFIG_HOME"})
+        run.SetEnv(name, (run.dir.path() / (std::string("settings-") + name)).string());
+    std::string line;
+    for (int number = 1; std::getline(script, line); ++number) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+            // "posix:" and "windows:" lines hold only on that kind of system.
+#ifdef _WIN32
+        if (line.starts_with("posix:")) continue;
+        if (line.starts_with("windows:")) line.erase(0, 8);
+        if (line == "posix-only") GTEST_SKIP() << "needs a POSIX file system";
+#else
+        if (line.starts_with("windows:")) continue;
+        if (line.starts_with("posix:")) line.erase(0, 6);
+#endif
+        const std::vector<std::string> words = Words(line);
+        if (words.empty() || words[0].starts_with("#") || words[0] == "posix-only") continue;
+        SCOPED_TRACE(GetParam() + ".case:" + std::to_string(number) + ": " + line);
+        try {
+            run.Do(words);
+        } catch (const std::exception& e) {
+            FAIL() << e.what();
+        }
+        if (HasFatalFailure()) return;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cli, VelkorcCase, ::testing::ValuesIn(CaseNames()), [](const ::testing::TestParamInfo<std::string>& param) {
+    std::string name = param.param;
+    for (char& c : name)
+        if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+    return name;
+});
+
+} // namespace
+} // namespace velkor::test
