@@ -1,6 +1,7 @@
 // Runs the velkorc cases under tests/cases/cli: each <name>.case is a script of lines that lay out files
 // in a fresh folder, run velkorc there and check its exit status, what it prints and the files it leaves.
 // tests/README.md describes the lines.
+#include "tests/support/case_words.h"
 #include "tests/support/environment.h"
 #include "tests/support/run_tool.h"
 
@@ -26,39 +27,6 @@ namespace {
 
 const fs::path kSource(VELKOR_SOURCE_DIR);
 const fs::path kCases = kSource / "tests/cases/cli";
-
-// Splits a line into words; a word in double quotes keeps its blanks and takes \r \n \t \\ \" and \xNN.
-std::vector<std::string> Words(const std::string& line) {
-    std::vector<std::string> words;
-    std::size_t i = 0;
-    while (i < line.size()) {
-        if (line[i] == ' ') {
-            ++i;
-            continue;
-        }
-        std::string w;
-        if (line[i] != '"') {
-            while (i < line.size() && line[i] != ' ') w += line[i++];
-        } else {
-            for (++i; i < line.size() && line[i] != '"'; ++i) {
-                if (line[i] != '\\' || i + 1 == line.size()) {
-                    w += line[i];
-                    continue;
-                }
-                const char c = line[++i];
-                if (c == 'x') {
-                    w += static_cast<char>(std::stoi(line.substr(i + 1, 2), nullptr, 16));
-                    i += 2;
-                } else {
-                    w += c == 'r' ? '\r' : c == 'n' ? '\n' : c == 't' ? '\t' : c;
-                }
-            }
-            ++i;
-        }
-        words.push_back(w);
-    }
-    return words;
-}
 
 void ReplaceAll(std::string& s, const std::string& from, const std::string& to) {
     for (std::size_t at = 0; (at = s.find(from, at)) != std::string::npos; at += to.size())
@@ -181,14 +149,6 @@ struct CaseRun {
     }
 };
 
-std::vector<std::string> CaseNames() {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(kCases))
-        if (entry.path().extension() == ".case") names.push_back(entry.path().stem().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 class VelkorcCase : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(VelkorcCase, Runs) {
@@ -209,7 +169,7 @@ TEST_P(VelkorcCase, Runs) {
         if (line.starts_with("windows:")) continue;
         if (line.starts_with("posix:")) line.erase(0, 6);
 #endif
-        const std::vector<std::string> words = Words(line);
+        const std::vector<std::string> words = SplitWords(line);
         if (words.empty() || words[0].starts_with("#") || words[0] == "posix-only") continue;
         SCOPED_TRACE(GetParam() + ".case:" + std::to_string(number) + ": " + line);
         try {
@@ -221,12 +181,8 @@ TEST_P(VelkorcCase, Runs) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cli, VelkorcCase, ::testing::ValuesIn(CaseNames()), [](const ::testing::TestParamInfo<std::string>& param) {
-    std::string name = param.param;
-    for (char& c : name)
-        if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(Cli, VelkorcCase, ::testing::ValuesIn(CaseNames(kCases, ".case")),
+                         [](const auto& param) { return TestNameOf(param.param); });
 
 } // namespace
 } // namespace velkor::test
