@@ -8,6 +8,7 @@
 #include "platform/registry_file_store.h"
 #include "platform/strings.h"
 #include "platform/text_file.h"
+#include "platform/wine_registry.h"
 #include "tests/platform/isolated_settings.h"
 #include "tests/support/case_words.h"
 
@@ -44,6 +45,38 @@ Words Of(const std::optional<T>& v) {
         return {Number(static_cast<double>(*v))};
 }
 
+// name=value words of what has a name and a value.
+template <typename T>
+Words Pairs(const std::vector<T>& entries) {
+    Words out;
+    for (const auto& e : entries) {
+        if constexpr (requires { e.key; })
+            out.push_back(e.key + "=" + e.value);
+        else
+            out.push_back(e.name + "=" + e.data);
+    }
+    return out;
+}
+
+Words Paths(const std::vector<RegistryKey>& keys) {
+    Words out;
+    for (const auto& key : keys) out.push_back(key.path);
+    return out;
+}
+
+// A call of the case files: its name and the words it gives back for the words `a` after its name.
+#define CALL(name, ...)                                                                                      \
+    {                                                                                                        \
+        name, [&]([[maybe_unused]] const Words& a) -> Words { return __VA_ARGS__; }                          \
+    }
+#define DO(name, ...)                                                                                        \
+    {                                                                                                        \
+        name, [&]([[maybe_unused]] const Words& a) -> Words {                                                \
+            __VA_ARGS__;                                                                                     \
+            return {};                                                                                       \
+        }                                                                                                    \
+    }
+
 class PlatformCase : public IsolatedSettings, public ::testing::WithParamInterface<std::string> {
 protected:
     std::optional<TIniFile> ini{dir.path() / "velkor.ini"};
@@ -53,125 +86,63 @@ protected:
     using Call = std::function<Words(const Words&)>;
     const std::map<std::string, Call> calls = {
         // Numbers and texts. "f" after a number makes it a float first.
-        {"StrToInt", [](const Words& a) { return Of(StrToInt(a.at(0))); }},
-        {"StrToFloat", [](const Words& a) { return Of(StrToFloat(a.at(0))); }},
-        {"FormatFloat",
-         [](const Words& a) {
-             const double v = a.at(1).ends_with('f') ? static_cast<float>(std::stod(a[1])) : std::stod(a[1]);
-             return Words{FormatFloat(a.at(0), v)};
-         }},
-        {"FormatThousands", [](const Words& a) { return Words{FormatThousands(std::stoll(a.at(0)))}; }},
-        {"IntToHex",
-         [](const Words& a) { return Words{IntToHex(std::stoul(a.at(0), nullptr, 0), std::stoi(a.at(1)))}; }},
-        {"UpperCase", [](const Words& a) { return Words{UpperCase(a.at(0))}; }},
-        {"LowerCase", [](const Words& a) { return Words{LowerCase(a.at(0))}; }},
-        {"SameText", [](const Words& a) { return Of(SameText(a.at(0), a.at(1))); }},
-        {"Trim", [](const Words& a) { return Words{std::string(Trim(a.at(0)))}; }},
-        {"FindNoCase", [](const Words& a) { return Words{std::to_string(FindNoCase(a.at(0), a.at(1)))}; }},
-        {"ReplaceAllNoCase",
-         [](const Words& a) { return Words{ReplaceAllNoCase(a.at(0), a.at(1), a.at(2))}; }},
-        {"NormaliseLineBreaks", [](const Words& a) { return Words{NormaliseLineBreaks(a.at(0))}; }},
-        {"SplitLines", [](const Words& a) { return SplitLines(a.at(0)); }},
-        {"JoinLinesCrLf", [](const Words& a) { return Words{JoinLinesCrLf(a)}; }},
-        {"IsValidUtf8", [](const Words& a) { return Of(IsValidUtf8(a.at(0))); }},
-        {"VisibleBytes", [](const Words& a) { return Words{VisibleBytes(a.at(0), a.size() > 1)}; }},
+        CALL("StrToInt", Of(StrToInt(a.at(0)))),
+        CALL("StrToFloat", Of(StrToFloat(a.at(0)))),
+        CALL("FormatFloat",
+             {FormatFloat(a.at(0), a.at(1).ends_with('f') ? std::stof(a[1]) : std::stod(a[1]))}),
+        CALL("FormatThousands", {FormatThousands(std::stoll(a.at(0)))}),
+        CALL("IntToHex", {IntToHex(std::stoul(a.at(0), nullptr, 0), std::stoi(a.at(1)))}),
+        CALL("UpperCase", {UpperCase(a.at(0))}),
+        CALL("LowerCase", {LowerCase(a.at(0))}),
+        CALL("SameText", Of(SameText(a.at(0), a.at(1)))),
+        CALL("Trim", {std::string(Trim(a.at(0)))}),
+        CALL("FindNoCase", {std::to_string(FindNoCase(a.at(0), a.at(1)))}),
+        CALL("ReplaceAllNoCase", {ReplaceAllNoCase(a.at(0), a.at(1), a.at(2))}),
+        CALL("NormaliseLineBreaks", {NormaliseLineBreaks(a.at(0))}),
+        CALL("SplitLines", SplitLines(a.at(0))),
+        CALL("JoinLinesCrLf", {JoinLinesCrLf(a)}),
+        CALL("IsValidUtf8", Of(IsValidUtf8(a.at(0)))),
+        CALL("VisibleBytes", {VisibleBytes(a.at(0), a.size() > 1)}),
         // The settings file.
-        {"ini.open",
-         [this](const Words& a) {
-             ini.emplace(dir.path() / a.at(0));
-             return Words{};
-         }},
-        {"ini.read", [this](const Words& a) { return Words{ini->ReadString(a.at(0), a.at(1), a.at(2))}; }},
-        {"ini.readint",
-         [this](const Words& a) {
-             return Words{std::to_string(ini->ReadInteger(a.at(0), a.at(1), std::stoi(a.at(2))))};
-         }},
-        {"ini.readbool",
-         [this](const Words& a) { return Of(ini->ReadBool(a.at(0), a.at(1), a.at(2) == "true")); }},
-        {"ini.write",
-         [this](const Words& a) {
-             ini->WriteString(a.at(0), a.at(1), a.at(2));
-             return Words{};
-         }},
-        {"ini.writeint",
-         [this](const Words& a) {
-             ini->WriteInteger(a.at(0), a.at(1), std::stoi(a.at(2)));
-             return Words{};
-         }},
-        {"ini.writebool",
-         [this](const Words& a) {
-             ini->WriteBool(a.at(0), a.at(1), a.at(2) == "true");
-             return Words{};
-         }},
-        {"ini.erase",
-         [this](const Words& a) {
-             ini->EraseSection(a.at(0));
-             return Words{};
-         }},
-        {"ini.delete",
-         [this](const Words& a) {
-             ini->DeleteKey(a.at(0), a.at(1));
-             return Words{};
-         }},
-        {"ini.has",
-         [this](const Words& a) {
-             return Of(a.size() == 1 ? ini->SectionExists(a[0]) : ini->ValueExists(a.at(0), a.at(1)));
-         }},
-        {"ini.sections", [this](const Words&) { return ini->ReadSections(); }},
-        {"ini.keys", [this](const Words& a) { return ini->ReadSection(a.at(0)); }},
-        {"ini.values",
-         [this](const Words& a) {
-             Words out;
-             for (const auto& e : ini->ReadSectionValues(a.at(0))) out.push_back(e.key + "=" + e.value);
-             return out;
-         }},
+        DO("ini.open", ini.emplace(dir.path() / a.at(0))),
+        CALL("ini.read", {ini->ReadString(a.at(0), a.at(1), a.at(2))}),
+        CALL("ini.readint", {std::to_string(ini->ReadInteger(a.at(0), a.at(1), std::stoi(a.at(2))))}),
+        CALL("ini.readbool", Of(ini->ReadBool(a.at(0), a.at(1), a.at(2) == "true"))),
+        DO("ini.write", ini->WriteString(a.at(0), a.at(1), a.at(2))),
+        DO("ini.writeint", ini->WriteInteger(a.at(0), a.at(1), std::stoi(a.at(2)))),
+        DO("ini.writebool", ini->WriteBool(a.at(0), a.at(1), a.at(2) == "true")),
+        DO("ini.erase", ini->EraseSection(a.at(0))),
+        DO("ini.delete", ini->DeleteKey(a.at(0), a.at(1))),
+        CALL("ini.has", Of(a.size() == 1 ? ini->SectionExists(a[0]) : ini->ValueExists(a.at(0), a.at(1)))),
+        CALL("ini.sections", ini->ReadSections()),
+        CALL("ini.keys", ini->ReadSection(a.at(0))),
+        CALL("ini.values", Pairs(ini->ReadSectionValues(a.at(0)))),
         // The registry store.
-        {"NormaliseKeyPath", [](const Words& a) { return Words{NormaliseKeyPath(a.at(0))}; }},
-        {"IsKeyAtOrBelow", [](const Words& a) { return Of(IsKeyAtOrBelow(a.at(0), a.at(1))); }},
-        {"reg.write",
-         [this](const Words& a) {
-             reg.WriteString(a.at(0), a.at(1), a.at(2));
-             return Words{};
-         }},
-        {"reg.read", [this](const Words& a) { return Of(reg.ReadString(a.at(0), a.at(1))); }},
-        {"reg.names", [this](const Words& a) { return reg.ValueNames(a.at(0)); }},
-        {"reg.exists", [this](const Words& a) { return Of(reg.KeyExists(a.at(0))); }},
-        {"reg.open", [this](const Words& a) { return Of(reg.OpenKey(a.at(0), a.at(1) == "create")); }},
-        {"reg.delvalue", [this](const Words& a) { return Of(reg.DeleteValue(a.at(0), a.at(1))); }},
-        {"reg.delkey", [this](const Words& a) { return Of(reg.DeleteKey(a.at(0))); }},
-        {"reg.again",
-         [this](const Words& a) {
-             return Of(RegistryFileStore(reg.FileName()).ReadString(a.at(0), a.at(1)));
-         }},
-        {"reg.keys",
-         [this](const Words&) {
-             Words out;
-             for (const auto& key : ParseRegistryStore(ReadFile(reg.FileName()))) out.push_back(key.path);
-             return out;
-         }},
+        CALL("NormaliseKeyPath", {NormaliseKeyPath(a.at(0))}),
+        CALL("IsKeyAtOrBelow", Of(IsKeyAtOrBelow(a.at(0), a.at(1)))),
+        DO("reg.write", reg.WriteString(a.at(0), a.at(1), a.at(2))),
+        CALL("reg.read", Of(reg.ReadString(a.at(0), a.at(1)))),
+        CALL("reg.names", reg.ValueNames(a.at(0))),
+        CALL("reg.exists", Of(reg.KeyExists(a.at(0)))),
+        CALL("reg.open", Of(reg.OpenKey(a.at(0), a.at(1) == "create"))),
+        CALL("reg.delvalue", Of(reg.DeleteValue(a.at(0), a.at(1)))),
+        CALL("reg.delkey", Of(reg.DeleteKey(a.at(0)))),
+        // A second store over the same file: nothing is cached.
+        CALL("reg.again", Of(RegistryFileStore(reg.FileName()).ReadString(a.at(0), a.at(1)))),
+        CALL("reg.keys", Paths(ParseRegistryStore(ReadFile(reg.FileName())))),
+        // Wine's registry text: a key's string values.
+        CALL("wine.values", Pairs(WineKeyValues(a.at(0), a.at(1)).value_or(std::vector<RegistryValue>{}))),
+        CALL("wine.has", Of(WineKeyValues(a.at(0), a.at(1)).has_value())),
+        CALL("wine.exists", Of(WineKeyExists(a.at(0), a.at(1)))),
         // Files of the case's folder.
-        {"file",
-         [this](const Words& a) {
-             WriteFile(dir / a.at(0), a.at(1));
-             return Words{};
-         }},
-        {"rm",
-         [this](const Words& a) {
-             fs::remove_all(dir / a.at(0));
-             return Words{};
-         }},
-        {"mkdir",
-         [this](const Words& a) {
-             fs::create_directories(dir / a.at(0));
-             return Words{};
-         }},
-        {"content", [this](const Words& a) { return Words{ReadFile(dir / a.at(0))}; }},
-        {"starts", [this](const Words& a) { return Of(ReadFile(dir / a.at(0)).starts_with(a.at(1))); }},
-        {"kind",
-         [this](const Words& a) {
-             const fs::path p = dir / a.at(0);
-             return Words{fs::is_directory(p) ? "folder" : fs::exists(p) ? "file" : "none"};
-         }},
+        DO("file", WriteFile(dir / a.at(0), a.at(1))),
+        DO("rm", fs::remove_all(dir / a.at(0))),
+        DO("mkdir", fs::create_directories(dir / a.at(0))),
+        CALL("content", {ReadFile(dir / a.at(0))}),
+        CALL("starts", Of(ReadFile(dir / a.at(0)).starts_with(a.at(1)))),
+        CALL("kind", {fs::is_directory(dir / a.at(0)) ? "folder"
+                      : fs::exists(dir / a.at(0))     ? "file"
+                                                      : "none"}),
     };
 
     void Line(const Words& words) {
