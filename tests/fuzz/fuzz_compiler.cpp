@@ -8,6 +8,7 @@
 #include "platform/named_folders.h"
 #include "platform/path_resolver.h"
 #include "scanner/scanner.h"
+#include "tests/fuzz/fuzz_check.h"
 #include "tests/support/decode_roundtrip.h"
 
 #include <cstddef>
@@ -18,6 +19,9 @@
 #include <string>
 
 namespace {
+
+using velkor::fuzz::Check;
+using velkor::fuzz::Fail;
 
 // An empty folder made on first use, the current folder and the temporary folder from then on; removed at
 // exit.
@@ -40,11 +44,6 @@ struct SandboxFolder {
 const std::filesystem::path& Sandbox() {
     static const SandboxFolder folder;
     return folder.path;
-}
-
-[[noreturn]] void Fail(const char* what, const std::string& text) {
-    std::fprintf(stderr, "%s\n%s\n", what, text.c_str());
-    std::abort();
 }
 
 // What the compiler writes decodes with its functions as listings, and the decoded text assembles to the

@@ -9,6 +9,7 @@
 //   S/outside       must stay empty
 //   S/wine          a Wine prefix whose Z: is the root
 // Three ".." from the working folder still lie inside S, so every name the input can spell lands in S.
+#include "tests/fuzz/fuzz_check.h"
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
@@ -31,12 +32,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void Check(bool ok, const char* what) {
-    if (!ok) {
-        std::fprintf(stderr, "fuzz_velkorc: %s\n", what);
-        std::abort();
-    }
-}
+using velkor::fuzz::Check;
+using velkor::fuzz::Fail;
 
 void Write(const fs::path& path, std::string_view bytes) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);

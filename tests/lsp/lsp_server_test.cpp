@@ -152,58 +152,17 @@ TEST(LanguageServerTest, ExitEndsTheServerWithTheStatusTheProtocolGives) {
     }
 }
 
-struct EditCase {
-    bool utf16;
-    TPosition from, to;
-    std::string text, expected;
-};
-
 TEST(TextDocumentTest, RangedEditsCountCharactersInTheAgreedUnits) {
     // "é" is two bytes and one UTF-16 unit; the rocket four bytes and two units.
-    const std::string original = "a\xC3\xA9"
-                                 "b\r\n\xF0\x9F\x9A\x80"
-                                 "cd\nlast";
-    const std::vector<EditCase> cases = {
-        {true,
-         {0, 2},
-         {0, 3},
-         "X",
-         "a\xC3\xA9X\r\n\xF0\x9F\x9A\x80"
-         "cd\nlast"},
-        {false,
-         {0, 3},
-         {0, 4},
-         "X",
-         "a\xC3\xA9X\r\n\xF0\x9F\x9A\x80"
-         "cd\nlast"},
-        {true,
-         {1, 2},
-         {1, 3},
-         "",
-         "a\xC3\xA9"
-         "b\r\n\xF0\x9F\x9A\x80"
-         "d\nlast"},
-        {false,
-         {1, 4},
-         {1, 5},
-         "",
-         "a\xC3\xA9"
-         "b\r\n\xF0\x9F\x9A\x80"
-         "d\nlast"},
-        {true,
-         {0, 99},
-         {1, 0},
-         "",
-         "a\xC3\xA9"
-         "b\xF0\x9F\x9A\x80"
-         "cd\nlast"},
-        {true,
-         {2, 4},
-         {9, 9},
-         "!\n",
-         "a\xC3\xA9"
-         "b\r\n\xF0\x9F\x9A\x80"
-         "cd\nlast!\n"},
+    const std::string original = "aéb\r\n🚀cd\nlast";
+    const struct {
+        bool utf16;
+        TPosition from, to;
+        std::string text, expected;
+    } cases[] = {
+        {true, {0, 2}, {0, 3}, "X", "aéX\r\n🚀cd\nlast"}, {false, {0, 3}, {0, 4}, "X", "aéX\r\n🚀cd\nlast"},
+        {true, {1, 2}, {1, 3}, "", "aéb\r\n🚀d\nlast"},   {false, {1, 4}, {1, 5}, "", "aéb\r\n🚀d\nlast"},
+        {true, {0, 99}, {1, 0}, "", "aéb🚀cd\nlast"},     {true, {2, 4}, {9, 9}, "!\n", "aéb\r\n🚀cd\nlast!\n"},
     };
     for (const auto& c : cases) {
         TTextDocument doc(original, c.utf16);
@@ -212,8 +171,7 @@ TEST(TextDocumentTest, RangedEditsCountCharactersInTheAgreedUnits) {
     }
     TTextDocument doc(original, true);
     EXPECT_EQ(doc.LineCount(), 3);
-    EXPECT_EQ(doc.LineText(1), "\xF0\x9F\x9A\x80"
-                               "cd");
+    EXPECT_EQ(doc.LineText(1), "🚀cd");
     EXPECT_EQ(doc.Character(1, 4), 2);
     EXPECT_EQ(doc.ByteColumn(1, 3), 5u);
 }

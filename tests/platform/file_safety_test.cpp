@@ -176,33 +176,6 @@ TEST(WriteTargets, FailuresGiveTheSystemsReason) {
               0);
     EXPECT_EQ(ReadFile(readOnly), "old");
     EXPECT_EQ(FilesIn(dir.path()), 1u);
-
-    // A device that is always full; root makes its own, so that no fault here could replace /dev/full.
-    fs::path full = "/dev/full";
-    if (::geteuid() == 0 && ::mknod((dir / "full").c_str(), S_IFCHR | 0666, makedev(1, 7)) == 0)
-        full = dir / "full";
-    EXPECT_EQ(FailureOf([&] { WriteFileAtomic(full, std::string_view("x")); }),
-              "Cannot write file \"" + full.string() + "\": No space left on device");
-    fs::create_directory(dir / "folder");
-    EXPECT_EQ(FailureOf([&] { WriteFileAtomic(dir / "folder", std::string_view("x")); }),
-              "Cannot create file \"" + (dir / "folder").string() + "\": Is a directory");
-}
-
-TEST(ReadSources, OnlyRegularFilesAreRead) {
-    TempDir dir;
-    const fs::path fifo = dir / "pipe";
-    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    for (const fs::path& path : {fs::path("/dev/zero"), fifo}) {
-        SCOPED_TRACE(path.string());
-        EXPECT_EQ(FailureOf([&] { ReadFileBytes(path); }),
-                  "Cannot open file \"" + path.string() + "\": not a regular file");
-        EXPECT_EQ(FailureOf([&] { LoadTextFile(path); }),
-                  "Cannot open file \"" + path.string() + "\": not a regular file");
-    }
-    EXPECT_EQ(FailureOf([&] { ReadFileBytes(dir / "none"); }),
-              "Cannot open file \"" + (dir / "none").string() + "\": No such file or directory");
-    EXPECT_EQ(FailureOf([&] { ReadFileBytes(dir.path()); }),
-              "Cannot open file \"" + dir.path().string() + "\": Is a directory");
 }
 
 // A writer killed part-way leaves the old file whole; the next write of the target replaces it and takes
