@@ -2,8 +2,11 @@
 // layer with the words after its name and, after "=", names the words it must give back ("!" and a text:
 // the exception it must throw). "file" lays out a file of the case's folder, "content" and "absent"
 // check one. tests/README.md describes the lines.
+#include "platform/executable_path.h"
 #include "platform/ini_file.h"
+#include "platform/named_folders.h"
 #include "platform/numbers.h"
+#include "platform/path_resolver.h"
 #include "platform/registry.h"
 #include "platform/registry_file_store.h"
 #include "platform/strings.h"
@@ -16,7 +19,9 @@
 
 #include <charconv>
 #include <functional>
+#include <list>
 #include <map>
+#include <memory>
 #include <sstream>
 
 namespace fs = std::filesystem;
@@ -52,10 +57,16 @@ Words Pairs(const std::vector<T>& entries) {
     for (const auto& e : entries) {
         if constexpr (requires { e.key; })
             out.push_back(e.key + "=" + e.value);
+        else if constexpr (requires { e.folder; })
+            out.push_back(e.name + "=" + e.folder);
         else
             out.push_back(e.name + "=" + e.data);
     }
     return out;
+}
+
+std::optional<std::string> Found(const std::optional<fs::path>& path) {
+    return path ? std::optional(path->string()) : std::nullopt;
 }
 
 Words Paths(const std::vector<RegistryKey>& keys) {
@@ -80,6 +91,8 @@ Words Paths(const std::vector<RegistryKey>& keys) {
 class PlatformCase : public IsolatedSettings, public ::testing::WithParamInterface<std::string> {
 protected:
     std::optional<TIniFile> ini{dir.path() / "velkor.ini"};
+    std::list<std::string> envNames; // the names the variables below are set under
+    std::vector<std::unique_ptr<ScopedEnv>> env;
     RegistryFileStore reg;
 
     // Each call takes the words after its name.
@@ -134,6 +147,29 @@ protected:
         CALL("wine.values", Pairs(WineKeyValues(a.at(0), a.at(1)).value_or(std::vector<RegistryValue>{}))),
         CALL("wine.has", Of(WineKeyValues(a.at(0), a.at(1)).has_value())),
         CALL("wine.exists", Of(WineKeyExists(a.at(0), a.at(1)))),
+        // Paths as the games write them, and the named folders.
+        CALL("FindExisting", Of(Found(FindExisting(a.at(0), a.size() > 1 ? fs::path(a[1]) : fs::path())))),
+        CALL("ResolvePath", {ResolvePath(a.at(0), a.at(1)).string()}),
+        CALL("HasFolder", Of(HasFolder(a.at(0)))),
+        CALL("IsAbsoluteGamePath", Of(IsAbsoluteGamePath(a.at(0)))),
+        CALL("ToNativePath", {ToNativePath(a.at(0)).string()}),
+        DO("SetExecutableFolder", SetExecutableFolderForTesting(a.at(0))),
+        CALL("NamedFolders", Pairs(NamedFolders())),
+        CALL("ExpandPath", {ExpandPath(a.at(0))}),
+        DO("AddNamedFolder", AddNamedFolder(a.at(0), a.at(1))),
+        DO("ResetNamedFolders", ResetNamedFoldersForTesting()),
+        CALL("GameFolderProphecy", {GameFolderProphecy()}),
+        CALL("GameFolderSecretOps", {GameFolderSecretOps()}),
+        DO("machine.write", MachineRegistry().WriteString(a.at(0), a.at(1), a.at(2))),
+        CALL("machine.names", MachineRegistry().ValueNames(a.at(0))),
+        CALL("machine.delkey", Of(MachineRegistry().DeleteKey(a.at(0)))),
+        CALL("machine.exists", Of(MachineRegistry().KeyExists(a.at(0)))),
+        CALL("wine.read", Of(WineRegistry().ReadString(a.at(0), a.at(1)))),
+        CALL("wine.names", WineRegistry().ValueNames(a.at(0))),
+        CALL("wine.keyexists", Of(WineRegistry().KeyExists(a.at(0)))),
+        DO("wine.write", WineRegistry().WriteString(a.at(0), a.at(1), a.at(2))),
+        DO("env",
+           env.push_back(std::make_unique<ScopedEnv>(envNames.emplace_back(a.at(0)).c_str(), a.at(1)))),
         // Files of the case's folder.
         DO("file", WriteFile(dir / a.at(0), a.at(1))),
         DO("rm", fs::remove_all(dir / a.at(0))),
@@ -145,12 +181,20 @@ protected:
                                                       : "none"}),
     };
 
-    void Line(const Words& words) {
+    void Line(Words words) {
+        std::string lower = dir.path().string();
+        for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        for (std::string& w : words) {
+            for (auto at = w.find("${DIR}"); at != std::string::npos; at = w.find("${DIR}"))
+                w.replace(at, 6, dir.path().string());
+            for (auto at = w.find("${dir}"); at != std::string::npos; at = w.find("${dir}"))
+                w.replace(at, 6, lower);
+        }
         const auto split =
             std::find_if(words.begin(), words.end(), [](const auto& w) { return w == "=" || w == "!"; });
         const Words args(words.begin() + 1, split);
         const auto call = calls.find(words[0]);
-        ASSERT_NE(call, calls.end()) << "no call " << words[0];
+        ASSERT_TRUE(call != calls.end()) << "no call " << words[0];
         std::optional<std::string> thrown;
         Words got;
         try {
@@ -176,8 +220,19 @@ TEST_P(PlatformCase, Runs) {
     std::istringstream script(ReadFile(kCases / (GetParam() + ".case")));
     std::string line;
     for (int number = 1; std::getline(script, line); ++number) {
+        // "posix:" and "windows:" lines hold only on that kind of system.
+#ifdef _WIN32
+        if (line.starts_with("posix:")) continue;
+        if (line.starts_with("windows:")) line.erase(0, 8);
+#else
+        if (line.starts_with("windows:")) continue;
+        if (line.starts_with("posix:")) line.erase(0, 6);
+#endif
+#ifdef _WIN32
+        if (line == "posix-only") GTEST_SKIP() << "a POSIX system's case";
+#endif
         const Words words = SplitWords(line);
-        if (words.empty() || words[0].starts_with("#")) continue;
+        if (words.empty() || words[0].starts_with("#") || words[0] == "posix-only") continue;
         SCOPED_TRACE(GetParam() + ".case:" + std::to_string(number) + ": " + line);
         Line(words);
     }
