@@ -1,15 +1,15 @@
 // Runs the velkorc cases under tests/cases/cli: each <name>.case is a script of lines that lay out files
 // in a fresh folder, run velkorc there and check its exit status, what it prints and the files it leaves.
 // tests/README.md describes the lines.
+#include "tests/platform/isolated_settings.h"
 #include "tests/support/case_words.h"
-#include "tests/support/environment.h"
 #include "tests/support/run_tool.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cctype>
 #include <filesystem>
+#include <list>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
@@ -28,40 +28,23 @@ namespace {
 const fs::path kSource(VELKOR_SOURCE_DIR);
 const fs::path kCases = kSource / "tests/cases/cli";
 
-void ReplaceAll(std::string& s, const std::string& from, const std::string& to) {
-    for (std::size_t at = 0; (at = s.find(from, at)) != std::string::npos; at += to.size())
-        s.replace(at, from.size(), to);
-}
-
 struct CaseRun {
     TempDir dir;
     fs::path cwd = dir.path();
     std::optional<ToolResult> last;
-    std::vector<std::pair<std::string, std::optional<std::string>>> savedEnv;
-
-    ~CaseRun() {
-        for (auto it = savedEnv.rbegin(); it != savedEnv.rend(); ++it)
-            SetEnvironment(it->first.c_str(), it->second);
-    }
+    std::list<std::string> envNames; // the names the variables below are set under
+    std::vector<std::unique_ptr<ScopedEnv>> env;
 
     void SetEnv(const std::string& name, const std::string& value) {
-        const char* old = std::getenv(name.c_str());
-        savedEnv.emplace_back(name, old ? std::optional<std::string>(old) : std::nullopt);
-        SetEnvironment(name.c_str(), value);
+        env.push_back(std::make_unique<ScopedEnv>(envNames.emplace_back(name).c_str(), value));
     }
 
-    // ${DIR} is the case's folder, ${dir} the same in lower case, ${ZDIR} as Wine names it, ${SRC} the
-    // source tree.
-    std::string Expand(std::string s) const {
-        std::string lower = dir.path().string(), wine = "Z:" + dir.path().string();
-        std::transform(lower.begin(), lower.end(), lower.begin(),
-                       [](unsigned char c) { return std::tolower(c); });
-        std::replace(wine.begin(), wine.end(), '/', '\\');
-        ReplaceAll(s, "${DIR}", dir.path().string());
-        ReplaceAll(s, "${dir}", lower);
-        ReplaceAll(s, "${ZDIR}", wine);
-        ReplaceAll(s, "${SRC}", kSource.string());
-        return s;
+    // The case's folder and ${SRC}, the source tree.
+    std::string Expand(const std::string& s) const {
+        std::string out = ExpandFolder(s, dir.path());
+        for (auto at = out.find("${SRC}"); at != std::string::npos; at = out.find("${SRC}"))
+            out.replace(at, 6, kSource.string());
+        return out;
     }
 
     fs::path Path(const std::string& name) const { return dir.path() / fs::path(name); }
@@ -160,14 +143,9 @@ TEST_P(VelkorcCase, Runs) {
     std::string line;
     for (int number = 1; std::getline(script, line); ++number) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
-            // "posix:" and "windows:" lines hold only on that kind of system.
+        if (!ForThisSystem(line)) continue;
 #ifdef _WIN32
-        if (line.starts_with("posix:")) continue;
-        if (line.starts_with("windows:")) line.erase(0, 8);
         if (line == "posix-only") GTEST_SKIP() << "needs a POSIX file system";
-#else
-        if (line.starts_with("windows:")) continue;
-        if (line.starts_with("posix:")) line.erase(0, 6);
 #endif
         const std::vector<std::string> words = SplitWords(line);
         if (words.empty() || words[0].starts_with("#") || words[0] == "posix-only") continue;

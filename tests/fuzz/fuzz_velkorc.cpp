@@ -100,31 +100,16 @@ Scratch& TheScratch() {
     return scratch;
 }
 
-// The pieces a name is spelt from.
+// The pieces a name is spelt from; the scratch folder's path as the system and as Wine write it.
 std::string Piece(std::uint8_t b, const Scratch& s) {
-    switch (b % 16) {
-    case 0: return "..";
-    case 1: return "/";
-    case 2: return "\\";
-    case 3: return "outside";
-    case 4: return "work";
-    case 5: return "sub";
-    case 6: return "x.mis";
-    case 7: return "src";
-    case 8: return "out";
-    case 9: return s.root.string() + "/";
-    case 10: {
-        std::string z = "Z:" + s.root.string() + "\\";
-        for (char& c : z)
-            if (c == '/') c = '\\';
-        return z;
-    }
-    case 11: return ".";
-    case 12: return "a";
-    case 13: return "X.MIS";
-    case 14: return "deep";
-    default: return "b";
-    }
+    static const char* const kPieces[] = {"..",  "/", "\\", "outside", "work", "sub",   "x.mis", "src",
+                                          "out", "",  "",   ".",       "a",    "X.MIS", "deep",  "b"};
+    if (b % 16 == 9) return s.root.string() + "/";
+    if (b % 16 != 10) return kPieces[b % 16];
+    std::string z = "Z:" + s.root.string() + "\\";
+    for (char& c : z)
+        if (c == '/') c = '\\';
+    return z;
 }
 
 std::vector<std::string> Names(std::string_view bytes, const Scratch& s) {

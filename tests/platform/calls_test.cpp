@@ -182,14 +182,7 @@ protected:
     };
 
     void Line(Words words) {
-        std::string lower = dir.path().string();
-        for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        for (std::string& w : words) {
-            for (auto at = w.find("${DIR}"); at != std::string::npos; at = w.find("${DIR}"))
-                w.replace(at, 6, dir.path().string());
-            for (auto at = w.find("${dir}"); at != std::string::npos; at = w.find("${dir}"))
-                w.replace(at, 6, lower);
-        }
+        for (std::string& w : words) w = ExpandFolder(w, dir.path());
         const auto split =
             std::find_if(words.begin(), words.end(), [](const auto& w) { return w == "=" || w == "!"; });
         const Words args(words.begin() + 1, split);
@@ -220,14 +213,7 @@ TEST_P(PlatformCase, Runs) {
     std::istringstream script(ReadFile(kCases / (GetParam() + ".case")));
     std::string line;
     for (int number = 1; std::getline(script, line); ++number) {
-        // "posix:" and "windows:" lines hold only on that kind of system.
-#ifdef _WIN32
-        if (line.starts_with("posix:")) continue;
-        if (line.starts_with("windows:")) line.erase(0, 8);
-#else
-        if (line.starts_with("windows:")) continue;
-        if (line.starts_with("posix:")) line.erase(0, 6);
-#endif
+        if (!ForThisSystem(line)) continue;
 #ifdef _WIN32
         if (line == "posix-only") GTEST_SKIP() << "a POSIX system's case";
 #endif

@@ -6,6 +6,8 @@
 #include <cctype>
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace velkor::test {
@@ -41,6 +43,31 @@ inline std::vector<std::string> SplitWords(const std::string& line) {
         words.push_back(w);
     }
     return words;
+}
+
+// Puts the folders in: ${DIR} as it is, ${dir} in lower case, ${ZDIR} as Wine names it from Windows.
+inline std::string ExpandFolder(std::string s, const std::filesystem::path& folder) {
+    std::string lower = folder.string(), wine = "Z:" + folder.string();
+    for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    std::replace(wine.begin(), wine.end(), '/', '\\');
+    for (const auto& [name, value] :
+         {std::pair{"${DIR}", folder.string()}, {"${dir}", lower}, {"${ZDIR}", wine}})
+        for (std::size_t at = 0; (at = s.find(name, at)) != std::string::npos; at += value.size())
+            s.replace(at, std::string_view(name).size(), value);
+    return s;
+}
+
+// False for a line that holds only on the other kind of system; a "posix:" or "windows:" line for this
+// one loses its mark.
+inline bool ForThisSystem(std::string& line) {
+#ifdef _WIN32
+    const std::string_view mine = "windows:", other = "posix:";
+#else
+    const std::string_view mine = "posix:", other = "windows:";
+#endif
+    if (line.starts_with(other)) return false;
+    if (line.starts_with(mine)) line.erase(0, mine.size());
+    return true;
 }
 
 // The names of the folder's case files of that extension, without it, sorted.
