@@ -2,6 +2,7 @@
 // layer with the words after its name and, after "=", names the words it must give back ("!" and a text:
 // the exception it must throw). "file" lays out a file of the case's folder, "content" and "absent"
 // check one. tests/README.md describes the lines.
+#include "platform/atomic_file_writer.h"
 #include "platform/executable_path.h"
 #include "platform/ini_file.h"
 #include "platform/named_folders.h"
@@ -17,6 +18,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <charconv>
 #include <functional>
 #include <list>
@@ -67,6 +69,20 @@ Words Pairs(const std::vector<T>& entries) {
 
 std::optional<std::string> Found(const std::optional<fs::path>& path) {
     return path ? std::optional(path->string()) : std::nullopt;
+}
+
+std::string Octal(unsigned v) {
+    std::string out;
+    for (; v; v /= 8) out.insert(out.begin(), static_cast<char>('0' + v % 8));
+    return out;
+}
+
+// The names in a folder, sorted.
+Words Names(const fs::path& folder) {
+    Words out;
+    for (const auto& entry : fs::directory_iterator(folder)) out.push_back(entry.path().filename().string());
+    std::sort(out.begin(), out.end());
+    return out;
 }
 
 Words Paths(const std::vector<RegistryKey>& keys) {
@@ -174,6 +190,13 @@ protected:
         DO("file", WriteFile(dir / a.at(0), a.at(1))),
         DO("rm", fs::remove_all(dir / a.at(0))),
         DO("mkdir", fs::create_directories(dir / a.at(0))),
+        DO("WriteFileAtomic", WriteFileAtomic(dir / a.at(0), std::string_view(a.at(1)))),
+        DO("symlink", fs::create_symlink(a.at(0), dir / a.at(1))),
+        DO("hardlink", fs::create_hard_link(dir / a.at(0), dir / a.at(1))),
+        DO("chmod", fs::permissions(dir / a.at(0), fs::perms(std::stoi(a.at(1), nullptr, 8)))),
+        CALL("mode", {Octal(static_cast<unsigned>(fs::status(dir / a.at(0)).permissions()))}),
+        CALL("islink", Of(fs::is_symlink(dir / a.at(0)))),
+        CALL("files", Names(dir / a.at(0))),
         CALL("content", {ReadFile(dir / a.at(0))}),
         CALL("starts", Of(ReadFile(dir / a.at(0)).starts_with(a.at(1)))),
         CALL("kind", {fs::is_directory(dir / a.at(0)) ? "folder"
