@@ -48,7 +48,13 @@ struct Server {
         reader.Feed(bytes, out);
         for (const auto& m : out) replies.push_back(json::parse(m.Body));
     }};
-    void Send(const json& message) { server.Receive(FrameMessage(message.dump())); }
+    // A request when it has an id, a notification when not.
+    void Send(const std::string& method, const json& params = nullptr, int id = 0) {
+        json message = {{"jsonrpc", "2.0"}, {"method", method}};
+        if (id) message["id"] = id;
+        if (!params.is_null()) message["params"] = params;
+        server.Receive(FrameMessage(message.dump()));
+    }
     std::vector<json> Named(const std::string& method) const {
         std::vector<json> out;
         for (const auto& r : replies)
@@ -65,52 +71,39 @@ struct Server {
 // A unit in an existing folder, so that its folder on the search path draws no hint.
 const std::string kUri = UriOfPath(std::filesystem::temp_directory_path() / "velkor-lsp-unit.pas");
 
-json Open(const std::string& text) {
-    return {{"jsonrpc", "2.0"},
-            {"method", "textDocument/didOpen"},
-            {"params",
-             {{"textDocument", {{"uri", kUri}, {"languageId", "velkor"}, {"version", 1}, {"text", text}}}}}};
-}
+const json kInitialize = {{"capabilities", json::object()}};
 
 TEST(LanguageServerTest, ARequestCancelledWhileItWaitsIsAnsweredAsCancelled) {
     Server s;
-    s.Send({{"jsonrpc", "2.0"},
-            {"id", 1},
-            {"method", "initialize"},
-            {"params", {{"capabilities", json::object()}}}});
-    s.Send({{"jsonrpc", "2.0"}, {"id", 2}, {"method", "workspace/symbol"}, {"params", {{"query", ""}}}});
-    s.Send({{"jsonrpc", "2.0"}, {"id", 3}, {"method", "workspace/symbol"}, {"params", {{"query", ""}}}});
-    s.Send({{"jsonrpc", "2.0"}, {"method", "$/cancelRequest"}, {"params", {{"id", 2}}}});
-    s.Send({{"jsonrpc", "2.0"}, {"method", "$/cancelRequest"}, {"params", {{"id", 77}}}});
+    s.Send("initialize", kInitialize, 1);
+    s.Send("workspace/symbol", {{"query", ""}}, 2);
+    s.Send("workspace/symbol", {{"query", ""}}, 3);
+    s.Send("$/cancelRequest", {{"id", 2}});
+    s.Send("$/cancelRequest", {{"id", 77}});
     s.server.Process();
     ASSERT_EQ(s.replies.size(), 3u);
     EXPECT_EQ(s.Reply(2)->at("error").at("code"), -32800);
     EXPECT_TRUE(s.Reply(3)->at("result").is_array());
     // Cancelling an answered request changes nothing.
-    s.Send({{"jsonrpc", "2.0"}, {"method", "$/cancelRequest"}, {"params", {{"id", 3}}}});
+    s.Send("$/cancelRequest", {{"id", 3}});
     s.server.Process();
     EXPECT_EQ(s.replies.size(), 3u);
 }
 
 TEST(LanguageServerTest, ChangesAreCompiledOnceTheyHaveSettled) {
     Server s;
-    s.Send(
-        {{"jsonrpc", "2.0"},
-         {"id", 1},
-         {"method", "initialize"},
-         {"params",
-          {{"capabilities", json::object()}, {"initializationOptions", {{"debounceMilliseconds", 500}}}}}});
-    s.Send(Open("unit u;\r\nvar a;\r\n"));
+    s.Send("initialize",
+           {{"capabilities", json::object()}, {"initializationOptions", {{"debounceMilliseconds", 500}}}}, 1);
+    s.Send("textDocument/didOpen",
+           {{"textDocument",
+             {{"uri", kUri}, {"languageId", "velkor"}, {"version", 1}, {"text", "unit u;\r\nvar a;\r\n"}}}});
     s.server.Process();
     s.server.RunDue(TClock::now());
     ASSERT_EQ(s.Named("textDocument/publishDiagnostics").size(), 1u);
 
     const auto change = [&](int version, const std::string& text) {
-        s.Send({{"jsonrpc", "2.0"},
-                {"method", "textDocument/didChange"},
-                {"params",
-                 {{"textDocument", {{"uri", kUri}, {"version", version}}},
-                  {"contentChanges", {{{"text", text}}}}}}});
+        s.Send("textDocument/didChange", {{"textDocument", {{"uri", kUri}, {"version", version}}},
+                                          {"contentChanges", {{{"text", text}}}}});
         s.server.Process();
     };
     const TClock::time_point before = TClock::now();
@@ -138,13 +131,10 @@ TEST(LanguageServerTest, ChangesAreCompiledOnceTheyHaveSettled) {
 TEST(LanguageServerTest, ExitEndsTheServerWithTheStatusTheProtocolGives) {
     for (bool shutdownFirst : {true, false}) {
         Server s;
-        s.Send({{"jsonrpc", "2.0"},
-                {"id", 1},
-                {"method", "initialize"},
-                {"params", {{"capabilities", json::object()}}}});
-        if (shutdownFirst) s.Send({{"jsonrpc", "2.0"}, {"id", 2}, {"method", "shutdown"}});
-        s.Send({{"jsonrpc", "2.0"}, {"method", "exit"}});
-        s.Send({{"jsonrpc", "2.0"}, {"id", 3}, {"method", "shutdown"}});
+        s.Send("initialize", kInitialize, 1);
+        if (shutdownFirst) s.Send("shutdown", nullptr, 2);
+        s.Send("exit");
+        s.Send("shutdown", nullptr, 3);
         s.server.Process();
         EXPECT_TRUE(s.server.ExitRequested());
         EXPECT_EQ(s.server.ExitCode(), shutdownFirst ? 0 : 1);
