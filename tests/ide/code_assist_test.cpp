@@ -302,21 +302,5 @@ TEST_F(CodeAssistTest, ContextMenuCaptionsAndRules) {
         QString::fromStdString(window.HelpView().CurrentPage()).endsWith(QStringLiteral("help/while.html")));
 }
 
-TEST_F(CodeAssistTest, GoToLineAsksForTheNumber) {
-    TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->SetText(QStringLiteral("a\r\nb\r\nc\r\nd\r\n"));
-    QString caption, label;
-    DialogHooks().AskInteger = [&](QWidget*, const QString& c, const QString& l, int) -> std::optional<int> {
-        caption = c;
-        label = l;
-        return 3;
-    };
-    window.MenuItem(QStringLiteral("MenuEditFindGotoLine"))->trigger();
-    EXPECT_EQ(caption, QStringLiteral("Go to Line Number"));
-    EXPECT_EQ(label, QStringLiteral("Enter new line number:"));
-    EXPECT_EQ(page->Memo()->CaretLine(), 2);
-}
-
 } // namespace
 } // namespace velkor::test

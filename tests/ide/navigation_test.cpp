@@ -76,12 +76,17 @@ TEST_F(NavigationTest, AltLeftAndAltRightGoBackAndForwardAcrossPages) {
                QString::number(page->Memo()->CaretColumn());
     };
 
-    // Go to Line 3, then Find Declaration of Boost on line 17 into the include.
-    DialogHooks().AskInteger = [](QWidget*, const QString&, const QString&, int) -> std::optional<int> {
+    // Go to Line from line 2 to 17 (its dialog asked with its caption), then Find Declaration of Boost there
+    // into the include.
+    QString asked;
+    DialogHooks().AskInteger = [&](QWidget*, const QString& caption, const QString& label,
+                                   int) -> std::optional<int> {
+        asked = caption + u'|' + label;
         return 17;
     };
     demo->Memo()->SetCaret(1, 4);
-    demo->GotoLine();
+    window.MenuItem(QStringLiteral("MenuEditFindGotoLine"))->trigger();
+    EXPECT_EQ(asked, QStringLiteral("Go to Line Number|Enter new line number:"));
     ASSERT_EQ(place(), QStringLiteral("Demo.pas:17:0"));
     demo->Memo()->SetCaret(16, 22); // in "Boost"
     demo->FindDeclaration();
