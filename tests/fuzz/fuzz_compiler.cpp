@@ -8,6 +8,7 @@
 #include "platform/named_folders.h"
 #include "platform/path_resolver.h"
 #include "scanner/scanner.h"
+#include "tests/fuzz/fuzz_check.h"
 #include "tests/support/decode_roundtrip.h"
 
 #include <cstddef>
@@ -19,32 +20,18 @@
 
 namespace {
 
-// An empty folder made on first use, the current folder and the temporary folder from then on; removed at
-// exit.
-struct SandboxFolder {
-    std::filesystem::path path; // the folder, empty when it could not be made
+using velkor::fuzz::Check;
+using velkor::fuzz::Fail;
 
-    SandboxFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "velkor-fuzz-XXXXXX").string();
-        if (!mkdtemp(pattern.data())) return;
-        path = pattern;
-        std::filesystem::current_path(path);
-        setenv("TMPDIR", path.c_str(), 1);
-    }
-    ~SandboxFolder() {
-        std::error_code ec;
-        if (!path.empty()) std::filesystem::remove_all(path, ec);
-    }
-};
-
+// An empty folder of its own, the current folder and the temporary folder from the first use on.
 const std::filesystem::path& Sandbox() {
-    static const SandboxFolder folder;
-    return folder.path;
-}
-
-[[noreturn]] void Fail(const char* what, const std::string& text) {
-    std::fprintf(stderr, "%s\n%s\n", what, text.c_str());
-    std::abort();
+    static const std::filesystem::path& folder = []() -> const std::filesystem::path& {
+        const std::filesystem::path& made = velkor::test::FuzzSideFolder("velkor-fuzz-compiler");
+        std::filesystem::current_path(made);
+        setenv("TMPDIR", made.c_str(), 1);
+        return made;
+    }();
+    return folder;
 }
 
 // What the compiler writes decodes with its functions as listings, and the decoded text assembles to the

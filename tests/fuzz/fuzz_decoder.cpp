@@ -3,6 +3,7 @@
 // text is lossless, and otherwise to bytes that decode to the very same text. The first byte picks the
 // decode limit, the float mode, the scanner and whether the special decoders run.
 #include "iff/iff_decoder.h"
+#include "tests/fuzz/fuzz_check.h"
 #include "tests/support/decode_roundtrip.h"
 
 #include <cstddef>
@@ -16,15 +17,13 @@
 
 namespace {
 
+using velkor::fuzz::Check;
+using velkor::fuzz::Fail;
+
 using namespace velkor;
 
 const std::filesystem::path& SideFolder() {
     return test::FuzzSideFolder("velkor-fuzz-decoder");
-}
-
-[[noreturn]] void Fail(const char* what, const std::string& text) {
-    std::fprintf(stderr, "%s\n%s\n", what, text.c_str());
-    std::abort();
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "iff/checksum.h"
 #include "iff/iff_decoder.h"
 #include "iff/wcp_opcodes.h"
+#include "tests/fuzz/fuzz_check.h"
 #include "tests/support/decode_roundtrip.h"
 
 #include <cstddef>
@@ -18,16 +19,14 @@
 
 namespace {
 
+using velkor::fuzz::Check;
+using velkor::fuzz::Fail;
+
 using namespace velkor;
 using test::Bytes;
 
 const std::filesystem::path& SideFolder() {
     return test::FuzzSideFolder("velkor-fuzz-function-records");
-}
-
-[[noreturn]] void Fail(const char* what, const std::string& text) {
-    std::fprintf(stderr, "%s\n%s\n", what, text.c_str());
-    std::abort();
 }
 
 void BigEndian(Bytes& out, std::size_t v) {

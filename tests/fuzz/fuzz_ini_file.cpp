@@ -1,6 +1,7 @@
 // Any bytes parse as an ini file, and a read-write-read cycle keeps every value: rewriting each value in
 // place, or writing them all into a fresh file, reads back exactly what was read.
 #include "platform/ini_document.h"
+#include "tests/fuzz/fuzz_check.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -8,6 +9,9 @@
 #include <vector>
 
 namespace {
+
+using velkor::fuzz::Check;
+using velkor::fuzz::Fail;
 
 using velkor::IniDocument;
 using velkor::IniSection;
@@ -21,10 +25,6 @@ bool SameContents(const std::vector<IniSection>& a, const std::vector<IniSection
                 return false;
     }
     return true;
-}
-
-void Check(bool ok) {
-    if (!ok) std::abort();
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "iff/iff_reader.h"
 #include "iff/map_objects.h"
 #include "iff/map_svg.h"
+#include "tests/fuzz/fuzz_check.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,9 +16,10 @@ namespace {
 void CheckText(std::string_view svg) {
     for (const char c : svg) {
         const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 && c != '\n') std::abort();
+        if (byte < 0x20 && c != '\n') velkor::fuzz::Fail("a property of the map does not hold");
     }
-    if (svg.substr(0, 5) != "<?xml" || svg.find("</svg>\n") != svg.size() - 7) std::abort();
+    if (svg.substr(0, 5) != "<?xml" || svg.find("</svg>\n") != svg.size() - 7)
+        velkor::fuzz::Fail("a property of the map does not hold");
 }
 
 } // namespace
@@ -27,7 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const velkor::TIffReader reader(std::span(data, size));
         const auto objects = velkor::ReadMapObjects(reader);
         for (std::size_t i = 0; i < objects.size(); ++i)
-            if (objects[i].Ordinal != static_cast<int>(i)) std::abort();
+            if (objects[i].Ordinal != static_cast<int>(i))
+                velkor::fuzz::Fail("a property of the map does not hold");
         velkor::TMapSceneOptions options;
         options.title = "fuzz";
         CheckText(velkor::MapSvg(objects, options));

@@ -2,6 +2,7 @@
 // path, value name and text survive the file exactly.
 #include "platform/registry.h"
 #include "platform/registry_file_store.h"
+#include "tests/fuzz/fuzz_check.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -9,6 +10,9 @@
 #include <vector>
 
 namespace {
+
+using velkor::fuzz::Check;
+using velkor::fuzz::Fail;
 
 using velkor::RegistryKey;
 
@@ -21,10 +25,6 @@ bool SameKeys(const std::vector<RegistryKey>& a, const std::vector<RegistryKey>&
                 return false;
     }
     return true;
-}
-
-void Check(bool ok) {
-    if (!ok) std::abort();
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 //   S/outside       must stay empty
 //   S/wine          a Wine prefix whose Z: is the root
 // Three ".." from the working folder still lie inside S, so every name the input can spell lands in S.
+#include "tests/fuzz/fuzz_check.h"
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
@@ -31,12 +32,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void Check(bool ok, const char* what) {
-    if (!ok) {
-        std::fprintf(stderr, "fuzz_velkorc: %s\n", what);
-        std::abort();
-    }
-}
+using velkor::fuzz::Check;
+using velkor::fuzz::Fail;
 
 void Write(const fs::path& path, std::string_view bytes) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
@@ -103,31 +100,16 @@ Scratch& TheScratch() {
     return scratch;
 }
 
-// The pieces a name is spelt from.
+// The pieces a name is spelt from; the scratch folder's path as the system and as Wine write it.
 std::string Piece(std::uint8_t b, const Scratch& s) {
-    switch (b % 16) {
-    case 0: return "..";
-    case 1: return "/";
-    case 2: return "\\";
-    case 3: return "outside";
-    case 4: return "work";
-    case 5: return "sub";
-    case 6: return "x.mis";
-    case 7: return "src";
-    case 8: return "out";
-    case 9: return s.root.string() + "/";
-    case 10: {
-        std::string z = "Z:" + s.root.string() + "\\";
-        for (char& c : z)
-            if (c == '/') c = '\\';
-        return z;
-    }
-    case 11: return ".";
-    case 12: return "a";
-    case 13: return "X.MIS";
-    case 14: return "deep";
-    default: return "b";
-    }
+    static const char* const kPieces[] = {"..",  "/", "\\", "outside", "work", "sub",   "x.mis", "src",
+                                          "out", "",  "",   ".",       "a",    "X.MIS", "deep",  "b"};
+    if (b % 16 == 9) return s.root.string() + "/";
+    if (b % 16 != 10) return kPieces[b % 16];
+    std::string z = "Z:" + s.root.string() + "\\";
+    for (char& c : z)
+        if (c == '/') c = '\\';
+    return z;
 }
 
 std::vector<std::string> Names(std::string_view bytes, const Scratch& s) {

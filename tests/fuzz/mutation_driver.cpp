@@ -24,55 +24,38 @@ Bytes ReadAll(const std::filesystem::path& p) {
 }
 
 void Mutate(Bytes& data, const std::vector<Bytes>& seeds, std::mt19937_64& rng) {
-    auto pick = [&](std::size_t n) { return n == 0 ? 0 : static_cast<std::size_t>(rng() % n); };
+    const auto pick = [&](std::size_t n) {
+        return n == 0 ? std::size_t{0} : static_cast<std::size_t>(rng() % n);
+    };
+    const auto at = [](const Bytes& b, std::size_t i) { return b.begin() + static_cast<std::ptrdiff_t>(i); };
     static const std::uint8_t kInteresting[] = {0,    1,    0x7F, 0x80, 0xFF, '"', '{', '}', ';', '/', '*',
                                                 '\r', '\n', '#',  '$',  '%',  '-', '[', ']', ',', ' '};
-    int rounds = 1 + static_cast<int>(rng() % 4);
-    for (int r = 0; r < rounds; ++r) {
-        switch (rng() % 7) {
-        case 0:
-            if (!data.empty()) data[pick(data.size())] ^= static_cast<std::uint8_t>(1u << (rng() % 8));
-            break;
-        case 1:
-            if (!data.empty()) data[pick(data.size())] = static_cast<std::uint8_t>(rng());
-            break;
-        case 2:
-            data.insert(data.begin() + static_cast<std::ptrdiff_t>(pick(data.size() + 1)),
-                        kInteresting[pick(sizeof kInteresting)]);
-            break;
+    for (int round = 0, rounds = 1 + static_cast<int>(rng() % 4); round < rounds; ++round) {
+        const std::uint64_t kind = rng() % 7;
+        if (data.empty() && kind != 2 && kind != 4) continue;
+        const std::size_t from = pick(data.size()), to = pick(data.size() + 1);
+        const Bytes& other = seeds[pick(seeds.size())];
+        const std::size_t otherFrom = pick(other.size());
+        switch (kind) {
+        case 0: data[from] ^= static_cast<std::uint8_t>(1u << (rng() % 8)); break;
+        case 1: data[from] = static_cast<std::uint8_t>(rng()); break;
+        case 2: data.insert(at(data, to), kInteresting[pick(sizeof kInteresting)]); break;
         case 3:
-            if (!data.empty()) {
-                std::size_t at = pick(data.size());
-                std::size_t n = 1 + pick(std::min<std::size_t>(16, data.size() - at));
-                data.erase(data.begin() + static_cast<std::ptrdiff_t>(at),
-                           data.begin() + static_cast<std::ptrdiff_t>(std::min(data.size(), at + n)));
-            }
+            data.erase(at(data, from),
+                       at(data, from + 1 + pick(std::min<std::size_t>(16, data.size() - from))));
             break;
-        case 4:
-            if (!seeds.empty()) {
-                const Bytes& other = seeds[pick(seeds.size())];
-                if (!other.empty()) {
-                    std::size_t from = pick(other.size());
-                    std::size_t n = 1 + pick(std::min<std::size_t>(64, other.size() - from));
-                    data.insert(data.begin() + static_cast<std::ptrdiff_t>(pick(data.size() + 1)),
-                                other.begin() + static_cast<std::ptrdiff_t>(from),
-                                other.begin() + static_cast<std::ptrdiff_t>(from + n));
-                }
-            }
+        case 4: // a piece of another seed
+            if (!other.empty())
+                data.insert(
+                    at(data, to), at(other, otherFrom),
+                    at(other, otherFrom + 1 + pick(std::min<std::size_t>(64, other.size() - otherFrom))));
             break;
-        case 5:
-            if (data.size() > 1) data.resize(pick(data.size()));
-            break;
-        case 6:
-            if (!data.empty()) {
-                std::size_t at = pick(data.size());
-                std::size_t n = 1 + pick(std::min<std::size_t>(8, data.size() - at));
-                Bytes copy(data.begin() + static_cast<std::ptrdiff_t>(at),
-                           data.begin() + static_cast<std::ptrdiff_t>(at + n));
-                data.insert(data.begin() + static_cast<std::ptrdiff_t>(pick(data.size() + 1)), copy.begin(),
-                            copy.end());
-            }
-            break;
+        case 5: data.resize(pick(data.size())); break;
+        default: { // a piece of the input itself, repeated elsewhere
+            const Bytes copy(at(data, from),
+                             at(data, from + 1 + pick(std::min<std::size_t>(8, data.size() - from))));
+            data.insert(at(data, to), copy.begin(), copy.end());
+        }
         }
     }
 }

@@ -3,7 +3,6 @@
 #include "lsp/language_server.h"
 #include "lsp/message_framing.h"
 #include "lsp/text_document.h"
-#include "tests/support/run_tool.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -49,7 +48,13 @@ struct Server {
         reader.Feed(bytes, out);
         for (const auto& m : out) replies.push_back(json::parse(m.Body));
     }};
-    void Send(const json& message) { server.Receive(FrameMessage(message.dump())); }
+    // A request when it has an id, a notification when not.
+    void Send(const std::string& method, const json& params = nullptr, int id = 0) {
+        json message = {{"jsonrpc", "2.0"}, {"method", method}};
+        if (id) message["id"] = id;
+        if (!params.is_null()) message["params"] = params;
+        server.Receive(FrameMessage(message.dump()));
+    }
     std::vector<json> Named(const std::string& method) const {
         std::vector<json> out;
         for (const auto& r : replies)
@@ -66,52 +71,39 @@ struct Server {
 // A unit in an existing folder, so that its folder on the search path draws no hint.
 const std::string kUri = UriOfPath(std::filesystem::temp_directory_path() / "velkor-lsp-unit.pas");
 
-json Open(const std::string& text) {
-    return {{"jsonrpc", "2.0"},
-            {"method", "textDocument/didOpen"},
-            {"params",
-             {{"textDocument", {{"uri", kUri}, {"languageId", "velkor"}, {"version", 1}, {"text", text}}}}}};
-}
+const json kInitialize = {{"capabilities", json::object()}};
 
 TEST(LanguageServerTest, ARequestCancelledWhileItWaitsIsAnsweredAsCancelled) {
     Server s;
-    s.Send({{"jsonrpc", "2.0"},
-            {"id", 1},
-            {"method", "initialize"},
-            {"params", {{"capabilities", json::object()}}}});
-    s.Send({{"jsonrpc", "2.0"}, {"id", 2}, {"method", "workspace/symbol"}, {"params", {{"query", ""}}}});
-    s.Send({{"jsonrpc", "2.0"}, {"id", 3}, {"method", "workspace/symbol"}, {"params", {{"query", ""}}}});
-    s.Send({{"jsonrpc", "2.0"}, {"method", "$/cancelRequest"}, {"params", {{"id", 2}}}});
-    s.Send({{"jsonrpc", "2.0"}, {"method", "$/cancelRequest"}, {"params", {{"id", 77}}}});
+    s.Send("initialize", kInitialize, 1);
+    s.Send("workspace/symbol", {{"query", ""}}, 2);
+    s.Send("workspace/symbol", {{"query", ""}}, 3);
+    s.Send("$/cancelRequest", {{"id", 2}});
+    s.Send("$/cancelRequest", {{"id", 77}});
     s.server.Process();
     ASSERT_EQ(s.replies.size(), 3u);
     EXPECT_EQ(s.Reply(2)->at("error").at("code"), -32800);
     EXPECT_TRUE(s.Reply(3)->at("result").is_array());
     // Cancelling an answered request changes nothing.
-    s.Send({{"jsonrpc", "2.0"}, {"method", "$/cancelRequest"}, {"params", {{"id", 3}}}});
+    s.Send("$/cancelRequest", {{"id", 3}});
     s.server.Process();
     EXPECT_EQ(s.replies.size(), 3u);
 }
 
 TEST(LanguageServerTest, ChangesAreCompiledOnceTheyHaveSettled) {
     Server s;
-    s.Send(
-        {{"jsonrpc", "2.0"},
-         {"id", 1},
-         {"method", "initialize"},
-         {"params",
-          {{"capabilities", json::object()}, {"initializationOptions", {{"debounceMilliseconds", 500}}}}}});
-    s.Send(Open("unit u;\r\nvar a;\r\n"));
+    s.Send("initialize",
+           {{"capabilities", json::object()}, {"initializationOptions", {{"debounceMilliseconds", 500}}}}, 1);
+    s.Send("textDocument/didOpen",
+           {{"textDocument",
+             {{"uri", kUri}, {"languageId", "velkor"}, {"version", 1}, {"text", "unit u;\r\nvar a;\r\n"}}}});
     s.server.Process();
     s.server.RunDue(TClock::now());
     ASSERT_EQ(s.Named("textDocument/publishDiagnostics").size(), 1u);
 
     const auto change = [&](int version, const std::string& text) {
-        s.Send({{"jsonrpc", "2.0"},
-                {"method", "textDocument/didChange"},
-                {"params",
-                 {{"textDocument", {{"uri", kUri}, {"version", version}}},
-                  {"contentChanges", {{{"text", text}}}}}}});
+        s.Send("textDocument/didChange", {{"textDocument", {{"uri", kUri}, {"version", version}}},
+                                          {"contentChanges", {{{"text", text}}}}});
         s.server.Process();
     };
     const TClock::time_point before = TClock::now();
@@ -139,13 +131,10 @@ TEST(LanguageServerTest, ChangesAreCompiledOnceTheyHaveSettled) {
 TEST(LanguageServerTest, ExitEndsTheServerWithTheStatusTheProtocolGives) {
     for (bool shutdownFirst : {true, false}) {
         Server s;
-        s.Send({{"jsonrpc", "2.0"},
-                {"id", 1},
-                {"method", "initialize"},
-                {"params", {{"capabilities", json::object()}}}});
-        if (shutdownFirst) s.Send({{"jsonrpc", "2.0"}, {"id", 2}, {"method", "shutdown"}});
-        s.Send({{"jsonrpc", "2.0"}, {"method", "exit"}});
-        s.Send({{"jsonrpc", "2.0"}, {"id", 3}, {"method", "shutdown"}});
+        s.Send("initialize", kInitialize, 1);
+        if (shutdownFirst) s.Send("shutdown", nullptr, 2);
+        s.Send("exit");
+        s.Send("shutdown", nullptr, 3);
         s.server.Process();
         EXPECT_TRUE(s.server.ExitRequested());
         EXPECT_EQ(s.server.ExitCode(), shutdownFirst ? 0 : 1);
@@ -153,76 +142,17 @@ TEST(LanguageServerTest, ExitEndsTheServerWithTheStatusTheProtocolGives) {
     }
 }
 
-TEST(LspCommandTest, TheCommandLineNamesTheServerAndTakesNoFile) {
-    struct Case {
-        std::vector<std::string> args;
-        int exitCode;
-        std::string inOutput;
-    };
-    const std::vector<Case> cases = {
-        {{"--help"}, 0, "  lsp                         language server over stdio (LSP 3.17)"},
-        {{"lsp", "--help"}, 0, "Usage: velkorc lsp\n"},
-        {{"lsp", "unit.pas"}, 2, "velkorc: lsp takes no file\n"},
-    };
-    for (const auto& c : cases) {
-        const auto result = test::RunVelkorc(c.args);
-        EXPECT_EQ(result.exitCode, c.exitCode) << c.args.back();
-        EXPECT_NE((result.out + result.err).find(c.inOutput), std::string::npos) << result.out << result.err;
-    }
-}
-
-struct EditCase {
-    bool utf16;
-    TPosition from, to;
-    std::string text, expected;
-};
-
 TEST(TextDocumentTest, RangedEditsCountCharactersInTheAgreedUnits) {
     // "é" is two bytes and one UTF-16 unit; the rocket four bytes and two units.
-    const std::string original = "a\xC3\xA9"
-                                 "b\r\n\xF0\x9F\x9A\x80"
-                                 "cd\nlast";
-    const std::vector<EditCase> cases = {
-        {true,
-         {0, 2},
-         {0, 3},
-         "X",
-         "a\xC3\xA9X\r\n\xF0\x9F\x9A\x80"
-         "cd\nlast"},
-        {false,
-         {0, 3},
-         {0, 4},
-         "X",
-         "a\xC3\xA9X\r\n\xF0\x9F\x9A\x80"
-         "cd\nlast"},
-        {true,
-         {1, 2},
-         {1, 3},
-         "",
-         "a\xC3\xA9"
-         "b\r\n\xF0\x9F\x9A\x80"
-         "d\nlast"},
-        {false,
-         {1, 4},
-         {1, 5},
-         "",
-         "a\xC3\xA9"
-         "b\r\n\xF0\x9F\x9A\x80"
-         "d\nlast"},
-        {true,
-         {0, 99},
-         {1, 0},
-         "",
-         "a\xC3\xA9"
-         "b\xF0\x9F\x9A\x80"
-         "cd\nlast"},
-        {true,
-         {2, 4},
-         {9, 9},
-         "!\n",
-         "a\xC3\xA9"
-         "b\r\n\xF0\x9F\x9A\x80"
-         "cd\nlast!\n"},
+    const std::string original = "aéb\r\n🚀cd\nlast";
+    const struct {
+        bool utf16;
+        TPosition from, to;
+        std::string text, expected;
+    } cases[] = {
+        {true, {0, 2}, {0, 3}, "X", "aéX\r\n🚀cd\nlast"}, {false, {0, 3}, {0, 4}, "X", "aéX\r\n🚀cd\nlast"},
+        {true, {1, 2}, {1, 3}, "", "aéb\r\n🚀d\nlast"},   {false, {1, 4}, {1, 5}, "", "aéb\r\n🚀d\nlast"},
+        {true, {0, 99}, {1, 0}, "", "aéb🚀cd\nlast"},     {true, {2, 4}, {9, 9}, "!\n", "aéb\r\n🚀cd\nlast!\n"},
     };
     for (const auto& c : cases) {
         TTextDocument doc(original, c.utf16);
@@ -231,8 +161,7 @@ TEST(TextDocumentTest, RangedEditsCountCharactersInTheAgreedUnits) {
     }
     TTextDocument doc(original, true);
     EXPECT_EQ(doc.LineCount(), 3);
-    EXPECT_EQ(doc.LineText(1), "\xF0\x9F\x9A\x80"
-                               "cd");
+    EXPECT_EQ(doc.LineText(1), "🚀cd");
     EXPECT_EQ(doc.Character(1, 4), 2);
     EXPECT_EQ(doc.ByteColumn(1, 3), 5u);
 }
