@@ -1,5 +1,6 @@
 // The assembler and the decoder over the case files in tests/cases/iff: texts in, files out, and binary
 // files in, texts out and back.
+#include "iff/hash_names.h"
 #include "iff/iff_decoder.h"
 #include "iff/iff_reader.h"
 #include "tests/compiler/case_file.h"
@@ -42,13 +43,20 @@ TEST(IffCases, Assemble) {
     });
 }
 
-// The first input line holds the file's bytes, a second one `<limit> <file name> [exact] [raw]`. The
+// The first input line holds the file's bytes or `asm <text>` for the file the text assembles into, a
+// second one `<limit> <file name> [exact] [raw] [names]`, names for a few names the system knows. The
 // text is assembled again under both scanners: an exact decode must give the input back, an inexact one
 // shows what it gives.
 TEST(IffCases, Decode) {
     TempDir dir;
     RunCaseFolder(kCases / "decode", [&](const Case& c) {
-        const Bytes file = ParseBytes(c.raw.at(0));
+        Bytes file;
+        if (c.input.at(0).starts_with("asm ")) {
+            const Assembled a = Assemble(c.input[0].substr(4));
+            if (a.files.empty()) return std::vector<std::string>{"assembler error " + a.error};
+            file = a.files[0].second;
+        } else
+            file = ParseBytes(c.raw[0]);
         std::istringstream args(c.input.size() > 1 ? c.input[1] : "");
         std::int64_t limit = 1024;
         std::string name = "t.iff";
@@ -57,6 +65,11 @@ TEST(IffCases, Decode) {
         for (std::string word; args >> word;) {
             options.exactFloats |= word == "exact";
             options.disassemble &= word != "raw";
+            if (word == "names") {
+                auto names = std::make_shared<KnownNames>();
+                names->AddWordsOf("Main Helper WaitSeconds CameraOff OrderAttack gFlag");
+                options.names = names;
+            }
         }
         std::vector<std::string> out;
         DecodedIff decoded;
