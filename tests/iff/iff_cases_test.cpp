@@ -39,6 +39,7 @@ TEST(IffCases, Assemble) {
         };
         also("the fast scanner", Assemble(text, ScannerClass::Fast));
         also("the general value path", Assemble(text, ScannerClass::Standard, {}, false));
+        also("the fast scanner's general value path", Assemble(text, ScannerClass::Fast, {}, false));
         return out;
     });
 }
