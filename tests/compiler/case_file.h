@@ -1,4 +1,5 @@
 // Case files: a folder of texts, each holding cases as `>` input lines and the `<` lines expected out.
+// A block of `=` lines is a template the cases after it share: a case's input stands in for its `@@`.
 // Any other line is a comment. Input and expected lines take the escapes \r \n \t \\ and \xNN. With
 // VELKOR_UPDATE_CASES set, a run writes what it got in place of every case's `<` lines instead.
 #pragma once
@@ -96,6 +97,25 @@ struct Case {
     int line = 0;                    // of its first input line
     std::vector<std::string> input;  // unescaped
     std::vector<std::string> raw;    // as written
+    std::vector<std::string> frame;  // the template in force, unescaped
+
+    // The input put into the template, when there is one.
+    std::vector<std::string> Framed(std::size_t skip = 0) const {
+        const std::vector<std::string> lines(input.begin() + static_cast<std::ptrdiff_t>(skip), input.end());
+        if (frame.empty()) return lines;
+        std::vector<std::string> out;
+        for (const auto& l : frame) {
+            const std::size_t at = l.find("@@");
+            if (at == std::string::npos) {
+                out.push_back(l);
+                continue;
+            }
+            for (std::size_t k = 0; k < lines.size(); ++k)
+                out.push_back((k == 0 ? l.substr(0, at) : "") + lines[k] +
+                              (k + 1 == lines.size() ? l.substr(at + 2) : ""));
+        }
+        return out;
+    }
     std::vector<std::string> expect; // as written
 };
 
@@ -109,13 +129,18 @@ inline void RunCaseFolder(const std::filesystem::path& folder,
         std::ifstream in(entry.path(), std::ios::binary);
         std::vector<std::string> lines;
         for (std::string l; std::getline(in, l);) lines.push_back(l);
-        std::vector<std::string> rewritten;
+        std::vector<std::string> rewritten, frame;
         for (std::size_t i = 0; i < lines.size();) {
+            if (lines[i].starts_with('=')) {
+                if (i == 0 || !lines[i - 1].starts_with('=')) frame.clear();
+                frame.push_back(Unescape(lines[i].substr(std::min<std::size_t>(2, lines[i].size()))));
+            }
             if (!lines[i].starts_with('>')) {
                 rewritten.push_back(lines[i++]);
                 continue;
             }
             Case c;
+            c.frame = frame;
             c.line = static_cast<int>(i + 1);
             for (; i < lines.size() && lines[i].starts_with('>'); ++i) {
                 rewritten.push_back(lines[i]);
