@@ -18,26 +18,6 @@ TEST(Functions, EmptyBodyGetsAPlaceholderAndAWarning) {
     EXPECT_EQ(r.Symbol("F")->Register, 0);
 }
 
-TEST(Functions, BodyHeadListsSymbolsAllocAndInitialValuesInReverseOrder) {
-    CompileRun r(
-        {"unit U;", "function Sum(x, y);", "var a = 1, b, c = $10;", "begin", "  a := x + y", "end;"});
-    EXPECT_EQ(r.failure, "");
-    EXPECT_EQ(r.Code(),
-              (StringList{"FUNC Sum 2", "{", "  //symbol: __ST0, reg: 27", "  //symbol: C, reg: 26",
-                          "  //symbol: B, reg: 25", "  //symbol: A, reg: 24", "  //symbol: Y, reg: 17",
-                          "  //symbol: X, reg: 16", "  alloc 4;", "  movc v26 16;", "  movc v24 1;",
-                          "  movv v8 v16;", "  movv v27 v8;", "  movv v8 v17;", "  movv v9 v8;",
-                          "  movv v8 v27;", "  addv v8 v8 v9;", "  movv v24 v8;", "}"}));
-    EXPECT_TRUE(r.Has("[U, 2] doing user function...Sum"));
-    EXPECT_TRUE(r.Has("[U, 6] function used 4 registers"));
-}
-
-TEST(Functions, ParametersAloneReserveNothing) {
-    CompileRun ok({"unit U;", "function f(x); begin x := 1 end;"});
-    EXPECT_EQ(ok.Code(),
-              (StringList{"FUNC f 1", "{", "  //symbol: X, reg: 16", "  movc v8 1;", "  movv v16 v8;", "}"}));
-}
-
 TEST(Functions, LocalConstantsAndStaticsInTheBody) {
     CompileRun r(
         {"unit U;", "function f;", "const Two = 2;", "var static s = 4, t;", "begin t := Two; s := t end;"},
@@ -70,13 +50,6 @@ TEST(Functions, ForwardExternalAndBodilessDeclarations) {
                                     "  movv v16 v8;", "}"}));
 }
 
-TEST(Functions, UnimplementedFunctionsAreReportedByFinishAtTheirDeclaration) {
-    CompileRun r(
-        {"unit U;", "function Never; forward;", "function Done; forward;", "function Done; begin end;"},
-        false, 0, true);
-    EXPECT_EQ(r.Errors(), (StringList{"[U, 2] ERROR: user function Never not implemented"}));
-}
-
 TEST(Functions, RedeclarationRules) {
     CompileRun twice({"unit U;", "function f; begin end;", "function f; begin end;"});
     EXPECT_EQ(twice.failure, "\r\nfunction \"f\" already implemented");
@@ -103,29 +76,6 @@ TEST(Functions, RedeclarationRules) {
     EXPECT_EQ(external.Symbol("f")->Kind, skUserFunction);
 }
 
-TEST(Functions, ResultReturnsFromEveryFunctionThatAssignsIt) {
-    CompileRun r({"unit U;", "function f(a);", "begin", "  if (a) then result := 1 else result := 2", "end;",
-                  "function g; begin g2 := 1 end;"},
-                 false);
-    EXPECT_EQ(
-        FunctionLines(r.Code(), "FUNC f 1"),
-        (StringList{"FUNC f 1", "{", "  //symbol: RESULT, reg: 24", "  //symbol: A, reg: 16", "  alloc 1;",
-                    "  movv v8 v16;", "  if v8", "  {", "    movc v8 1;", "    movv v24 v8;", "  }", "  else",
-                    "  {", "    movc v8 2;", "    movv v24 v8;", "  }", "  return v24;", "}"}));
-    // g knows no result any more: its own assignment fails, and nothing returns.
-    EXPECT_EQ(FunctionLines(r.Code(), "FUNC g 0"), (StringList{"FUNC g 0", "{", "  movc v8 0;", "}"}));
-}
-
-TEST(Functions, AUnitLevelResultMakesEveryFunctionReturnV0) {
-    CompileRun r({"unit U;", "var result;", "function f; begin result := 1 end;", "function g; begin end;"});
-    EXPECT_EQ(r.failure, "");
-    EXPECT_EQ(FunctionLines(r.Code(), "FUNC f 0"),
-              (StringList{"FUNC f 0", "{", "  movc v8 1;", "  movv result v8;", "  return v0;", "}"}));
-    // The return line fills the body before the emptiness test.
-    EXPECT_EQ(FunctionLines(r.Code(), "FUNC g 0"), (StringList{"FUNC g 0", "{", "  return v0;", "}"}));
-    EXPECT_FALSE(r.Has("[U, 4] WARNING: Empty function body (g)"));
-}
-
 TEST(Functions, GameCallsCountRegistersDownFromV15) {
     std::vector<std::string> unit{"unit U;", "function Nine(a1, a2, a3, a4, a5, a6, a7, a8, a9); external;",
                                   "function f;", "begin Nine(1, 2, 3, 4, 5, 6, 7, 8, 9) end;"};
@@ -142,38 +92,6 @@ TEST(Functions, GameCallsCountRegistersDownFromV15) {
     EXPECT_TRUE(r.Has("[U, 4] warning: using v8 for wcp function call"));
     EXPECT_TRUE(r.Has("[U, 4] warning: using v7 for wcp function call"));
     EXPECT_FALSE(r.Has("[U, 4] warning: using v9 for wcp function call"));
-}
-
-TEST(Functions, ByNameArgumentsTakeNoRegister) {
-    CompileRun r({"unit U;", "var Flag;", "const Limit = $20;", "function W(a, b, c, d); external;",
-                  "function f;", "var loc;", "begin W(@Flag, loc, @Unknown_Name, @Limit) end;"});
-    EXPECT_EQ(r.failure, "");
-    EXPECT_EQ(r.Code(),
-              (StringList{"FUNC f 0", "{", "  //symbol: LOC, reg: 24", "  alloc 1;", "  movv v8 v24;",
-                          "  movv v15 v8;", "  W Flag v15 Unknown_Name 32;", "}"}));
-}
-
-TEST(Functions, CallArgumentErrors) {
-    CompileRun missingComma({"unit U;", "function W(a, b); external;", "function f; begin W(1 2) end;"});
-    EXPECT_EQ(missingComma.failure, "expected \",\" but found \"2\"");
-    CompileRun noParens({"unit U;", "function W(a); external;", "function f; begin W end;"});
-    EXPECT_EQ(noParens.failure, "expected \"(\" but found \"end\"");
-    CompileRun tooFew({"unit U;", "function u(a, b); forward;", "function f; begin u(1) end;"});
-    EXPECT_EQ(tooFew.failure, "expected \"<symbol>\" but found \")\"");
-    // Without halting a failed argument ends the call without a report per missing argument.
-    CompileRun recovered({"unit U;", "function u(a, b, c); forward;", "function f; begin u(zz); end;",
-                          "function u(a, b, c); begin end;"},
-                         false, 0);
-    EXPECT_EQ(recovered.Errors(), (StringList{"[U, 3] ERROR: expected \"<symbol>\" but found \"zz\""}));
-}
-
-TEST(Functions, DeclarationErrors) {
-    CompileRun name({"unit U;", "function 12; begin end;"});
-    EXPECT_EQ(name.failure, "expected \"<Identifier>\" but found \"12\"");
-    CompileRun parameter({"unit U;", "function f(a, 1); begin end;"});
-    EXPECT_EQ(parameter.failure, "expected \"<Identifier>\" but found \"1\"");
-    CompileRun semicolon({"unit U;", "function f(a) begin end;"});
-    EXPECT_EQ(semicolon.failure, "expected \";\" but found \"begin\"");
 }
 
 } // namespace

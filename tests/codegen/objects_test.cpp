@@ -81,21 +81,6 @@ TEST(Objects, FixedTypeTextsOverrideTheObjValue) {
     }
 }
 
-TEST(Objects, SharedChunkIdsAndFixedValues) {
-    CompileRun r({"mission M;", "object A (A) AS ABSTART x: 0; y: 0; z: 0;", "EVENT_H: h; event_4: four;",
-                  "BRIEF_NAME: 7; ABSDATA: 1, 2, 3000; ABCDATA: 4, 5;", "end;"});
-    EXPECT_EQ(r.failure, "");
-    EXPECT_EQ(r.Objects(), ObjectForm("ABSTART", "A", {"0", "0", "0"}, 23,
-                                      {PropForm("3F524DD3 // OBJ_PROP_EVENTH", {"cstring \"h\""}),
-                                       PropForm("3F524DD3 // OBJ_PROP_EVENT4", {"cstring \"four\""}),
-                                       PropForm("7CD3CF30 // OBJ_PROP_BRIEF_NAME", {"long 7"}),
-                                       PropForm("E2D9FD86 // OBJ_PROP_ABSTART_DATA",
-                                                {"long 1 // number", "long 2 // count", "long 556",
-                                                 "long 3000 // diameter", "long 10", "long 22", "long 5"}),
-                                       PropForm("BA4BEF19 // OBJ_PROP_ABCPOINT_DATA",
-                                                {"long 4 // ABS number", "long 5 // ABCP number"})}));
-}
-
 TEST(Objects, EveryPropertyKeyword) {
     const std::vector<std::pair<std::string, std::string>> single = {
         {"DEATH: p", "7C851FAA // OBJ_PROP_PROG_DEATH"},
@@ -130,43 +115,6 @@ TEST(Objects, EveryPropertyKeyword) {
         ASSERT_EQ(r.failure, "") << property;
         EXPECT_EQ(r.Objects()[r.Objects().size() - 9], "      CHUNK $" + chunk) << property;
     }
-}
-
-TEST(Objects, Errors) {
-    CompileRun wing({"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: 0;", "WING: 1;", "end;"});
-    EXPECT_EQ(wing.failure, "WING not supported!");
-    CompileRun property({"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: 0;", "Shield: 1;", "end;"});
-    EXPECT_EQ(property.failure, "expected \"<property>\" but found \"Shield\"");
-    CompileRun type({"mission M;", "object O (O) AS Boat x: 0; y: 0; z: 0; end;"});
-    EXPECT_EQ(type.failure, "expected \"<object type>\" but found \"Boat\"");
-    CompileRun position({"mission M;", "object O (O) AS SHIP x: 0; z: 0; end;"});
-    EXPECT_EQ(position.failure, "expected \"y\" but found \"z\"");
-    CompileRun number({"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: zero; end;"});
-    EXPECT_EQ(number.failure, "\"zero\" is not a valid floating point value");
-    // Without halting the form is still closed and the next object compiles.
-    CompileRun recovered({"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: 0;", "WING: 1; Bad: 2;",
-                          "PILOT: 3;", "end;", "object P (P) AS SHIP x: 0; y: 0; z: 0; end;"},
-                         false, 0);
-    EXPECT_EQ(recovered.Errors(), (StringList{"[M, 3] ERROR: WING not supported!",
-                                              "[M, 3] ERROR: expected \"<property>\" but found \"Bad\""}));
-    StringList expected =
-        ObjectForm("", "O", {"0", "0", "0"}, 20, {PropForm("DB4529D3 // OBJ_PROP_PILOT", {"long 3"})});
-    const StringList second = ObjectForm("", "P", {"0", "0", "0"}, 20, {});
-    expected.insert(expected.end(), second.begin(), second.end());
-    EXPECT_EQ(recovered.Objects(), expected);
-}
-
-TEST(Objects, ForwardDeclarationsAndReferences) {
-    CompileRun r({"mission M;", "object Later;", "object Never;", "function f;", "var a;",
-                  "begin a := Later end;", "object Later (Later) AS NAVPOINT x: 0; y: 0; z: 0; end;"},
-                 false, 3, true);
-    EXPECT_TRUE(r.Has("[M, 2] #adding object forward declaration:Later"));
-    EXPECT_EQ(r.Errors(), (StringList{"[M, 3] ERROR: object Never not implemented"}));
-    const StringList code = r.Code();
-    EXPECT_NE(std::find(code.begin(), code.end(), "  movc v8 Later;"), code.end());
-    CompileRun twice(
-        {"mission M;", "object A (A) x: 0; y: 0; z: 0; end;", "object A (A) x: 0; y: 0; z: 0; end;"});
-    EXPECT_EQ(twice.failure, "identifier \"A\" redeclared");
 }
 
 TEST(Objectives, NumberedInDeclarationOrder) {
@@ -204,50 +152,6 @@ TEST(Objectives, NumberedInDeclarationOrder) {
     EXPECT_EQ(r.Symbol("second")->Text, "1");
     const StringList code = r.Code();
     EXPECT_NE(std::find(code.begin(), code.end(), "  movc v8 1;"), code.end());
-}
-
-TEST(Objectives, FieldsInTheirFixedOrder) {
-    CompileRun order({"mission M;", "objective O hidden: 0; text: 1; type: 2; status: 0; counter: 0; end;"});
-    EXPECT_EQ(order.failure, "expected \"type\" but found \"text\"");
-    CompileRun value({"mission M;", "objective O hidden: no; type: 2; text: 1; status: 0; counter: 0; end;"});
-    EXPECT_EQ(value.failure, "\"no\" is not a valid integer value");
-    CompileRun series({"series S;", "objective O hidden: 0; type: 2; text: 1; status: 0; counter: 0; end;"},
-                      false, 0);
-    EXPECT_EQ(series.Errors().size(), 1u);
-    EXPECT_EQ(series.Objectives().size(), 12u);
-}
-
-// The NAME command after its "#": "name" ":" value ";", like every other command.
-struct NameRun {
-    std::vector<std::string> messages;
-    TCompiler compiler;
-    explicit NameRun(const std::string& text) {
-        compiler.OnOutput = [this](const std::string& m) { messages.push_back(m); };
-        compiler.HaltOnError = false;
-        compiler.SetSource(text);
-        compiler.CodeGen().CompileNameCommand();
-    }
-};
-
-TEST(NameCommand, SetsTheNameNumber) {
-    NameRun hex("name : $20; var\r\n");
-    EXPECT_EQ(hex.compiler.NameNumber, 32);
-    EXPECT_TRUE(hex.messages.empty());
-    EXPECT_EQ(hex.compiler.NextToken(), "var");
-    NameRun upper("NAME: 7;");
-    EXPECT_EQ(upper.compiler.NameNumber, 7);
-    NameRun open("name: 7 var\r\n");
-    EXPECT_EQ(open.compiler.NameNumber, 7);
-    EXPECT_EQ(open.messages.front(), "[, 1] ERROR: expected \";\" but found \"var\"");
-}
-
-TEST(NameCommand, MinusOneAndTextsAreRefused) {
-    NameRun minus("name: -1;");
-    EXPECT_EQ(minus.compiler.NameNumber, 1);
-    EXPECT_EQ(minus.messages.front(), "[, 1] ERROR: expected \"<integer value>\" but found \"-1\"");
-    NameRun text("name: abc;");
-    EXPECT_EQ(text.compiler.NameNumber, 1);
-    EXPECT_EQ(text.messages.front(), "[, 1] ERROR: expected \"<integer value>\" but found \"abc\"");
 }
 
 } // namespace
