@@ -76,23 +76,5 @@ TEST(Functions, RedeclarationRules) {
     EXPECT_EQ(external.Symbol("f")->Kind, skUserFunction);
 }
 
-TEST(Functions, GameCallsCountRegistersDownFromV15) {
-    std::vector<std::string> unit{"unit U;", "function Nine(a1, a2, a3, a4, a5, a6, a7, a8, a9); external;",
-                                  "function f;", "begin Nine(1, 2, 3, 4, 5, 6, 7, 8, 9) end;"};
-    CompileRun r(unit);
-    EXPECT_EQ(r.failure, "");
-    StringList expected{"FUNC f 0", "{"};
-    for (int i = 0; i < 9; ++i) {
-        expected.push_back("  movc v8 " + std::to_string(i + 1) + ";");
-        expected.push_back("  movv v" + std::to_string(15 - i) + " v8;");
-    }
-    expected.push_back("  Nine v15 v14 v13 v12 v11 v10 v9 v8 v7;");
-    expected.push_back("}");
-    EXPECT_EQ(r.Code(), expected);
-    EXPECT_TRUE(r.Has("[U, 4] warning: using v8 for wcp function call"));
-    EXPECT_TRUE(r.Has("[U, 4] warning: using v7 for wcp function call"));
-    EXPECT_FALSE(r.Has("[U, 4] warning: using v9 for wcp function call"));
-}
-
 } // namespace
 } // namespace velkor::test

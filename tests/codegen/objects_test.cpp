@@ -60,61 +60,6 @@ TEST(Objects, FixedTypeTextsOverrideTheObjValue) {
     CompileRun camera({"mission M;", "object Cam (Cam) AS CAMERA OBJ: \"x\"; x: 0; y: 0; z: 0; end;"});
     EXPECT_EQ(camera.failure, "");
     EXPECT_EQ(camera.Objects(), ObjectForm("PROGCAM", "Cam", {"0", "0", "0"}, 25, {}));
-    const std::vector<std::tuple<std::string, std::string, int>> types = {{"SHIP", "", 20},
-                                                                          {"CAPSHIP", "", 26},
-                                                                          {"PLAYER", "", 19},
-                                                                          {"NAVPOINT", "NAVPOINT", 21},
-                                                                          {"ABSTART", "ABSTART", 23},
-                                                                          {"ABCPOINT", "ABCPOINT", 5},
-                                                                          {"JUMPPOINT", "JUMPPOINT", 9},
-                                                                          {"HBODY", "HBODY", 24},
-                                                                          {"LIGHT", "LIGHT", 3},
-                                                                          {"ACAPMISS", "", 28},
-                                                                          {"CLUSTER", "", 29},
-                                                                          {"SYSTEM", "SYSTEM", 31},
-                                                                          {"DEBRSFLD", "DEBRSFLD", 14},
-                                                                          {"GHOST", "GHOST", 27},
-                                                                          {"CARGO", "CARGO", 22}};
-    for (const auto& [word, text, number] : types) {
-        CompileRun r({"mission M;", "object O (\"Game O\") AS " + word, "x: 1; y: 2; z: 3; end;"});
-        EXPECT_EQ(r.Objects(), ObjectForm(text, "Game O", {"1", "2", "3"}, number, {})) << word;
-    }
-}
-
-TEST(Objects, EveryPropertyKeyword) {
-    const std::vector<std::pair<std::string, std::string>> single = {
-        {"DEATH: p", "7C851FAA // OBJ_PROP_PROG_DEATH"},
-        {"BRIEF: p", "DED3032D // OBJ_PROP_PROG_BRIEF"},
-        {"EVENT_0: p", "841E2D1E // OBJ_PROP_EVENT0"},
-        {"EVENT_1: p", "F3191D88 // OBJ_PROP_EVENT1"},
-        {"EVENT_2: p", "6A104C32 // OBJ_PROP_EVENT2"},
-        {"EVENT_3: p", "1D177CA4 // OBJ_PROP_EVENT3"},
-        {"EVENT_5: p", "F474D991 // OBJ_PROP_EVENT5"},
-        {"EVENT_6: p", "6D7D882B // OBJ_PROP_EVENT6"},
-        {"EVENT_7: p", "1A7AB8BD // OBJ_PROP_EVENT7"},
-        {"PILOT: 1", "DB4529D3 // OBJ_PROP_PILOT"},
-        {"TARGSTR: 1", "12E9F423 // OBJ_PROP_TARGET_STRING"},
-        {"NAME: 1", "C0182354 // OBJ_PROP_NAME"},
-        {"LIGHTTYPE: 1", "440950ED // OBJ_PROP_LIGHT_TYPE"},
-        {"LENSFLARE: 1", "3915DCFD // OBJ_PROP_LENS_FLARE"},
-        {"BODY: 1", "6C16661E // OBJ_PROP_HBODY_OBJ"},
-        {"ACTIONSPHERE: 1", "214E3DDF // OBJ_PROP_ACTIONSPHERE"},
-        {"UNKNOWN2: 1", "228C6B96 // OBJ_PROP_UNKNOWN2"}};
-    for (const auto& [property, chunk] : single) {
-        CompileRun r({"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: 0; " + property + "; end;"});
-        ASSERT_EQ(r.failure, "") << property;
-        EXPECT_EQ(r.Objects()[r.Objects().size() - 7], "      CHUNK $" + chunk) << property;
-    }
-    const std::vector<std::pair<std::string, std::string>> triple = {
-        {"LIGHTCOLOR", "8D4A2E9F // OBJ_PROP_LIGHT_COLOR"},
-        {"UNKNOWN5", "7498C4FE // OBJ_PROP_UNKNOWN5"},
-        {"UNKNOWN6", "A1867673 // OBJ_PROP_UNKNOWN6"}};
-    for (const auto& [property, chunk] : triple) {
-        CompileRun r(
-            {"mission M;", "object O (O) AS SHIP x: 0; y: 0; z: 0; " + property + ": 1, 2, 3; end;"});
-        ASSERT_EQ(r.failure, "") << property;
-        EXPECT_EQ(r.Objects()[r.Objects().size() - 9], "      CHUNK $" + chunk) << property;
-    }
 }
 
 TEST(Objectives, NumberedInDeclarationOrder) {
