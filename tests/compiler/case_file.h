@@ -94,10 +94,10 @@ inline std::string Hex(const std::vector<std::uint8_t>& bytes) {
 }
 
 struct Case {
-    int line = 0;                    // of its first input line
-    std::vector<std::string> input;  // unescaped
-    std::vector<std::string> raw;    // as written
-    std::vector<std::string> frame;  // the template in force, unescaped
+    int line = 0;                   // of its first input line
+    std::vector<std::string> input; // unescaped
+    std::vector<std::string> raw;   // as written
+    std::vector<std::string> frame; // the template in force, unescaped
 
     // The input put into the template, when there is one.
     std::vector<std::string> Framed(std::size_t skip = 0) const {
