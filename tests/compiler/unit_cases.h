@@ -2,17 +2,22 @@
 #pragma once
 
 #include "compiler/compiler.h"
+#include "compiler/defines.h"
+#include "compiler/symbol_table.h"
 #include "tests/compiler/case_file.h"
 
 #include <sstream>
 
 namespace velkor::test {
 
-// A case's first input line may set up the run: `@ verbosity=N nohalt finish optimize objects` (objects
-// shows the object and objective texts). Source lines are joined with CR LF, as every loaded source is.
+// A case's first input line may set up the run: `@ verbosity=N nohalt finish optimize objects state link
+// raw`. objects shows the object and objective texts, state the unit's settings and symbols, link the
+// linked text. Source lines are
+// joined with CR LF, as every loaded source is, or with raw as they stand (escapes give the line ends).
 inline std::vector<std::string> CompileCase(const Case& c) {
     int verbosity = 3;
-    bool halt = true, finish = false, objects = false, optimize = false;
+    bool halt = true, finish = false, objects = false, optimize = false, state = false, raw = false,
+         link = false;
     const bool setup = c.input.at(0).starts_with("@ ");
     if (setup) {
         std::istringstream words(c.input[0].substr(2));
@@ -22,10 +27,13 @@ inline std::vector<std::string> CompileCase(const Case& c) {
             finish |= w == "finish";
             objects |= w == "objects";
             optimize |= w == "optimize";
+            state |= w == "state";
+            raw |= w == "raw";
+            link |= w == "link";
         }
     }
     std::string text;
-    for (const auto& line : c.Framed(setup ? 1 : 0)) text += line + "\r\n";
+    for (const auto& line : c.Framed(setup ? 1 : 0)) text += raw ? line : line + "\r\n";
     std::vector<std::string> messages, out;
     TCompiler compiler;
     compiler.HaltOnError = halt;
@@ -54,8 +62,36 @@ inline std::vector<std::string> CompileCase(const Case& c) {
         list("object ", data.Objects);
         list("objective ", data.Objectives);
     }
+    if (state) {
+        const auto join = [](const StringList& items) {
+            std::string all;
+            for (const auto& item : items) all += "[" + item + "]";
+            return all;
+        };
+        out.push_back("unit " + compiler.UnitName + " kind " + std::to_string(compiler.UnitKind) + " name " +
+                      std::to_string(compiler.NameNumber) + " sector " + compiler.SectorFile +
+                      " background " + std::to_string(compiler.Background));
+        out.push_back("rooms " + join(*compiler.Rooms) + " killboard " + join(*compiler.KillBoard) +
+                      " defines " + join(compiler.Defines->Names()));
+        out.push_back("searchpath " + join(compiler.SearchPath) + " output " + compiler.OutputPath);
+        out.push_back("errors " + std::to_string(compiler.ErrorCount) + " conditional " +
+                      std::to_string(compiler.ConditionalState) + (compiler.InElse ? " in else" : ""));
+        const TSymbolTable& symbols = compiler.Symbols();
+        for (int i = 0; i < symbols.Count(); ++i) {
+            const TSymbol& y = symbols.Get(i);
+            out.push_back("symbol " + y.Name + " kind " + std::to_string(y.Kind) + " line " +
+                          std::to_string(y.Line) + " text " + y.Text + " register " +
+                          std::to_string(y.Register) + " value " + std::to_string(y.Value));
+        }
+    }
     if (!data.MainProc.empty()) out.push_back("mainproc " + data.MainProc);
     if (!data.GfProc.empty()) out.push_back("gfproc " + data.GfProc);
+    if (link && (messages.empty() || !messages.back().starts_with("failure "))) {
+        const std::string linked = compiler.Link();
+        for (std::size_t at = 0, end; (end = linked.find("\r\n", at)) != std::string::npos; at = end + 2)
+            out.push_back("link " + linked.substr(at, end - at));
+        if (!linked.ends_with("\r\n")) out.push_back("linked text ends without CR LF");
+    }
     out.insert(out.end(), messages.begin(), messages.end());
     return out;
 }
