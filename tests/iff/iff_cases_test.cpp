@@ -2,6 +2,7 @@
 // files in, texts out and back.
 #include "iff/hash_names.h"
 #include "iff/iff_decoder.h"
+#include "iff/iff_items.h"
 #include "iff/iff_reader.h"
 #include "tests/compiler/case_file.h"
 #include "tests/support/decode_roundtrip.h"
@@ -99,6 +100,31 @@ TEST(IffCases, Decode) {
         }
         if (!lines[0].empty()) out.push_back(lines[0]);
         if (lines[1] != lines[0]) out.push_back("fast scanner " + lines[1]);
+        return out;
+    });
+}
+
+void Outline(const TIffItem& item, int depth, std::vector<std::string>& out) {
+    out.push_back(std::string(static_cast<std::size_t>(2 * depth), ' ') +
+                  (item.IsForm() ? "FORM " : "CHUNK ") + Escape(item.ID) + " at " +
+                  std::to_string(item.Offset) + " size " + std::to_string(item.Size));
+    if (item.IsForm())
+        for (const TIffItem* child : static_cast<const TForm&>(item).Children())
+            Outline(*child, depth + 1, out);
+}
+
+// The first input line holds the file's bytes, a second one may name it: the reader's tree out, each item
+// with its offset and its size made even, or the reader's error.
+TEST(IffCases, Read) {
+    RunCaseFolder(kCases / "read", [](const Case& c) {
+        std::vector<std::string> out;
+        try {
+            const TIffReader reader =
+                TIffReader::FromCopy(ParseBytes(c.raw.at(0)), c.input.size() > 1 ? c.input[1] : "");
+            Outline(reader.Root(), 0, out);
+        } catch (const std::exception& e) {
+            out.push_back(std::string("error ") + e.what());
+        }
         return out;
     });
 }
