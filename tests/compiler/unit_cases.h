@@ -98,12 +98,17 @@ inline std::vector<std::string> CompileCase(const Case& c) {
         if (m.find("]   raised in ") == std::string::npos) messages.push_back("message " + m);
     };
     compiler.SetSource(text);
+    // Relative names are looked up in an empty folder of the case's own, wherever the test runs.
+    const std::filesystem::path workingFolder = std::filesystem::current_path();
+    std::filesystem::create_directories(dir / "cwd");
+    std::filesystem::current_path(dir / "cwd");
     try {
         compiler.Compile();
         if (finish) compiler.Finish();
     } catch (const ECompiler& e) {
         messages.push_back(std::string("failure ") + e.what());
     }
+    std::filesystem::current_path(workingFolder);
     const TCompData& data = compiler.Data();
     out = data.CodeList.Lines();
     const auto list = [&](const char* what, const StringList& lines) {
