@@ -13,7 +13,7 @@ namespace {
 
 class EditorText : public EditorTest {};
 
-TEST_F(EditorText, LinesTextAndModifiedFlag) {
+TEST_F(EditorText, LinesCaretWordAndErrorLine) {
     Load(QStringLiteral("a\r\nb\nc\rd"));
     EXPECT_EQ(edit->Lines(), (QStringList{"a", "b", "c", "d"}));
     EXPECT_EQ(edit->LineText(1), QStringLiteral("b"));
@@ -27,17 +27,15 @@ TEST_F(EditorText, LinesTextAndModifiedFlag) {
     EXPECT_EQ(edit->Lines().size(), 4);
     Load(QString());
     EXPECT_EQ(edit->Lines(), QStringList{QString()});
-}
 
-TEST_F(EditorText, CaretColumnCountsTabsAsShown) {
+    // The caret's column counts a tab as it is shown.
     Load(QStringLiteral("\tab"), 0, 2);
     EXPECT_EQ(edit->CaretLine(), 0);
     EXPECT_EQ(edit->CaretColumn(), 9);
     edit->SetCaret(0, 8);
     EXPECT_EQ(Caret(), std::make_pair(0, 1));
-}
 
-TEST_F(EditorText, WordAtCursorTakesIdentifierCharacters) {
+    // The word at the cursor is made of identifier characters.
     Load(QStringLiteral("x := Ship_1.speed + 2;"), 0, 7);
     EXPECT_EQ(edit->WordAtCursor(), QStringLiteral("Ship_1"));
     edit->setCursorPosition(0, 11); // just behind the word
@@ -46,9 +44,8 @@ TEST_F(EditorText, WordAtCursorTakesIdentifierCharacters) {
     EXPECT_EQ(edit->WordAtCursor(), QStringLiteral("speed"));
     edit->setCursorPosition(0, 18);
     EXPECT_EQ(edit->WordAtCursor(), QString());
-}
 
-TEST_F(EditorText, ErrorLineIsOneFullLineMark) {
+    // The error line is one full-line mark.
     Load(NumberedLines(20));
     EXPECT_EQ(edit->ErrorLine(), -1);
     edit->SetErrorLine(7);

@@ -144,7 +144,7 @@ constexpr const char* kUnit = "mission M;\r\n"           // 0
                               "  x: (1 + 2); // (\r\n"   // 9
                               "end;\r\n";                // 10
 
-TEST_F(FoldingEditorTest, FunctionsBlocksAndObjectsFold) {
+TEST_F(FoldingEditorTest, FoldsBlockMatchesAndBracketsInTheEditor) {
     Load(QString::fromLatin1(kUnit));
     Settle();
     for (int line : {1, 4, 8}) EXPECT_TRUE(IsHeader(line)) << line;
@@ -156,27 +156,9 @@ TEST_F(FoldingEditorTest, FunctionsBlocksAndObjectsFold) {
     EXPECT_TRUE(Visible(8));
     edit->foldLine(1);
     for (int line = 2; line <= 7; ++line) EXPECT_TRUE(Visible(line)) << line;
-}
 
-TEST_F(FoldingEditorTest, TypingABlockMakesAFold) {
-    Load(QString::fromLatin1("mission M;\r\nvar a;\r\n"), 1, 6);
-    Settle();
-    EXPECT_FALSE(IsHeader(1));
-    QTest::keyClicks(edit.get(), QStringLiteral(" begin"));
-    Settle();
-    EXPECT_TRUE(IsHeader(1));
-    // Typing end below closes it: the line after the end is back at the outer depth.
-    edit->ExecuteCommand(ecLineBreak);
-    QTest::keyClicks(edit.get(), QStringLiteral("end;"));
-    edit->ExecuteCommand(ecLineBreak);
-    QTest::keyClicks(edit.get(), QStringLiteral("var b;"));
-    Settle();
-    EXPECT_EQ(Level(3) & QsciScintillaBase::SC_FOLDLEVELNUMBERMASK, QsciScintillaBase::SC_FOLDLEVELBASE);
-    EXPECT_EQ(Level(2) & QsciScintillaBase::SC_FOLDLEVELNUMBERMASK, QsciScintillaBase::SC_FOLDLEVELBASE + 1);
-}
-
-TEST_F(FoldingEditorTest, TheCaretOnABlockWordMarksItsPartner) {
-    Load(QString::fromLatin1(kUnit), 4, 3);
+    // The caret on a block word marks it and its partner.
+    edit->SetCaret(4, 3);
     Settle();
     const long innerBegin = edit->positionFromLineIndex(4, 2);
     const long innerEnd = edit->positionFromLineIndex(6, 2);
@@ -195,17 +177,32 @@ TEST_F(FoldingEditorTest, TheCaretOnABlockWordMarksItsPartner) {
     Settle();
     EXPECT_FALSE(Marked(edit->positionFromLineIndex(8, 0)));
     EXPECT_FALSE(Marked(edit->positionFromLineIndex(10, 0)));
-}
 
-TEST_F(FoldingEditorTest, BracketsMatchOnlyInCode) {
-    Load(QString::fromLatin1(kUnit), 9, 5);
-    Settle();
+    // Brackets match only in code.
+    edit->SetCaret(9, 5);
     edit->moveToMatchingBrace();
     EXPECT_EQ(Caret(), std::make_pair(9, 12));
     // The "(" of the comment is no bracket of the code: the caret stays.
     edit->SetCaret(9, 17);
     edit->moveToMatchingBrace();
     EXPECT_EQ(Caret(), std::make_pair(9, 17));
+}
+
+TEST_F(FoldingEditorTest, TypingABlockMakesAFold) {
+    Load(QString::fromLatin1("mission M;\r\nvar a;\r\n"), 1, 6);
+    Settle();
+    EXPECT_FALSE(IsHeader(1));
+    QTest::keyClicks(edit.get(), QStringLiteral(" begin"));
+    Settle();
+    EXPECT_TRUE(IsHeader(1));
+    // Typing end below closes it: the line after the end is back at the outer depth.
+    edit->ExecuteCommand(ecLineBreak);
+    QTest::keyClicks(edit.get(), QStringLiteral("end;"));
+    edit->ExecuteCommand(ecLineBreak);
+    QTest::keyClicks(edit.get(), QStringLiteral("var b;"));
+    Settle();
+    EXPECT_EQ(Level(3) & QsciScintillaBase::SC_FOLDLEVELNUMBERMASK, QsciScintillaBase::SC_FOLDLEVELBASE);
+    EXPECT_EQ(Level(2) & QsciScintillaBase::SC_FOLDLEVELNUMBERMASK, QsciScintillaBase::SC_FOLDLEVELBASE + 1);
 }
 
 } // namespace

@@ -13,7 +13,7 @@ const QString kText = QStringLiteral("first\r\nsecond\r\nthird");
 
 class KeySequences : public EditorTest {};
 
-TEST_F(KeySequences, SecondKeyCompletesTheSequence) {
+TEST_F(KeySequences, TwoKeySequences) {
     Load(kText, 1, 0);
     edit->KeyStrokes().Add(ecDeleteLine, {Qt::Key_K, ssCtrl}, {Qt::Key_D, ssNone});
     QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
@@ -24,33 +24,27 @@ TEST_F(KeySequences, SecondKeyCompletesTheSequence) {
     QTest::keyClick(edit.get(), Qt::Key_D);
     EXPECT_EQ(edit->text(), QStringLiteral("first\r\nthird"));
     EXPECT_TRUE(edit->PendingShortCut().IsEmpty());
-}
 
-TEST_F(KeySequences, SequencesSharingAFirstKeyAreTellApart) {
+    // Sequences sharing a first key are told apart.
     Load(kText, 1, 0);
-    edit->KeyStrokes().Add(ecDeleteLine, {Qt::Key_K, ssCtrl}, {Qt::Key_D, ssNone});
     edit->KeyStrokes().Add(ecEditorBottom, {Qt::Key_K, ssCtrl}, {Qt::Key_B, ssCtrl});
     QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
     QTest::keyClick(edit.get(), Qt::Key_B, Qt::ControlModifier);
     EXPECT_EQ(edit->text(), kText);
     EXPECT_EQ(Caret(), std::make_pair(2, 5));
-}
 
-TEST_F(KeySequences, AnUnmatchedSecondKeyActsOnItsOwn) {
+    // An unmatched second key acts on its own.
     Load(kText, 0, 0);
-    edit->KeyStrokes().Add(ecDeleteLine, {Qt::Key_K, ssCtrl}, {Qt::Key_D, ssNone});
     QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
     QTest::keyClick(edit.get(), Qt::Key_X);
     EXPECT_EQ(Line(0), QStringLiteral("xfirst"));
     QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
     QTest::keyClick(edit.get(), Qt::Key_End);
     EXPECT_EQ(Caret(), std::make_pair(0, 6));
-}
 
-TEST_F(KeySequences, ASingleBindingOnTheFirstKeyRunsWhenNoSequenceFollows) {
+    // A single binding on the first key runs when no sequence follows.
     Load(kText, 0, 0);
     edit->KeyStrokes().Add(ecEditorBottom, {Qt::Key_K, ssCtrl});
-    edit->KeyStrokes().Add(ecDeleteLine, {Qt::Key_K, ssCtrl}, {Qt::Key_D, ssNone});
     QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
     EXPECT_EQ(Caret(), std::make_pair(0, 0));
     QTest::keyClick(edit.get(), Qt::Key_Left);

@@ -1,17 +1,26 @@
-// What the editor and the toolbar look like: the dark theme, the current line, matched block words,
-// folds and indentation guides, the toolbar's icons. The pixels of the grabbed widgets are inspected. Runs
-// under Xvfb when it is installed (see CMakeLists.txt) and on the offscreen platform. With
+// What the window and the editor look like: the window rendered with its caption, the dark theme, the error
+// line of a failed compile, and the theme setting that pages take. The pixels of the grabbed widgets are
+// inspected. Runs under Xvfb when it is installed (see CMakeLists.txt) and on the offscreen platform. With
 // VELKOR_SCREENSHOT_DIR set it also leaves the README's two pictures there (scripts/screenshots.sh).
 #include "editor/highlighter.h"
 #include "editor/syntax_edit.h"
 #include "ide/edit_page.h"
 #include "ide/main_window.h"
-#include "ide/tool_bar.h"
+#include "ide/output_view.h"
+#include "ide/settings_dialog.h"
+#include "platform/ini_file.h"
 #include "tests/ide/edit_page_test_support.h"
+#include "tests/ide/ide_test_support.h"
 #include "tests/ide/screenshot_support.h"
 
+#include <QApplication>
+#include <QComboBox>
+#include <QImage>
+#include <QPixmap>
+#include <QSet>
 #include <QTest>
-#include <QToolBar>
+
+#include <cstdlib>
 
 namespace velkor::test {
 namespace {
@@ -38,18 +47,6 @@ protected:
     }
 };
 
-constexpr const char* kBlocks = "mission Blocks;\r\n"      // 0
-                                "function Attack(a);\r\n"  // 1
-                                "begin\r\n"                // 2
-                                "  if (a) then\r\n"        // 3
-                                "  begin\r\n"              // 4
-                                "      a := 1;\r\n"        // 5
-                                "  end;\r\n"               // 6
-                                "end;\r\n"                 // 7
-                                "object A (A) AS SHIP\r\n" // 8
-                                "  x: 0;\r\n"              // 9
-                                "end;\r\n";                // 10
-
 TEST_F(AppearanceScreenshotTest, TheDarkThemeDarkensTheWholePage) {
     auto window = ShowPage("dark", kDemoMission);
     TSyntaxEdit& memo = Memo(*window);
@@ -71,85 +68,30 @@ TEST_F(AppearanceScreenshotTest, TheDarkThemeDarkensTheWholePage) {
     EXPECT_GT(PixelsNear(image, LineTail(memo, 10), dark.CaretLine, 6), LineTail(memo, 10).width() * 8);
 }
 
-TEST_F(AppearanceScreenshotTest, TheCaretLineAndMatchedBlockWordsStandOut) {
-    auto window = ShowPage("light", kBlocks);
-    TSyntaxEdit& memo = Memo(*window);
-    memo.SetCaret(4, 4);
-    ProcessEvents();
+TEST_F(AppearanceScreenshotTest, TheErrorLineIsMarkedAfterAFailedCompile) {
+    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
+    TfrmMain window({});
+    TfrmEdit* page = window.ActivePage();
+    Show(window, 1000, 760);
+    page->Memo()->SetText(QStringLiteral("mission Broken;\r\nvar a;\r\nthis is not pascal;\r\nvar b;\r\n"));
+    EXPECT_FALSE(page->Compile());
+    ASSERT_EQ(page->Memo()->ErrorLine(), 2);
+    TSyntaxEdit& memo = *page->Memo();
     const QImage image = GrabEditor(memo);
-    KeepScreenshot(window->grab().toImage(), "page_matching.png");
-    const TEditorTheme& light = LightEditorTheme();
-    EXPECT_GT(PixelsNear(image, LineTail(memo, 4), light.CaretLine, 4), LineTail(memo, 4).width() * 8);
-    EXPECT_EQ(PixelsNear(image, LineTail(memo, 3), light.CaretLine, 4), 0);
-    // The inner begin and its end carry the match colour; the outer pair does not.
-    EXPECT_GT(PixelsNear(image, TextRect(memo, 4, 2, 7), light.BraceMatchBack, 8), 40);
-    EXPECT_GT(PixelsNear(image, TextRect(memo, 6, 2, 5), light.BraceMatchBack, 8), 30);
-    EXPECT_EQ(PixelsNear(image, TextRect(memo, 2, 0, 5), light.BraceMatchBack, 8), 0);
-    EXPECT_EQ(PixelsNear(image, TextRect(memo, 7, 0, 3), light.BraceMatchBack, 8), 0);
-    // An indentation guide runs through the deeper line's indentation, none through the shallow ones.
-    const QRect deepIndent = TextRect(memo, 5, 1, 6);
-    const QRect shallowIndent = TextRect(memo, 3, 0, 2);
-    EXPECT_GT(PixelsNear(image, deepIndent, light.IndentGuide, 30), 3);
-    EXPECT_EQ(PixelsNear(image, shallowIndent, light.IndentGuide, 30), 0);
-}
-
-TEST_F(AppearanceScreenshotTest, AFoldedFunctionShowsOnlyItsHeader) {
-    auto window = ShowPage("light", kBlocks);
-    TSyntaxEdit& memo = Memo(*window);
-    memo.SetCaret(0, 0);
-    const int foldX = static_cast<int>(memo.SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 0L) +
-                                       memo.SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 1L));
-    const int foldWidth = static_cast<int>(
-        memo.SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, TSyntaxEdit::kFoldMargin));
-    ASSERT_GT(foldWidth, 8);
-    const auto box = [&](int line) {
-        const QRect row = TextRect(memo, line, 0, 0);
-        return QRect(foldX, row.top(), foldWidth, row.height());
-    };
-    const QColor marker = LightEditorTheme().FoldMarkerBack;
-    const QImage open = GrabEditor(memo);
-    // Boxes beside the function, the inner begin and the object; none beside a plain line.
-    for (int line : {1, 4, 8}) EXPECT_GT(PixelsNear(open, box(line), marker, 30), 10) << line;
-    EXPECT_EQ(PixelsNear(open, box(0), marker, 30), 0);
-    const int objectTop = TextRect(memo, 8, 0, 0).top();
-    const int bodyTop = TextRect(memo, 2, 0, 0).top();
-
-    // A click on the function's box folds it: the object comes right below the header.
-    const QRect header = box(1);
-    QTest::mouseClick(memo.viewport(), Qt::LeftButton, Qt::NoModifier, header.center());
-    ProcessEvents();
-    const QImage folded = GrabEditor(memo);
-    KeepScreenshot(window->grab().toImage(), "page_folded.png");
-    EXPECT_EQ(TextRect(memo, 8, 0, 0).top(), bodyTop);
-    EXPECT_LT(bodyTop, objectTop);
-    EXPECT_NE(folded.copy(header), open.copy(header)); // the box shows "+" instead of "-"
-    EXPECT_GT(PixelsNear(folded, TextRect(memo, 8, 0, 6), LightEditorTheme().Styles[hsKeyword]), 10);
-    QTest::mouseClick(memo.viewport(), Qt::LeftButton, Qt::NoModifier, header.center());
-    ProcessEvents();
-    EXPECT_EQ(TextRect(memo, 8, 0, 0).top(), objectTop);
-}
-
-TEST_F(AppearanceScreenshotTest, TheToolbarShowsEveryButtonsIcon) {
-    auto window = ShowPage("light", kDemoMission);
-    TMainToolBar& bar = window->ToolBar();
-    ASSERT_TRUE(bar.isVisible());
-    const QImage image = bar.grab().toImage();
-    KeepScreenshot(image, "toolbar.png");
-    const QColor background = image.pixelColor(image.width() - 2, image.height() / 2);
-    int buttons = 0;
-    for (QAction* action : bar.actions()) {
-        if (action->isSeparator()) continue;
-        QWidget* button = bar.widgetForAction(action);
-        ASSERT_NE(button, nullptr);
-        const QRect rect = button->geometry();
-        EXPECT_GE(rect.width(), 22);
-        const int drawn = rect.width() * rect.height() - PixelsNear(image, rect, background, 30);
-        EXPECT_GT(drawn, 22 * 22 / 5) << action->objectName().toStdString();
-        ++buttons;
-    }
-    EXPECT_EQ(buttons, 7);
-    // The bar sits above the editor tabs.
-    EXPECT_LE(bar.geometry().bottom(), window->PageControlEditor()->mapTo(window.get(), QPoint(0, 0)).y());
+    KeepScreenshot(window.grab().toImage(), "page_error_line.png");
+    const QColor mark(0xFF, 0xB0, 0xB0);
+    const int width = memo.viewport()->width();
+    const QRect errorLine = TextRect(memo, 2, 0, 0).adjusted(0, 1, width - 1, -1);
+    const QRect otherLine = TextRect(memo, 1, 0, 0).adjusted(0, 1, width - 1, -1);
+    EXPECT_GT(PixelsNear(image,
+                         QRect(errorLine.left() + 60, errorLine.top(), width - 100, errorLine.height()), mark,
+                         10),
+              width);
+    EXPECT_EQ(PixelsNear(image,
+                         QRect(otherLine.left() + 60, otherLine.top(), width - 100, otherLine.height()), mark,
+                         10),
+              0);
+    EXPECT_FALSE(window.OutputView().Lines().isEmpty());
 }
 
 // The README's pictures: the demo mission after a compile, caret on a begin, in both themes.
@@ -165,6 +107,62 @@ TEST_F(AppearanceScreenshotTest, ReadmePictures) {
         const QColor paper = page.Memo()->Theme().Paper;
         EXPECT_GT(PixelsNear(image, image.rect(), paper, 6), image.width() * image.height() / 5) << theme;
         KeepScreenshot(image, (std::string("ide-") + theme + ".png").c_str());
+    }
+}
+
+class ScreenshotTest : public IdeTest {};
+
+TEST_F(ScreenshotTest, TheWindowRendersWithItsCaption) {
+    TIniFile(IniPath()).WriteString("main", "sopath", "/so");
+    TfrmMain window({});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("Velkor Console 3.0d (Compiler: 1.0 R24d)"));
+    const QImage image = window.grab().toImage();
+    ASSERT_FALSE(image.isNull());
+    EXPECT_GE(image.width(), 200);
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); y += 7) {
+        for (int x = 0; x < image.width(); x += 7) colours.insert(image.pixel(x, y));
+    }
+    // A blank grab is one colour; menus, tabs, the editor and the views give many.
+    EXPECT_GE(colours.size(), 4);
+    if (const char* shot = std::getenv("VELKOR_SCREENSHOT")) image.save(QString::fromLocal8Bit(shot));
+}
+
+using ThemeSettingTest = PageTest;
+
+TEST_F(ThemeSettingTest, PagesTakeTheSettingAndTheDialogChangesIt) {
+    struct Case {
+        const char* Stored;  // in velkor.ini before the window starts; null: no key
+        int Shown;           // the dialog's item
+        const char* Chosen;  // the item picked in the dialog
+        const char* Written; // what OK writes
+    };
+    const Case cases[] = {
+        {nullptr, 0, "Dark", "dark"},
+        {"dark", 2, "Light", "light"},
+        {"LIGHT", 1, "System", "system"},
+        {"nonsense", 0, "Dark", "dark"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.Stored ? c.Stored : "(none)");
+        TIniFile ini(IniPath());
+        ini.EraseSection("editor");
+        if (c.Stored) ini.WriteString("editor", "theme", c.Stored);
+        TfrmMain window({});
+        TSyntaxEdit& memo = *window.ActivePage()->Memo();
+        const TThemeChoice stored = ThemeChoiceFromName(c.Stored ? c.Stored : "");
+        EXPECT_EQ(memo.ThemeChoice(), stored);
+        TfrmSettings settings(&window);
+        ASSERT_EQ(settings.cbTheme->objectName(), QStringLiteral("cbTheme"));
+        EXPECT_EQ(settings.cbTheme->currentIndex(), c.Shown);
+        settings.cbTheme->setCurrentText(QString::fromLatin1(c.Chosen));
+        settings.WriteSettings();
+        EXPECT_EQ(TIniFile(IniPath()).ReadString("editor", "theme", ""), c.Written);
+        // The open page changed at once, and a new page starts with it.
+        EXPECT_EQ(memo.ThemeChoice(), ThemeChoiceFromName(c.Written));
+        EXPECT_EQ(window.NewPage()->Memo()->ThemeChoice(), ThemeChoiceFromName(c.Written));
     }
 }
 

@@ -59,45 +59,34 @@ protected:
     }
 };
 
-TEST_F(CampaignBuildTest, F9OnTheProjectBuildsEveryFileBesideIt) {
+// Without an output folder in the settings the files go beside the unit (not beside the executable);
+// with one they go there, and it is searched.
+TEST_F(CampaignBuildTest, F9OnTheProjectBuildsEveryFileBesideItOrIntoTheOutputFolder) {
     const std::map<std::string, std::string> expected = VelkorcBuild();
     ASSERT_EQ(expected.size(), 7u);
-    const std::filesystem::path folder = Dir() / "campaign";
-    CopyCampaign(folder);
-    const std::set<std::string> before = Names(folder);
-    TfrmMain window({});
-    ASSERT_NE(window.OpenFile((folder / "build_all.pas").string(), false), nullptr);
-    window.MenuItem(QStringLiteral("MenuCompileBuild"))->trigger();
-    const QString output = window.OutputView().Lines().join(u'\n');
-    EXPECT_FALSE(output.contains(QStringLiteral("ERROR"))) << output.toStdString();
-    const std::map<std::string, std::string> built = NewFiles(folder, before);
-    EXPECT_EQ(built.size(), expected.size()) << output.toStdString();
-    for (const auto& [name, bytes] : expected) {
-        ASSERT_TRUE(built.count(name)) << name << "\n" << output.toStdString();
-        EXPECT_TRUE(built.at(name) == bytes) << name;
-    }
-    // Nothing lands beside the executable any more.
-    for (const auto& [name, bytes] : expected) EXPECT_FALSE(std::filesystem::exists(Dir() / name)) << name;
-}
-
-TEST_F(CampaignBuildTest, TheOutputFolderOfTheSettingsTakesTheFilesAndIsSearched) {
-    const std::map<std::string, std::string> expected = VelkorcBuild();
-    const std::filesystem::path folder = Dir() / "campaign";
-    const std::filesystem::path out = Dir() / "built";
-    CopyCampaign(folder);
-    const std::set<std::string> before = Names(folder);
-    TIniFile(IniPath()).WriteString("compiler", "outputdir", out.string());
-    TfrmMain window({});
-    ASSERT_NE(window.OpenFile((folder / "build_all.pas").string(), false), nullptr);
-    window.MenuItem(QStringLiteral("MenuCompileBuild"))->trigger();
-    const QString output = window.OutputView().Lines().join(u'\n');
-    EXPECT_FALSE(output.contains(QStringLiteral("ERROR"))) << output.toStdString();
-    EXPECT_TRUE(NewFiles(folder, before).empty());
-    const std::map<std::string, std::string> built = NewFiles(out, {});
-    EXPECT_EQ(built.size(), expected.size()) << output.toStdString();
-    for (const auto& [name, bytes] : expected) {
-        ASSERT_TRUE(built.count(name)) << name;
-        EXPECT_TRUE(built.at(name) == bytes) << name;
+    for (const bool outputFolder : {false, true}) {
+        SCOPED_TRACE(outputFolder);
+        const std::filesystem::path folder = Dir() / (outputFolder ? "campaign2" : "campaign");
+        const std::filesystem::path out = outputFolder ? Dir() / "built" : folder;
+        CopyCampaign(folder);
+        const std::set<std::string> before = Names(folder);
+        TIniFile(IniPath()).WriteString("compiler", "outputdir", outputFolder ? out.string() : "");
+        TfrmMain window({});
+        ASSERT_NE(window.OpenFile((folder / "build_all.pas").string(), false), nullptr);
+        window.MenuItem(QStringLiteral("MenuCompileBuild"))->trigger();
+        EXPECT_FALSE(QString::fromStdString(Output(window)).contains(QStringLiteral("ERROR")))
+            << Output(window);
+        if (outputFolder) {
+            EXPECT_TRUE(NewFiles(folder, before).empty());
+        }
+        const std::map<std::string, std::string> built =
+            NewFiles(out, outputFolder ? std::set<std::string>{} : before);
+        EXPECT_EQ(built.size(), expected.size()) << Output(window);
+        for (const auto& [name, bytes] : expected) {
+            ASSERT_TRUE(built.count(name)) << name << "\n" << Output(window);
+            EXPECT_TRUE(built.at(name) == bytes) << name;
+            EXPECT_FALSE(std::filesystem::exists(Dir() / name)) << name;
+        }
     }
 }
 

@@ -25,17 +25,6 @@ namespace {
 
 class CodeAssistTest : public PageTest {
 protected:
-    // The demo mission opened and compiled in `window`.
-    TfrmEdit* OpenDemo(TfrmMain& window) {
-        TfrmEdit* page = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
-        if (!page) return nullptr;
-        if (!page->Compile()) {
-            ADD_FAILURE() << window.OutputView().Lines().join(u'\n').toStdString();
-            return nullptr;
-        }
-        return page;
-    }
-
     // Puts the caret at the first occurrence of `text` plus `offset` characters.
     static void CaretAt(TfrmEdit& page, const QString& text, int offset = 0) {
         const QStringList lines = page.Memo()->Lines();
@@ -50,7 +39,7 @@ protected:
     }
 };
 
-TEST_F(CodeAssistTest, FindDeclarationInTheSamePage) {
+TEST_F(CodeAssistTest, FindDeclarationInThePageInAnIncludeAndTheKeptRangeError) {
     TfrmMain window({});
     TfrmEdit* page = OpenDemo(window);
     ASSERT_NE(page, nullptr);
@@ -67,12 +56,8 @@ TEST_F(CodeAssistTest, FindDeclarationInTheSamePage) {
     page->FindDeclaration();
     EXPECT_EQ(page->Memo()->CaretLine(), 9);
     EXPECT_TRUE(messages_.isEmpty());
-}
 
-TEST_F(CodeAssistTest, FindDeclarationOpensTheIncludeFile) {
-    TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
-    ASSERT_NE(page, nullptr);
+    // Into the include, which opens.
     CaretAt(*page, QStringLiteral("Boost(a)"), 1);
     page->FindDeclaration();
     ASSERT_EQ(window.Pages().size(), 2);
@@ -91,12 +76,9 @@ TEST_F(CodeAssistTest, FindDeclarationOpensTheIncludeFile) {
     page->FindDeclaration();
     EXPECT_EQ(window.Pages().size(), 2);
     EXPECT_EQ(window.ActivePage(), helpers);
-}
 
-TEST_F(CodeAssistTest, ADeclarationAboveLineFiveIsTheKeptRangeError) {
-    TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
-    ASSERT_NE(page, nullptr);
+    // A declaration above line five is the kept range error.
+    window.ActivatePage(*page);
     CaretAt(*page, QStringLiteral("Attack(kills, "), 8);
     ASSERT_EQ(page->WordAtCursor(), QStringLiteral("kills"));
     page->FindDeclaration();
@@ -109,7 +91,7 @@ TEST_F(CodeAssistTest, ADeclarationAboveLineFiveIsTheKeptRangeError) {
     EXPECT_EQ(page->Memo()->CaretLine(), 4);
 }
 
-TEST_F(CodeAssistTest, CompletionWithOneMatchReplacesTheWordAndShowsTheHint) {
+TEST_F(CodeAssistTest, CompletionAtTheCursor) {
     TfrmMain window({});
     TfrmEdit* page = OpenDemo(window);
     ASSERT_NE(page, nullptr);
@@ -128,12 +110,8 @@ TEST_F(CodeAssistTest, CompletionWithOneMatchReplacesTheWordAndShowsTheHint) {
     page->CompleteWordAtCursor();
     EXPECT_EQ(page->Text(), QStringLiteral("x := MAXWAVE + 1;"));
     EXPECT_EQ(page->ParameterHint(), nullptr);
-}
 
-TEST_F(CodeAssistTest, CompletionWithSeveralOrNoMatchesOpensTheBrowserFiltered) {
-    TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
-    ASSERT_NE(page, nullptr);
+    // Several matches or none: the symbol browser opens, filtered.
     QString filter;
     int mask = 0;
     int rows = -1;
@@ -159,7 +137,7 @@ TEST_F(CodeAssistTest, CompletionWithSeveralOrNoMatchesOpensTheBrowserFiltered) 
     EXPECT_EQ(rows, 0);
 }
 
-TEST_F(CodeAssistTest, TypingABracketShowsTheHintAndItFollowsTheArguments) {
+TEST_F(CodeAssistTest, TheParameterHintFollowsTheArgumentsUnlessSwitchedOff) {
     TfrmMain window({});
     TfrmEdit* page = OpenDemo(window);
     ASSERT_NE(page, nullptr);
@@ -192,12 +170,8 @@ TEST_F(CodeAssistTest, TypingABracketShowsTheHintAndItFollowsTheArguments) {
     QTest::keyClick(page->Memo(), Qt::Key_Right);
     page->HintTimerTick();
     EXPECT_EQ(page->ParameterHint(), nullptr);
-}
 
-TEST_F(CodeAssistTest, TheParameterListItemAndTheHintOfAGameFunction) {
-    TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
-    ASSERT_NE(page, nullptr);
+    // The Parameter List item shows the innermost call's hint, a game function's too.
     page->Memo()->SetText(QStringLiteral("Explode(1, Boost(2), 3"));
     page->Memo()->SetCaret(0, 18);
     page->ContextItem(QStringLiteral("ContextParameterList"))->trigger();
@@ -231,7 +205,7 @@ TEST_F(CodeAssistTest, TheStringListOpensOnTheTableAndInsertsTheChosenString) {
     TfrmMain window({});
     TfrmEdit* page = window.OpenFile(MakeFile("talk.pas", unit), false);
     ASSERT_NE(page, nullptr);
-    ASSERT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
+    ASSERT_TRUE(page->Compile()) << Output(window);
     window.show();
     page->Memo()->SetText(QStringLiteral("x := texts"));
     page->Memo()->SetCaret(0, 10);
@@ -283,9 +257,7 @@ TEST_F(CodeAssistTest, TheMouseHintNamesTheSymbolUnderThePointer) {
     TfrmMain window({});
     TfrmEdit* page = OpenDemo(window);
     ASSERT_NE(page, nullptr);
-    window.resize(900, 700);
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    Show(window, 900, 700);
     TSyntaxEdit* memo = page->Memo();
     memo->setFirstVisibleLine(0);
     const auto pointOf = [memo](int line, int index) {
@@ -305,31 +277,16 @@ TEST_F(CodeAssistTest, TheMouseHintNamesTheSymbolUnderThePointer) {
 TEST_F(CodeAssistTest, ContextMenuCaptionsAndRules) {
     TfrmMain window({});
     TfrmEdit* page = window.ActivePage();
-    const QStringList expected = {"&Find Declaration",
-                                  "Symbol Browser",
-                                  "Object List",
-                                  "Function List",
-                                  "Parameter List",
-                                  "Constant List",
-                                  "CompleteWordAtCursor",
-                                  "&Close Page",
-                                  "Open &File at Cursor",
-                                  "Topic &Search",
-                                  "",
-                                  "&Undo",
-                                  "Cu&t",
-                                  "&Copy",
-                                  "&Paste",
-                                  "&Delete",
-                                  "Se&lect All"};
-    QStringList captions;
-    for (QAction* action : page->PopupMenu1()->actions()) captions << action->text();
-    EXPECT_EQ(captions, expected);
-    EXPECT_EQ(page->ContextItem(QStringLiteral("ContextFindDeclaration"))->shortcut(),
-              QKeySequence(QStringLiteral("Ctrl+D")));
-    EXPECT_EQ(page->ContextItem(QStringLiteral("ContextClosePage"))->shortcut(),
-              QKeySequence(QStringLiteral("Ctrl+F4")));
-    EXPECT_EQ(page->ContextItem(QStringLiteral("ContextTopicSearch"))->shortcut(), QKeySequence(Qt::Key_F1));
+    const auto expected = ReadCases("context_menu.txt");
+    const QList<QAction*> actions = page->PopupMenu1()->actions();
+    ASSERT_EQ(actions.size(), static_cast<qsizetype>(expected.size()));
+    for (qsizetype i = 0; i < actions.size(); ++i) {
+        const QStringList& row = expected[static_cast<std::size_t>(i)];
+        EXPECT_EQ(actions[i]->text(), row[0] == u'-' ? QString() : row[0]);
+        if (row.size() > 1) {
+            EXPECT_EQ(actions[i]->shortcut(), QKeySequence(row[1])) << row[0].toStdString();
+        }
+    }
 
     page->Memo()->SetText(QStringLiteral("while x"));
     page->Memo()->SetCaret(0, 2);
@@ -343,37 +300,6 @@ TEST_F(CodeAssistTest, ContextMenuCaptionsAndRules) {
     page->ContextItem(QStringLiteral("ContextTopicSearch"))->trigger();
     EXPECT_TRUE(
         QString::fromStdString(window.HelpView().CurrentPage()).endsWith(QStringLiteral("help/while.html")));
-}
-
-TEST_F(CodeAssistTest, GoToLineAsksForTheNumber) {
-    TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->SetText(QStringLiteral("a\r\nb\r\nc\r\nd\r\n"));
-    QString caption, label;
-    DialogHooks().AskInteger = [&](QWidget*, const QString& c, const QString& l, int) -> std::optional<int> {
-        caption = c;
-        label = l;
-        return 3;
-    };
-    window.MenuItem(QStringLiteral("MenuEditFindGotoLine"))->trigger();
-    EXPECT_EQ(caption, QStringLiteral("Go to Line Number"));
-    EXPECT_EQ(label, QStringLiteral("Enter new line number:"));
-    EXPECT_EQ(page->Memo()->CaretLine(), 2);
-}
-
-TEST_F(CodeAssistTest, WithCodeIntelligenceOffChangesAreNotFollowed) {
-    TIniFile(IniPath()).WriteBool("editor", "disable_intelligence", true);
-    TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->SetText(QStringLiteral("changed"));
-    EXPECT_FALSE(page->Typed());
-    page->CompleteWordAtCursor();
-    EXPECT_EQ(modalDialogs_, 0);
-
-    TIniFile(IniPath()).WriteBool("editor", "disable_intelligence", false);
-    TfrmEdit* on = window.NewPage();
-    on->Memo()->SetText(QStringLiteral("changed"));
-    EXPECT_TRUE(on->Typed());
 }
 
 } // namespace

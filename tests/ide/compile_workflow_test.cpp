@@ -149,13 +149,12 @@ TEST_F(CompileWorkflowTest, TheMessagesAreVelkorcsWithoutTheDiagnosticBelowVerbo
     }
 }
 
-TEST_F(CompileWorkflowTest, ADoubleClickOpensTheUnitOfTheMessageAtItsLine) {
+TEST_F(CompileWorkflowTest, EveryErrorIsReachedByADoubleClickAndByF8AndShiftF8) {
     TIniFile(IniPath()).WriteBool("compiler", "haltonerror", false);
     TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
     MakeFile("faulty.pas", kFaulty);
     TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    ShowActive(window);
     TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
     ASSERT_NE(page, nullptr);
     page->Compile();
@@ -166,8 +165,8 @@ TEST_F(CompileWorkflowTest, ADoubleClickOpensTheUnitOfTheMessageAtItsLine) {
         static_cast<int>(lines.indexOf(QRegularExpression(QStringLiteral("^\\[Faulty, 5\\] ERROR.*"))));
     const int inUnit =
         static_cast<int>(lines.indexOf(QRegularExpression(QStringLiteral("^\\[Broken, 7\\] ERROR.*"))));
-    ASSERT_GE(inInclude, 0) << lines.join(u'\n').toStdString();
-    ASSERT_GE(inUnit, 0) << lines.join(u'\n').toStdString();
+    ASSERT_GE(inInclude, 0) << Output(window);
+    ASSERT_GE(inUnit, 0) << Output(window);
 
     // The include is not open: it is found along the compile's search path.
     QListView* list = output.ListBox1();
@@ -177,52 +176,26 @@ TEST_F(CompileWorkflowTest, ADoubleClickOpensTheUnitOfTheMessageAtItsLine) {
     DoubleClick(*list->viewport(), at);
     TfrmEdit* opened = window.ActivePage();
     ASSERT_NE(opened, nullptr);
-
     EXPECT_EQ(opened->Caption(), QStringLiteral("faulty.pas"));
     EXPECT_EQ(opened->Memo()->CaretLine(), 4);
     EXPECT_EQ(opened->Memo()->ErrorLine(), 4);
-
     EXPECT_TRUE(window.GotoMessage(inUnit));
     EXPECT_EQ(window.ActivePage(), page);
     EXPECT_EQ(page->Memo()->CaretLine(), 6);
+
+    // F8 and Shift+F8 step in the order of the output list: the include's error first, then the unit's.
+    output.ListBox1()->setCurrentIndex(QModelIndex());
+    QStringList visited;
+    for (const auto mods : {Qt::NoModifier, Qt::NoModifier, Qt::NoModifier, Qt::ShiftModifier}) {
+        QTest::keyClick(window.ActivePage()->Memo(), Qt::Key_F8, mods);
+        visited << window.ActivePage()->Caption() + u':' +
+                       QString::number(window.ActivePage()->Memo()->CaretLine() + 1);
+    }
+    EXPECT_EQ(visited, (QStringList{"faulty.pas:5", "broken.pas:6", "broken.pas:7", "broken.pas:6"}));
+    EXPECT_EQ(window.WindowAction(QStringLiteral("ActionNextMessage"))->shortcut(), QKeySequence(Qt::Key_F8));
     // A line without a place goes nowhere.
     window.Output("plain");
     EXPECT_FALSE(window.GotoMessage(static_cast<int>(output.Lines().size()) - 1));
-}
-
-TEST_F(CompileWorkflowTest, F8AndShiftF8StepThroughTheErrors) {
-    TIniFile(IniPath()).WriteBool("compiler", "haltonerror", false);
-    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
-    MakeFile("faulty.pas", kFaulty);
-    TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    // Without a window manager (Xvfb) nobody gives the window the focus but the program itself.
-    window.activateWindow();
-    QApplication::setActiveWindow(&window);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
-    ASSERT_NE(page, nullptr);
-    page->Compile();
-    window.OutputView().ListBox1()->setCurrentIndex(QModelIndex());
-    const auto place = [&] {
-        TfrmEdit* active = window.ActivePage();
-        return active->Caption() + QStringLiteral(":") + QString::number(active->Memo()->CaretLine() + 1);
-    };
-    QStringList visited;
-    for (int i = 0; i < 3; ++i) {
-        QTest::keyClick(window.ActivePage()->Memo(), Qt::Key_F8);
-        visited << place();
-    }
-    QTest::keyClick(window.ActivePage()->Memo(), Qt::Key_F8, Qt::ShiftModifier);
-    visited << place();
-    ASSERT_EQ(visited.size(), 4);
-    // In the order of the output list: the include's error comes first, then the unit's.
-    EXPECT_EQ(visited[0], QStringLiteral("faulty.pas:5"));
-    EXPECT_EQ(visited[1], QStringLiteral("broken.pas:6"));
-    EXPECT_EQ(visited[2], QStringLiteral("broken.pas:7"));
-    EXPECT_EQ(visited[3], visited[1]);
-    EXPECT_EQ(window.WindowAction(QStringLiteral("ActionNextMessage"))->shortcut(), QKeySequence(Qt::Key_F8));
 }
 
 } // namespace

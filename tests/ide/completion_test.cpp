@@ -8,6 +8,7 @@
 #include "ide/main_window.h"
 #include "ide/output_view.h"
 #include "tests/ide/edit_page_test_support.h"
+#include "tests/ide/screenshot_support.h"
 
 #include <QImage>
 #include <QLabel>
@@ -22,14 +23,10 @@ namespace {
 
 class CompletionTest : public PageTest {
 protected:
-    TfrmEdit* OpenDemo(TfrmMain& window) {
-        TfrmEdit* page = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
+    // The demo compiled, the caret on a fresh line inside Tick's body to type on.
+    TfrmEdit* OpenDemoOnANewLine(TfrmMain& window) {
+        TfrmEdit* page = OpenDemo(window);
         if (!page) return nullptr;
-        if (!page->Compile()) {
-            ADD_FAILURE() << window.OutputView().Lines().join(u'\n').toStdString();
-            return nullptr;
-        }
-        // A fresh line inside Tick's body to type on.
         page->Memo()->SetCaret(16, 0);
         page->Memo()->insert(QStringLiteral("  \r\n"));
         page->Memo()->SetCaret(16, 2);
@@ -47,7 +44,7 @@ protected:
 
 TEST_F(CompletionTest, CandidatesAreTheSymbolsAndKeywordsWithTheirKinds) {
     TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
+    TfrmEdit* page = OpenDemoOnANewLine(window);
     ASSERT_NE(page, nullptr);
     const std::vector<TCompletion> all = CompletionCandidates(page->Symbols().get());
     struct Case {
@@ -81,9 +78,8 @@ TEST_F(CompletionTest, CandidatesAreTheSymbolsAndKeywordsWithTheirKinds) {
 
 TEST_F(CompletionTest, TheListOpensAfterTwoCharactersNarrowsAndInserts) {
     TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    TfrmEdit* page = OpenDemo(window);
+    Show(window);
+    TfrmEdit* page = OpenDemoOnANewLine(window);
     ASSERT_NE(page, nullptr);
     TPageEditor* memo = page->Memo();
     memo->setFocus();
@@ -136,38 +132,29 @@ TEST_F(CompletionTest, TheListOpensAfterTwoCharactersNarrowsAndInserts) {
     }
 }
 
-TEST_F(CompletionTest, KeywordsAreOfferedBeforeAnyCompile) {
-    TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->setFocus();
-    QTest::keyClicks(page->Memo(), QStringLiteral("beg"));
-    ASSERT_TRUE(page->Completion().IsOpen());
-    EXPECT_EQ(Rows(page->Completion()), QStringList{Row("begin", "Keyword")});
-    QTest::keyClick(page->Memo(), Qt::Key_Return);
-    EXPECT_EQ(page->Memo()->LineText(0), QStringLiteral("begin"));
-}
-
-TEST_F(CompletionTest, DisableIntelligenceSwitchesItOff) {
-    TIniFile(IniPath()).WriteBool("editor", "disable_intelligence", true);
-    TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->setFocus();
-    QTest::keyClicks(page->Memo(), QStringLiteral("beg"));
-    EXPECT_FALSE(page->Completion().IsOpen());
-    QTest::keyClick(page->Memo(), Qt::Key_Return);
-    EXPECT_EQ(page->Memo()->LineText(0), QStringLiteral("beg"));
+// Keywords are offered before any compile, unless code intelligence is switched off.
+TEST_F(CompletionTest, KeywordsBeforeAnyCompileUnlessIntelligenceIsOff) {
+    for (const bool off : {false, true}) {
+        TIniFile(IniPath()).WriteBool("editor", "disable_intelligence", off);
+        TfrmMain window({});
+        Show(window);
+        TfrmEdit* page = window.ActivePage();
+        page->Memo()->setFocus();
+        QTest::keyClicks(page->Memo(), QStringLiteral("beg"));
+        ASSERT_EQ(page->Completion().IsOpen(), !off);
+        if (!off) {
+            EXPECT_EQ(Rows(page->Completion()), QStringList{Row("begin", "Keyword")});
+        }
+        QTest::keyClick(page->Memo(), Qt::Key_Return);
+        EXPECT_EQ(page->Memo()->LineText(0), off ? QStringLiteral("beg") : QStringLiteral("begin"));
+        page->SetModified(false);
+    }
 }
 
 TEST_F(CompletionTest, ScreenshotTheListOpensBelowTheWord) {
     TfrmMain window({});
-    window.resize(900, 650);
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    TfrmEdit* page = OpenDemo(window);
+    Show(window, 900, 650);
+    TfrmEdit* page = OpenDemoOnANewLine(window);
     ASSERT_NE(page, nullptr);
     TPageEditor* memo = page->Memo();
     memo->setFocus();
@@ -186,13 +173,7 @@ TEST_F(CompletionTest, ScreenshotTheListOpensBelowTheWord) {
     EXPECT_GT(shown.top(), word.y());
     EXPECT_GE(shown.height(), list->count() * list->sizeHintForRow(0));
     const QImage image = list->grab().toImage();
-    if (const char* dir = std::getenv("VELKOR_SCREENSHOT_DIR")) {
-        QImage whole = window.grab().toImage();
-        QPainter painter(&whole);
-        painter.drawImage(window.mapFromGlobal(shown.topLeft()), image);
-        painter.end();
-        whole.save(QString::fromLocal8Bit(dir) + QStringLiteral("/completion_popup.png"));
-    }
+    KeepScreenshot(image, "completion_popup.png");
     // Text is drawn in every row: dark pixels in each row's rectangle.
     for (int row = 0; row < list->count(); ++row) {
         const QRect rect = list->visualItemRect(list->item(row)).intersected(image.rect());

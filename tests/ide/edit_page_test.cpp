@@ -41,7 +41,7 @@ TEST_F(EditPageTest, ANewPageIsNamedAndReadsTheEditorKeys) {
     EXPECT_TRUE(second->ContextItem(QStringLiteral("CompleteWordAtCursor1"))->isEnabled());
 }
 
-TEST_F(EditPageTest, LoadSetsTheNameClearsModifiedAndAddsToTheRecentList) {
+TEST_F(EditPageTest, LoadAndSaveKeepTheNameAndTheLineBreaks) {
     const std::string file = MakeFile("Patrol.pas", "mission Patrol;\nvar x;\n");
     TfrmMain window({});
     TfrmEdit* page = window.OpenFile(file, true);
@@ -58,29 +58,14 @@ TEST_F(EditPageTest, LoadSetsTheNameClearsModifiedAndAddsToTheRecentList) {
     TfrmEdit other(window, nullptr);
     EXPECT_FALSE(other.Load(Path("missing.pas"), true));
     EXPECT_EQ(window.RegMru1().Items().size(), 1u);
-}
 
-TEST_F(EditPageTest, LoadWithoutANameAsksAndStoresTheFolderEvenForAMissingFile) {
-    TfrmMain window({});
-    TfrmEdit page(window, nullptr);
-    std::filesystem::create_directories(Dir() / "sub");
-    openAnswers_ << QString::fromStdString((Dir() / "sub" / "gone.pas").string());
-    EXPECT_FALSE(page.Load("", false));
-    EXPECT_EQ(TIniFile(IniPath()).ReadString("editor", "DirLoad", ""), (Dir() / "sub").string());
-    EXPECT_FALSE(page.Load("", false)); // cancelled
-}
-
-TEST_F(EditPageTest, SaveWritesAnExistingFileInItsOwnLineBreakStyle) {
-    const std::string file = MakeFile("unix.pas", "unit u;\nvar a;\n");
-    TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(file, false);
-    ASSERT_NE(page, nullptr);
+    // Saved in the file's own line break style.
     page->Memo()->SetCaret(1, 0);
     page->Memo()->insert(QStringLiteral("// note\n"));
     EXPECT_TRUE(page->Modified());
     ASSERT_TRUE(page->Save());
     EXPECT_FALSE(page->Modified());
-    EXPECT_EQ(ReadFile(file), "unit u;\n// note\nvar a;\n");
+    EXPECT_EQ(ReadFile(file), "mission Patrol;\n// note\nvar x;\n");
 }
 
 TEST_F(EditPageTest, SaveOnANewPageAsksForANameAndBeforeReplacingAFile) {
@@ -102,18 +87,6 @@ TEST_F(EditPageTest, SaveOnANewPageAsksForANameAndBeforeReplacingAFile) {
     // Cancelled: nothing changes.
     EXPECT_FALSE(page->SaveAs());
     EXPECT_EQ(page->Caption(), QStringLiteral("Fresh.pas"));
-}
-
-TEST_F(EditPageTest, ADecodedPageWhoseFileIsGoneAsksForANameOnSave) {
-    const std::string file = MakeFile("decoded.iff.pas", "unit d;\r\n");
-    TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(file, false);
-    ASSERT_NE(page, nullptr);
-    std::filesystem::remove(file);
-    page->SetModified(true);
-    EXPECT_FALSE(page->Save()); // the save dialog was cancelled
-    EXPECT_FALSE(std::filesystem::exists(file));
-    EXPECT_TRUE(page->Modified());
 }
 
 TEST_F(EditPageTest, SaveQueryAnswers) {
@@ -143,26 +116,23 @@ TEST_F(EditPageTest, SaveQueryAnswers) {
     EXPECT_EQ(fresh->FileName().substr(0, 8), "Untitled");
 }
 
-TEST_F(EditPageTest, ATemporaryFileThatCannotBeCreatedLeavesTheOldFileIntact) {
+// A save that fails leaves the old file as it was and the page modified.
+TEST_F(EditPageTest, AFailedSaveLeavesTheOldFileIntact) {
     // A name that just fits leaves no room for the temporary file's suffix: it cannot be created (a limit
     // that holds for root too, unlike permissions).
-    const std::string file = MakeFile(std::string(236, 'k') + ".pas", "unit keep;\r\n");
+    const std::string longName = MakeFile(std::string(236, 'k') + ".pas", "unit keep;\r\n");
+    const std::string file = MakeFile("keep.pas", "unit keep;\r\n");
     TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(file, false);
+    TfrmEdit* page = window.OpenFile(longName, false);
     ASSERT_NE(page, nullptr);
     page->Memo()->SetText(QStringLiteral("unit changed;\r\n"));
-
     EXPECT_FALSE(page->Save());
-    EXPECT_EQ(ReadFile(file), "unit keep;\r\n");
+    EXPECT_EQ(ReadFile(longName), "unit keep;\r\n");
     EXPECT_TRUE(page->Modified());
     ASSERT_EQ(messages_.size(), 1);
     EXPECT_TRUE(messages_[0].startsWith(QStringLiteral("Cannot create file")));
-}
 
-TEST_F(EditPageTest, AWriteThatFailsPartWayLeavesTheOldFileIntact) {
-    const std::string file = MakeFile("keep.pas", "unit keep;\r\n");
-    TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(file, false);
+    page = window.OpenFile(file, false);
     ASSERT_NE(page, nullptr);
     // The disk fills up part-way through the write.
     QString big = QStringLiteral("unit big;\r\n");
@@ -184,15 +154,17 @@ TEST_F(EditPageTest, AWriteThatFailsPartWayLeavesTheOldFileIntact) {
     EXPECT_TRUE(page->Modified());
 }
 
-TEST_F(EditPageTest, CompileFillsTheOutputAndTheIffViewAndKeepsTheSymbols) {
-    const std::string file = MakeFile("Demo.pas", kDemoMission);
+// With autosave on, the page is saved before it compiles.
+TEST_F(EditPageTest, CompileSavesFillsTheOutputAndTheIffViewAndKeepsTheSymbols) {
+    TIniFile(IniPath()).WriteBool("editor", "autosave", true);
     TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(file, false);
+    TfrmEdit* page = OpenDemo(window, false);
     ASSERT_NE(page, nullptr);
+    page->Memo()->append(QStringLiteral("// saved\r\n"));
     window.OutputView().AppendLine(QStringLiteral("old line"));
     window.OutputView().hide();
     EXPECT_EQ(page->Symbols(), nullptr);
-    ASSERT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
+    ASSERT_TRUE(page->Compile()) << Output(window);
     EXPECT_FALSE(window.OutputView().Lines().contains(QStringLiteral("old line")));
     EXPECT_TRUE(window.OutputView().Lines().join(u'\n').contains(QStringLiteral("added to searchpath")));
     EXPECT_TRUE(window.OutputView().isVisibleTo(&window));
@@ -202,14 +174,15 @@ TEST_F(EditPageTest, CompileFillsTheOutputAndTheIffViewAndKeepsTheSymbols) {
     // The search path of the compile: the unit's folder first.
     EXPECT_EQ(page->SearchPathText().substr(0, Dir().string().size()), Dir().string());
     EXPECT_EQ(page->Memo()->ErrorLine(), -1);
+    EXPECT_EQ(ReadFile(Dir() / "Demo.pas"), std::string(kDemoMission) + "// saved\r\n");
+    EXPECT_FALSE(page->Modified());
 }
 
 TEST_F(EditPageTest, ACompileErrorMarksTheLineScrollsAndKeepsTheOldSymbols) {
     TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
     TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
+    TfrmEdit* page = OpenDemo(window);
     ASSERT_NE(page, nullptr);
-    ASSERT_TRUE(page->Compile());
     const auto symbols = page->Symbols();
     QString text;
     for (int i = 0; i < 30; ++i) text += QStringLiteral("var v%1;\r\n").arg(i);
@@ -234,33 +207,20 @@ TEST_F(EditPageTest, ACompileErrorMarksTheLineScrollsAndKeepsTheOldSymbols) {
     EXPECT_EQ(page->Memo()->ErrorLine(), -1);
 }
 
-TEST_F(EditPageTest, AutosaveSavesBeforeCompiling) {
-    TIniFile(IniPath()).WriteBool("editor", "autosave", true);
-    const std::string file = MakeFile("auto.pas", "mission Auto;\r\n");
-    TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(file, false);
-    ASSERT_NE(page, nullptr);
-    page->Memo()->append(QStringLiteral("var saved;\r\n"));
-    EXPECT_TRUE(page->Compile());
-    EXPECT_EQ(ReadFile(file), "mission Auto;\r\nvar saved;\r\n");
-    EXPECT_FALSE(page->Modified());
-}
-
 TEST_F(EditPageTest, CompileAndBuildWritesTheMissionAndTheSizeLine) {
     const PrivateTempFolder tmp(Dir() / "tmp");
     TfrmMain window({});
     ASSERT_NE(window.OpenFile(MakeFile("Demo.pas", kDemoMission), false), nullptr);
     window.MenuItem(QStringLiteral("MenuCompileBuild"))->trigger();
     const std::filesystem::path mission = Dir() / "Demo.mis";
-    ASSERT_TRUE(std::filesystem::exists(mission)) << window.OutputView().Lines().join(u'\n').toStdString();
+    ASSERT_TRUE(std::filesystem::exists(mission)) << Output(window);
     EXPECT_EQ(ReadFile(mission).substr(0, 4), "FORM");
     const std::string text = ReadFile(Dir() / "tmp" / "_velkor.txt");
     EXPECT_EQ(QString::fromStdString(text), window.IffView().Text());
     const auto size = std::filesystem::file_size(mission);
     const std::string line = "******* " + mission.string() + " (" +
                              FormatFloat("#,##0", static_cast<double>(size)) + " bytes) *******";
-    EXPECT_TRUE(window.OutputView().Lines().contains(QString::fromStdString(line)))
-        << window.OutputView().Lines().join(u'\n').toStdString();
+    EXPECT_TRUE(window.OutputView().Lines().contains(QString::fromStdString(line))) << Output(window);
 }
 
 TEST_F(EditPageTest, ADecodedFileWithSideFilesBuildsBackToItsBytes) {
@@ -279,7 +239,7 @@ TEST_F(EditPageTest, ADecodedFileWithSideFilesBuildsBackToItsBytes) {
         << window.ActivePage()->Text().toStdString();
     window.MenuItem(QStringLiteral("MenuCompileBuild"))->trigger();
     const std::filesystem::path built = Dir() / "Big.iff";
-    ASSERT_TRUE(std::filesystem::exists(built)) << window.OutputView().Lines().join(u'\n').toStdString();
+    ASSERT_TRUE(std::filesystem::exists(built)) << Output(window);
     EXPECT_EQ(ReadFile(built), form);
 }
 
@@ -306,18 +266,6 @@ TEST_F(EditPageTest, FilesAUnitNamesOutsideItsPlacesAreRefusedUnlessTheSettingsA
             !allowed)
             << output.toStdString();
     }
-}
-
-TEST_F(EditPageTest, AVerbosityOutOfRangeIsTakenAsTheNearestLevel) {
-    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 2147483647);
-    TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
-    ASSERT_NE(page, nullptr);
-    EXPECT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
-    EXPECT_FALSE(window.OutputView().Lines().contains(QStringLiteral("Range check error")));
-    EXPECT_EQ(ReadCompileSettings().Verbosity, 255);
-    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", -5);
-    EXPECT_EQ(ReadCompileSettings().Verbosity, 0);
 }
 
 } // namespace

@@ -3,13 +3,18 @@
 #pragma once
 
 #include "compiler/symbol_table.h"
+#include "ide/edit_page.h"
+#include "ide/main_window.h"
+#include "ide/output_view.h"
 #include "platform/executable_path.h"
 #include "platform/ini_file.h"
 #include "platform/numbers.h"
 #include "platform/strings.h"
 #include "tests/ide/ide_test_support.h"
 
+#include <QApplication>
 #include <QString>
+#include <QTest>
 
 #include <ostream>
 #include <string>
@@ -91,6 +96,36 @@ protected:
     std::string MakeFile(const std::string& name, const std::string& bytes) {
         WriteFile(Dir() / name, bytes);
         return Path(name);
+    }
+
+    // The demo mission opened in a page of `window` and, unless told otherwise, compiled; null (and a
+    // failure naming the compiler's messages) when either goes wrong.
+    TfrmEdit* OpenDemo(TfrmMain& window, bool compile = true) {
+        TfrmEdit* page = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
+        if (page && compile && !page->Compile()) {
+            ADD_FAILURE() << Output(window);
+            return nullptr;
+        }
+        return page;
+    }
+
+    static std::string Output(TfrmMain& window) {
+        return window.OutputView().Lines().join(u'\n').toStdString();
+    }
+
+    // Shows the window, at the size given if any, and waits until it is on the screen.
+    static void Show(QWidget& window, int width = 0, int height = 0) {
+        if (width) window.resize(width, height);
+        window.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&window));
+    }
+    // Shows the window and makes it the active one: without a window manager (Xvfb) nobody gives the
+    // window the focus but the program itself.
+    static void ShowActive(QWidget& window) {
+        Show(window);
+        window.activateWindow();
+        QApplication::setActiveWindow(&window);
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     }
 };
 

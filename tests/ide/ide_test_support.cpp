@@ -27,6 +27,15 @@ void DoubleClick(QWidget& widget, const QPoint& at) {
     }
 }
 
+std::vector<QStringList> ReadCases(const char* name) {
+    const std::string text = ReadFile(std::filesystem::path(VELKOR_SOURCE_DIR) / "tests/cases/ide" / name);
+    std::vector<QStringList> rows;
+    for (const QString& line : QString::fromStdString(text).split(u'\n')) {
+        if (!line.trimmed().isEmpty() && !line.startsWith(u'#')) rows.push_back(line.split(u'\t'));
+    }
+    return rows;
+}
+
 void IdeTest::SetUp() {
     dir_ = std::make_unique<TempDir>();
     setenv("VELKOR_INI", IniPath().c_str(), 1);

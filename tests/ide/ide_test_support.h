@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 class QWidget;
 
@@ -25,6 +26,10 @@ void EnsureApplication();
 // The events of a double click at a point of a widget, sent straight to it (the window may hold another
 // view on top of it).
 void DoubleClick(QWidget& widget, const QPoint& at);
+
+// The rows of tests/cases/ide/<name>: tab-separated fields, one row a line; blank lines and lines
+// starting with "#" are left out.
+std::vector<QStringList> ReadCases(const char* name);
 
 class IdeTest : public ::testing::Test {
 protected:

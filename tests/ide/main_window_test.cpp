@@ -1,51 +1,35 @@
 // The main window: start-up, the open procedure, decoding on open, pages, the timer and closing.
 #include "ide/app_icon.h"
-#include "ide/edit_page.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
-#include "ide/main_window.h"
-#include "ide/output_view.h"
 #include "ide/reg_mru.h"
-#include "platform/ini_file.h"
 #include "scanner/scanner.h"
-#include "tests/ide/ide_test_support.h"
+#include "tests/ide/edit_page_test_support.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QElapsedTimer>
 #include <QImage>
-#include <QListWidget>
 #include <QMenu>
-#include <QPlainTextEdit>
-#include <QStyle>
 #include <QTabWidget>
-#include <QThread>
 
-#include <chrono>
 #include <filesystem>
-#include <thread>
 
 namespace velkor::test {
 namespace {
 
-class MainWindowTest : public IdeTest {
+class MainWindowTest : public PageTest {
 protected:
-    void SetUp() override {
-        IdeTest::SetUp();
-        // A configured game folder, so that the first show does not ask for one.
-        TIniFile(IniPath()).WriteString("main", "sopath", Dir().string());
-    }
-
-    QStringList Captions(const TfrmMain& window) const {
+    static QStringList Captions(const TfrmMain& window) {
         QStringList captions;
         for (int i = 0; i < window.PageControlEditor()->count(); ++i)
             captions << window.PageControlEditor()->tabText(i);
         return captions;
     }
-
-    std::string MakeFile(const std::string& name, const std::string& bytes) {
-        WriteFile(Dir() / name, bytes);
-        return Path(name);
+    static void WaitForPage(TfrmMain& window, const QString& caption) {
+        QElapsedTimer clock;
+        clock.start();
+        while (window.ActivePage()->Caption() != caption && clock.elapsed() < 5000)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     }
 };
 
@@ -71,47 +55,30 @@ TEST_F(MainWindowTest, StartsWithExactlyOneUntitledPageAndTheCaption) {
     EXPECT_EQ(window.MaxDecodeSize(), 1024);
 }
 
-TEST_F(MainWindowTest, HintsWaitHalfASecond) {
-    TfrmMain window({});
-    EXPECT_EQ(QApplication::style()->styleHint(QStyle::SH_ToolTip_WakeUpDelay), 500);
-    // A second window does not wrap the style again.
-    QStyle* style = QApplication::style();
-    TfrmMain second({});
-    EXPECT_EQ(QApplication::style(), style);
-}
-
-TEST_F(MainWindowTest, OpensEveryArgumentInOrderAndAddsThemToTheRecentList) {
+TEST_F(MainWindowTest, ArgumentsOpenInOrderIntoTheRecentListWhichReopensThem) {
     const std::string a = MakeFile("Alpha.pas", "unit alpha;\r\n");
     const std::string b = MakeFile("beta.pas", "unit beta;\n");
-    TfrmMain window({QString::fromStdString(a), QString::fromStdString(b)});
-    EXPECT_EQ(Captions(window), (QStringList{"Alpha.pas", "beta.pas"}));
-    EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("beta.pas"));
-    ASSERT_EQ(window.RegMru1().Items().size(), 2u);
-    EXPECT_EQ(window.RegMru1().Items()[0].Path, b);
-    EXPECT_EQ(window.RegMru1().Items()[1].Path, a);
-}
-
-TEST_F(MainWindowTest, AFileNamedAtStartComesFirstAndTheEarlierRecentFilesStay) {
-    const std::string older = MakeFile("older.pas", "unit older;");
-    const std::string newer = MakeFile("newer.pas", "unit newer;");
-    { TfrmMain window({QString::fromStdString(older)}); }
     {
-        TfrmMain window({QString::fromStdString(newer)});
-        ASSERT_EQ(window.RegMru1().Items().size(), 2u);
-        EXPECT_EQ(window.RegMru1().Items()[0].Path, newer);
-        EXPECT_EQ(window.RegMru1().Items()[1].Path, older);
+        TfrmMain window({QString::fromStdString(a), QString::fromStdString(b)});
+        EXPECT_EQ(Captions(window), (QStringList{"Alpha.pas", "beta.pas"}));
+        EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("beta.pas"));
     }
-    TfrmMain window({});
-    ASSERT_EQ(window.RegMru1().Items().size(), 2u);
-    EXPECT_EQ(window.RegMru1().Items()[0].Path, newer);
-    EXPECT_EQ(window.RegMru1().Items()[1].Path, older);
-}
-
-TEST_F(MainWindowTest, AMissingArgumentOpensNothingSilently) {
+    {
+        TfrmMain window({});
+        ASSERT_EQ(window.RegMru1().Items().size(), 2u);
+        EXPECT_EQ(window.RegMru1().Items()[0].Path, b);
+        EXPECT_EQ(window.RegMru1().Items()[1].Path, a);
+        QMenu* reopen = window.MenuItem(QStringLiteral("MenuFileReopen"))->menu();
+        ASSERT_EQ(reopen->actions().size(), 2);
+        reopen->actions()[1]->trigger();
+        ProcessEvents();
+        EXPECT_EQ(Captions(window), QStringList{"Alpha.pas"});
+    }
+    // A missing file named at start opens nothing, silently.
     TfrmMain window({QString::fromStdString(Path("missing.pas"))});
     EXPECT_TRUE(window.Pages().isEmpty());
-    EXPECT_TRUE(messages_.isEmpty());
     EXPECT_EQ(window.ActivePage(), nullptr);
+    EXPECT_TRUE(messages_.isEmpty());
 }
 
 TEST_F(MainWindowTest, OpenRules) {
@@ -153,17 +120,34 @@ TEST_F(MainWindowTest, OpenWithoutANameAsksAndRemembersTheFolder) {
     EXPECT_EQ(window.Pages().size(), 1);
 }
 
-TEST_F(MainWindowTest, OpeningABinaryFileShowsItsDecodedText) {
-    const std::string iff = MakeFile("Real.iff", std::string("FORM\0\0\0\x0ETEST"
-                                                             "DATA\0\0\0\x02\x0A\xFF",
-                                                             22));
-    TfrmMain window({QString::fromStdString(iff)});
-    ASSERT_EQ(window.Pages().size(), 1);
-    EXPECT_EQ(window.ActivePage()->Text(),
-              QStringLiteral("IFF \"Real.iff\"\r\n{\r\n  FORM \"TEST\"\r\n  {\r\n"
-                             "    CHUNK \"DATA\"\r\n    {\r\n      BYTE [2] $0A $FF\r\n"
-                             "    }\r\n  }\r\n}\r\n"));
-    EXPECT_TRUE(window.ActivePage()->Modified());
+// A binary file opens as its decoded text, modified (its text file is not written). A truncated one opens
+// as far as its items go and the output view says that the text is not exact, inline and from a decode
+// thread alike.
+TEST_F(MainWindowTest, ABinaryFileOpensAsItsDecodedText) {
+    const QString text = QStringLiteral("IFF \"Cut.iff\"\r\n{\r\n  FORM \"TEST\"\r\n  {\r\n"
+                                        "    CHUNK \"DATA\"\r\n    {\r\n      BYTE [2] $0A $FF\r\n"
+                                        "    }\r\n  }\r\n}\r\n");
+    const QString note =
+        QStringLiteral(": the file is truncated: form TEST at offset 00000000 ends at 00000028, "
+                       "the data at 00000016: the decode is not exact");
+    for (const bool truncated : {false, true}) {
+        for (const bool thread : {false, true}) {
+            SCOPED_TRACE(std::to_string(truncated) + std::to_string(thread));
+            TIniFile(IniPath()).WriteBool("iffd", "UseSeparateThread", thread);
+            const std::string iff =
+                MakeFile("Cut.iff", std::string("FORM\0\0\0", 7) + (truncated ? ' ' : '\x0E') +
+                                        std::string("TESTDATA\0\0\0\x02\x0A\xFF", 14));
+            TfrmMain window({});
+            window.DecodeFile(iff);
+            WaitForPage(window, QStringLiteral("Cut.iff.pas"));
+            ASSERT_EQ(window.ActivePage()->Caption(), QStringLiteral("Cut.iff.pas"));
+            EXPECT_EQ(window.ActivePage()->Text(), text);
+            EXPECT_TRUE(window.ActivePage()->Modified());
+            EXPECT_FALSE(std::filesystem::exists(iff + ".pas"));
+            EXPECT_EQ(window.OutputView().Lines().contains(QString::fromStdString(iff) + note), truncated);
+            EXPECT_TRUE(messages_.isEmpty());
+        }
+    }
 }
 
 TEST_F(MainWindowTest, AMissionOpensWithItsScriptFunctionsAsListingsUnlessTheSettingsSayBytes) {
@@ -184,34 +168,6 @@ TEST_F(MainWindowTest, AMissionOpensWithItsScriptFunctionsAsListingsUnlessTheSet
     EXPECT_FALSE(window.ActivePage()->Text().contains(QStringLiteral("OBJ_PROP_TYPE")));
 }
 
-// A truncated file opens as far as its items go; the output view says that the text is not exact, inline
-// and from a decode thread alike.
-TEST_F(MainWindowTest, ATruncatedFileOpensAndTheOutputSaysSo) {
-    const std::string bytes("FORM\0\0\0\x20TEST"
-                            "DATA\0\0\0\x02\x0A\xFF",
-                            22);
-    const QString note =
-        QStringLiteral(": the file is truncated: form TEST at offset 00000000 ends at 00000028, "
-                       "the data at 00000016: the decode is not exact");
-    const QString text = QStringLiteral("IFF \"Cut.iff\"\r\n{\r\n  FORM \"TEST\"\r\n  {\r\n"
-                                        "    CHUNK \"DATA\"\r\n    {\r\n      BYTE [2] $0A $FF\r\n"
-                                        "    }\r\n  }\r\n}\r\n");
-    for (const bool thread : {false, true}) {
-        TIniFile(IniPath()).WriteBool("iffd", "UseSeparateThread", thread);
-        const std::string iff = MakeFile("Cut.iff", bytes);
-        TfrmMain window({});
-        window.DecodeFile(iff);
-        QElapsedTimer clock;
-        clock.start();
-        while (window.ActivePage()->Caption() != QStringLiteral("Cut.iff.pas") && clock.elapsed() < 5000)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        ASSERT_EQ(window.ActivePage()->Caption(), QStringLiteral("Cut.iff.pas")) << thread;
-        EXPECT_EQ(window.ActivePage()->Text(), text) << thread;
-        EXPECT_EQ(window.OutputView().Lines(), QStringList{QString::fromStdString(iff) + note}) << thread;
-        EXPECT_TRUE(messages_.isEmpty()) << thread;
-    }
-}
-
 TEST_F(MainWindowTest, ShortFilesAreTextAndFormFilesAreDecodedInline) {
     std::vector<std::string> decoded;
     SetDecodeFunctionForTesting([&](const std::string& in, const std::string& out, std::int32_t limit) {
@@ -225,11 +181,7 @@ TEST_F(MainWindowTest, ShortFilesAreTextAndFormFilesAreDecodedInline) {
     ASSERT_EQ(decoded.size(), 1u);
     EXPECT_EQ(decoded[0], iff + "|77");
     EXPECT_EQ(Captions(window), (QStringList{"short.iff", "Ship.iff.pas"}));
-    TfrmEdit* page = window.ActivePage();
-    EXPECT_TRUE(page->Modified());
-    EXPECT_EQ(page->Text(), QStringLiteral("IFF \"x\"\r\n{\r\n}\r\n"));
-    // The text file is gone, so Save asks for a name.
-    EXPECT_FALSE(std::filesystem::exists(iff + ".pas"));
+    EXPECT_EQ(window.ActivePage()->Text(), QStringLiteral("IFF \"x\"\r\n{\r\n}\r\n"));
     // The decoded text is not a recent file; the IFF file itself is not either.
     ASSERT_EQ(window.RegMru1().Items().size(), 1u);
     EXPECT_EQ(window.RegMru1().Items()[0].Path, shortFile);
@@ -256,29 +208,6 @@ TEST_F(MainWindowTest, ADecoderFailureIsShownAndOpensNothing) {
     WriteFile(iff + ".pas", "mine");
     EXPECT_EQ(window.OpenFile(iff, true), nullptr);
     EXPECT_EQ(ReadFile(iff + ".pas"), "mine");
-    SetDecodeFunctionForTesting({});
-}
-
-TEST_F(MainWindowTest, DecodeInAThreadOpensThePageWhenDone) {
-    std::thread::id decoderThread;
-    SetDecodeFunctionForTesting([&](const std::string&, const std::string& out, std::int32_t) {
-        decoderThread = std::this_thread::get_id();
-        WriteFile(out, "decoded");
-    });
-    TIniFile(IniPath()).WriteBool("iffd", "UseSeparateThread", true);
-    const std::string iff = MakeFile("a.sec", "FORM....");
-    TfrmMain window({});
-    EXPECT_EQ(window.DecodeFile(iff), nullptr);
-    QElapsedTimer clock;
-    clock.start();
-    while (window.ActivePage()->Caption() != QStringLiteral("a.sec.pas") && clock.elapsed() < 5000) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    ASSERT_EQ(window.ActivePage()->Caption(), QStringLiteral("a.sec.pas"));
-    EXPECT_NE(decoderThread, std::this_thread::get_id());
-    EXPECT_TRUE(window.ActivePage()->Modified());
-    EXPECT_EQ(window.ActivePage()->Text(), QStringLiteral("decoded"));
-    EXPECT_FALSE(std::filesystem::exists(iff + ".pas"));
     SetDecodeFunctionForTesting({});
 }
 
@@ -355,7 +284,7 @@ TEST_F(MainWindowTest, CloseQueryAsksEveryModifiedPageAndCancelKeepsTheWindow) {
     EXPECT_EQ(ini.ReadString("frmOutput", "site", "?"), "PageControl1");
 }
 
-TEST_F(MainWindowTest, FirstShowAsksForTheGameFolderOnlyWhenItIsEmpty) {
+TEST_F(MainWindowTest, FirstShowAsksForAnEmptyGameFolderSelectsTheScannerAndLoadsExtensions) {
     {
         TfrmMain window({});
         window.show();
@@ -363,51 +292,18 @@ TEST_F(MainWindowTest, FirstShowAsksForTheGameFolderOnlyWhenItIsEmpty) {
         EXPECT_EQ(window.SoPath(), Dir().string());
         window.ActivePage()->SetModified(false);
     }
-    TIniFile(IniPath()).WriteString("main", "sopath", "");
+    TIniFile ini(IniPath());
+    ini.WriteString("main", "sopath", "");
+    ini.WriteBool("compiler", "fast_scanner", true);
+    ini.WriteString("autoloadext", Path("nothere.so"), "1");
     TfrmMain window({});
     window.show();
     EXPECT_EQ(modalDialogNames_, QStringList{"frmSettings"});
     window.show();
     EXPECT_EQ(modalDialogs_, 1);
-}
-
-TEST_F(MainWindowTest, FirstShowSelectsTheScannerAndLoadsExtensions) {
-    TIniFile ini(IniPath());
-    ini.WriteBool("compiler", "fast_scanner", true);
-    ini.WriteString("autoloadext", Path("nothere.so"), "1");
-    ini.WriteString("autoloadext", Path("nor_this.so"), "1");
-    TfrmMain window({});
-    window.show();
     EXPECT_EQ(GetScannerClass(), ScannerClass::Fast);
-    EXPECT_EQ(
-        messages_,
-        (QStringList{
-            QString::fromStdString("Could not load library \"" + Path("nothere.so") + "\": not found!"),
-            QString::fromStdString("Could not load library \"" + Path("nor_this.so") + "\": not found!")}));
-}
-
-TEST_F(MainWindowTest, OutputCallbackAppendsAndSelectsTheLine) {
-    TfrmMain window({});
-    window.Output("first");
-    window.Output("second");
-    EXPECT_EQ(window.OutputView().Lines(), (QStringList{"first", "second"}));
-    EXPECT_EQ(window.OutputView().CurrentRow(), 1);
-    EXPECT_EQ(TfrmMain::Instance(), &window);
-}
-
-TEST_F(MainWindowTest, RecentFilesComeFromTheRegistryAndReopen) {
-    const std::string file = MakeFile("old.pas", "unit old;");
-    {
-        TfrmMain window({QString::fromStdString(file)});
-        window.ActivePage()->SetModified(false);
-    }
-    TfrmMain window({});
-    ASSERT_EQ(window.RegMru1().Items().size(), 1u);
-    QMenu* reopen = window.MenuItem(QStringLiteral("MenuFileReopen"))->menu();
-    ASSERT_EQ(reopen->actions().size(), 1);
-    reopen->actions()[0]->trigger();
-    ProcessEvents();
-    EXPECT_EQ(Captions(window), QStringList{"old.pas"});
+    EXPECT_EQ(messages_, QStringList{QString::fromStdString("Could not load library \"" + Path("nothere.so") +
+                                                            "\": not found!")});
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 #include "platform/executable_path.h"
 #include "platform/ini_file.h"
 #include "tests/ide/ide_test_support.h"
+#include "tests/ide/screenshot_support.h"
 
 #include <QAction>
 #include <QApplication>
@@ -24,7 +25,6 @@
 #include <QToolTip>
 #include <QWheelEvent>
 
-#include <cstdlib>
 #include <filesystem>
 
 namespace velkor::test {
@@ -86,7 +86,7 @@ protected:
     }
 };
 
-TEST_F(MapViewTest, ACompiledMissionShowsItsObjectsAndLeadsToTheirDeclarations) {
+TEST_F(MapViewTest, ACompiledMissionShowsItsObjectsLeadsToTheirDeclarationsAndZooms) {
     TfrmMain window({});
     window.resize(1100, 800);
     window.show();
@@ -111,6 +111,26 @@ TEST_F(MapViewTest, ACompiledMissionShowsItsObjectsAndLeadsToTheirDeclarations) 
     QHelpEvent help(QEvent::ToolTip, raider->toPoint(), canvas.mapToGlobal(raider->toPoint()));
     QApplication::sendEvent(&canvas, &help);
     EXPECT_EQ(QToolTip::text(), QStringLiteral("Raider2\nSHIP \"fighter_raider\"\nx 8700, y 1200, z 21400"));
+
+    // The wheel zooms the panel under it, a drag moves it, Fit restores both; Side leaves one panel.
+    const TMapTransform fitted = canvas.Scene().panels.at(0).transform;
+    const TMapRect frame = canvas.Scene().panels.at(0).frame;
+    const QPointF middle(frame.left + frame.width / 2, frame.top + frame.height / 2);
+    QWheelEvent wheel(middle, canvas.mapToGlobal(middle), {}, {0, 240}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&canvas, &wheel);
+    EXPECT_DOUBLE_EQ(canvas.Scene().panels.at(0).transform.scale, fitted.scale * 1.25 * 1.25);
+    QTest::mousePress(&canvas, Qt::LeftButton, {}, middle.toPoint());
+    QTest::mouseMove(&canvas, (middle + QPointF(30, -20)).toPoint());
+    QTest::mouseRelease(&canvas, Qt::LeftButton, {}, (middle + QPointF(30, -20)).toPoint());
+    const TMapTransform moved = canvas.Scene().panels.at(0).transform;
+    EXPECT_NE(moved.originX, fitted.originX);
+    window.MapView().findChild<QAction*>(QStringLiteral("MapFit"))->trigger();
+    EXPECT_DOUBLE_EQ(canvas.Scene().panels.at(0).transform.scale, fitted.scale);
+    EXPECT_DOUBLE_EQ(canvas.Scene().panels.at(0).transform.originX, fitted.originX);
+    window.MapView().findChild<QAction*>(QStringLiteral("MapSide"))->trigger();
+    ASSERT_EQ(canvas.Scene().panels.size(), 1u);
+    EXPECT_EQ(canvas.Scene().panels[0].view, TMapView::Side);
     window.MenuItem(QStringLiteral("MenuViewMap"))->trigger();
     EXPECT_TRUE(window.MapView().isHidden());
     page->SetModified(false);
@@ -165,34 +185,6 @@ TEST_F(MapViewTest, ADecodedSectorLeadsToItsObjectForms) {
     page->SetModified(false);
 }
 
-TEST_F(MapViewTest, ZoomChangesTheScaleAndFitRestoresIt) {
-    TfrmMain window({});
-    window.resize(1100, 800);
-    window.show();
-    ASSERT_NE(CompileAndMap(window, "patrol.pas"), nullptr);
-    TMapCanvas& canvas = *window.MapView().Canvas();
-    const TMapTransform fitted = canvas.Scene().panels.at(0).transform;
-    const TMapRect frame = canvas.Scene().panels.at(0).frame;
-    const QPointF middle(frame.left + frame.width / 2, frame.top + frame.height / 2);
-    QWheelEvent wheel(middle, canvas.mapToGlobal(middle), {}, {0, 240}, Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&canvas, &wheel);
-    EXPECT_DOUBLE_EQ(canvas.Scene().panels.at(0).transform.scale, fitted.scale * 1.25 * 1.25);
-    EXPECT_DOUBLE_EQ(canvas.Scene().panels.at(1).transform.scale,
-                     canvas.Scene().panels.at(1).transform.scale);
-    QTest::mousePress(&canvas, Qt::LeftButton, {}, middle.toPoint());
-    QTest::mouseMove(&canvas, (middle + QPointF(30, -20)).toPoint());
-    QTest::mouseRelease(&canvas, Qt::LeftButton, {}, (middle + QPointF(30, -20)).toPoint());
-    const TMapTransform moved = canvas.Scene().panels.at(0).transform;
-    EXPECT_NE(moved.originX, fitted.originX);
-    window.MapView().findChild<QAction*>(QStringLiteral("MapFit"))->trigger();
-    EXPECT_DOUBLE_EQ(canvas.Scene().panels.at(0).transform.scale, fitted.scale);
-    EXPECT_DOUBLE_EQ(canvas.Scene().panels.at(0).transform.originX, fitted.originX);
-    window.MapView().findChild<QAction*>(QStringLiteral("MapSide"))->trigger();
-    ASSERT_EQ(canvas.Scene().panels.size(), 1u);
-    EXPECT_EQ(canvas.Scene().panels[0].view, TMapView::Side);
-}
-
 TEST(MapLinks, ObjectFormsAndGameNamesAreFoundInTheText) {
     const std::string text =
         "IFF \"a.sec\"\r\n{\r\n  FORM \"OBJS\"\r\n  {\r\n    FORM \"OBJ_\"\r\n    {\r\n"
@@ -243,8 +235,7 @@ protected:
         ASSERT_EQ(canvas.Objects().size(), 6u);
         const QImage image = canvas.grab().toImage();
         ASSERT_FALSE(image.isNull());
-        if (const char* dir = std::getenv("VELKOR_SCREENSHOT_DIR"))
-            image.save(QString::fromLocal8Bit(dir) + u'/' + QString::fromLatin1(keepAs));
+        KeepScreenshot(image, keepAs);
         const double ratio = image.width() / static_cast<double>(canvas.width());
         auto pixel = [&](double x, double y) {
             return QColor(image.pixel(static_cast<int>(x * ratio), static_cast<int>(y * ratio))).rgb() &
@@ -273,14 +264,11 @@ protected:
     }
 };
 
-TEST_F(MapScreenshotTest, TheMapInTheLightPalette) {
+TEST_F(MapScreenshotTest, TheMapInTheLightAndTheDarkPalette) {
     QPalette light = QApplication::style()->standardPalette();
     light.setColor(QPalette::Window, QColor(0xEF, 0xEF, 0xEF));
     QApplication::setPalette(light);
     CheckPicture(TMapTheme::Light, "map_light.png");
-}
-
-TEST_F(MapScreenshotTest, TheMapInTheDarkPalette) {
     QApplication::setPalette(DarkPalette());
     CheckPicture(TMapTheme::Dark, "map_dark.png");
 }

@@ -67,26 +67,26 @@ class NavigationTest : public PageTest {};
 
 TEST_F(NavigationTest, AltLeftAndAltRightGoBackAndForwardAcrossPages) {
     TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    window.activateWindow();
-    QApplication::setActiveWindow(&window);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    TfrmEdit* demo = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
+    ShowActive(window);
+    TfrmEdit* demo = OpenDemo(window);
     ASSERT_NE(demo, nullptr);
-    ASSERT_TRUE(demo->Compile());
     const auto place = [&] {
         TfrmEdit* page = window.ActivePage();
         return page->Caption() + u':' + QString::number(page->Memo()->CaretLine() + 1) + u':' +
                QString::number(page->Memo()->CaretColumn());
     };
 
-    // Go to Line 3, then Find Declaration of Boost on line 17 into the include.
-    DialogHooks().AskInteger = [](QWidget*, const QString&, const QString&, int) -> std::optional<int> {
+    // Go to Line from line 2 to 17 (its dialog asked with its caption), then Find Declaration of Boost there
+    // into the include.
+    QString asked;
+    DialogHooks().AskInteger = [&](QWidget*, const QString& caption, const QString& label,
+                                   int) -> std::optional<int> {
+        asked = caption + u'|' + label;
         return 17;
     };
     demo->Memo()->SetCaret(1, 4);
-    demo->GotoLine();
+    window.MenuItem(QStringLiteral("MenuEditFindGotoLine"))->trigger();
+    EXPECT_EQ(asked, QStringLiteral("Go to Line Number|Enter new line number:"));
     ASSERT_EQ(place(), QStringLiteral("Demo.pas:17:0"));
     demo->Memo()->SetCaret(16, 22); // in "Boost"
     demo->FindDeclaration();
@@ -112,28 +112,6 @@ TEST_F(NavigationTest, AltLeftAndAltRightGoBackAndForwardAcrossPages) {
     EXPECT_EQ(key(Qt::Key_Right), QStringLiteral("Demo.pas:9:0"));
     EXPECT_EQ(window.WindowAction(QStringLiteral("ActionNavigateBack"))->shortcut(),
               QKeySequence(QStringLiteral("Alt+Left")));
-}
-
-TEST_F(NavigationTest, AnErrorJumpCanBeGoneBackFrom) {
-    TIniFile(IniPath()).WriteBool("compiler", "haltonerror", false);
-    TfrmMain window({});
-    TfrmEdit* page =
-        window.OpenFile(MakeFile("bad.pas", "mission Bad;\r\nvar a;\r\n\r\n\r\na := ;\r\n"), false);
-    ASSERT_NE(page, nullptr);
-    page->Compile();
-    page->Memo()->SetCaret(1, 3);
-    const QStringList lines = window.OutputView().Lines();
-    int row = -1;
-    for (int i = 0; i < lines.size(); ++i) {
-        if (lines[i].startsWith(QStringLiteral("[Bad, ")) && lines[i].contains(QStringLiteral("ERROR")))
-            row = i;
-    }
-    ASSERT_GE(row, 0) << lines.join(u'\n').toStdString();
-    ASSERT_TRUE(window.GotoMessage(row));
-    EXPECT_NE(page->Memo()->CaretLine(), 1);
-    ASSERT_TRUE(window.NavigateBack());
-    EXPECT_EQ(page->Memo()->CaretLine(), 1);
-    EXPECT_EQ(page->Memo()->CaretColumn(), 3);
 }
 
 } // namespace

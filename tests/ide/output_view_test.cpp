@@ -6,6 +6,8 @@
 #include "ide/output_view.h"
 #include "tests/ide/ide_test_support.h"
 
+#include <map>
+
 #include <QAction>
 #include <QApplication>
 #include <QBrush>
@@ -18,71 +20,28 @@ namespace {
 
 class OutputViewTest : public IdeTest {};
 
-TEST(OutputLines, KindOfEveryMessage) {
-    const struct {
-        const char* line;
-        TMessageKind kind;
-    } cases[] = {
-        {"[demo, 4] ERROR: expected \";\" but found \"is\"", TMessageKind::Error},
-        {"[demo, 4]   raised in Expect, line 12", TMessageKind::Error},
-        {"[demo, 9] HINT: /x/lib\\ doesn't exist", TMessageKind::Hint},
-        {"[demo, 2] [error] line 3: unknown keyword", TMessageKind::Error},
-        {"[error] line 3: FORM without a name", TMessageKind::Error},
-        {"[demo, 1] ** demo.mis ** (1,234 bytes)", TMessageKind::Written},
-        {"******* /tmp/demo.mis (1,234 bytes) *******", TMessageKind::Written},
-        {"[demo, 1] compiling file x.pas", TMessageKind::Plain},
-        {"[demo, 1] recovering from error...", TMessageKind::Plain},
-        {"ERROR: text without a place", TMessageKind::Error},
-        {"[demo, 1] the word ERROR: later in the line", TMessageKind::Plain},
-        {"", TMessageKind::Plain},
-    };
-    for (const auto& c : cases) EXPECT_EQ(ClassifyMessage(QString::fromLatin1(c.line)), c.kind) << c.line;
-}
-
-TEST(OutputLines, PlaceOfAMessage) {
-    const struct {
-        const char* line;
-        const char* unit; // null: no place
-        int at;
-    } cases[] = {
-        {"[demo, 4] ERROR: x", "demo", 4},
-        {"[Frontier, 120] HINT: y", "Frontier", 120},
-        {"[demo, 4]   raised in Expect, line 12", "demo", 4},
-        {"[, 3] text", nullptr, 0},
-        {"[demo, 0] text", nullptr, 0},
-        {"[demo, x] text", nullptr, 0},
-        {"[demo 4] text", nullptr, 0},
-        {"[error] line 3: y", nullptr, 0},
-        {"demo, 4] text", nullptr, 0},
-        {"******* /x (1 bytes) *******", nullptr, 0},
-    };
-    for (const auto& c : cases) {
-        const auto place = ParseMessageLocation(QString::fromLatin1(c.line));
-        if (!c.unit) {
-            EXPECT_FALSE(place) << c.line;
-            continue;
+TEST(OutputLines, KindPlaceAndVerbosityOfEveryMessage) {
+    const std::map<QString, TMessageKind> kinds = {{"Error", TMessageKind::Error},
+                                                   {"Hint", TMessageKind::Hint},
+                                                   {"Written", TMessageKind::Written},
+                                                   {"Plain", TMessageKind::Plain}};
+    for (const QStringList& row : ReadCases("messages.txt")) {
+        const QString& line = row.value(1);
+        SCOPED_TRACE(line.toStdString());
+        if (row[0] == u"kind") {
+            EXPECT_EQ(ClassifyMessage(line), kinds.at(row.value(2)));
+        } else if (row[0] == u"place") {
+            const auto place = ParseMessageLocation(line);
+            ASSERT_EQ(place.has_value(), row.size() > 2);
+            if (place) {
+                EXPECT_EQ(place->UnitName + u':' + QString::number(place->Line), row[2] + u':' + row[3]);
+            }
+        } else {
+            const bool raisedIn = row.value(2) == u'1';
+            EXPECT_EQ(IsRaisedInLine(line.toStdString()), raisedIn);
+            for (int verbosity = 0; verbosity <= 3; ++verbosity)
+                EXPECT_EQ(ShownAtVerbosity(line.toStdString(), verbosity), verbosity == 3 || !raisedIn);
         }
-        ASSERT_TRUE(place) << c.line;
-        EXPECT_EQ(place->UnitName, QString::fromLatin1(c.unit));
-        EXPECT_EQ(place->Line, c.at);
-    }
-}
-
-TEST(OutputLines, TheDiagnosticLineOnlyAtTheHighestVerbosity) {
-    const struct {
-        const char* line;
-        bool raisedIn;
-    } cases[] = {
-        {"[demo, 4]   raised in Expect, line 12", true},
-        {"  raised in TIffCompiler::Compile, line 80", true},
-        {"[demo, 4] ERROR: raised in the text", false},
-        {"[demo, 4]  raised in (one space)", false},
-        {"raised in", false},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(IsRaisedInLine(c.line), c.raisedIn) << c.line;
-        for (int verbosity = 0; verbosity <= 3; ++verbosity)
-            EXPECT_EQ(ShownAtVerbosity(c.line, verbosity), verbosity == 3 || !c.raisedIn) << c.line;
     }
 }
 
@@ -140,28 +99,6 @@ TEST_F(OutputViewTest, CopyAndClearInTheContextMenu) {
     clear->trigger();
     EXPECT_TRUE(output.Lines().isEmpty());
     EXPECT_EQ(output.CurrentRow(), -1);
-}
-
-TEST_F(OutputViewTest, SteppingVisitsErrorsAndHintsBothWays) {
-    TfrmMain window({});
-    TfrmOutput& output = window.OutputView();
-    for (const char* line : {"[d, 1] compiling", "[d, 2] ERROR: a", "[d, 2]   raised in X, line 1",
-                             "[d, 5] HINT: b", "[d, 6] recovering from error...", "[d, 9] ERROR: c"})
-        window.Output(line);
-    output.Flush();
-    output.ListBox1()->setCurrentIndex(QModelIndex());
-    QList<int> visited;
-    QObject::connect(&output, &TfrmOutput::LocationRequested, [&visited](int row) { visited << row; });
-    for (int i = 0; i < 4; ++i) ASSERT_TRUE(output.SelectMessage(true));
-    EXPECT_EQ(visited, (QList<int>{1, 3, 5, 1}));
-    visited.clear();
-    for (int i = 0; i < 3; ++i) ASSERT_TRUE(output.SelectMessage(false));
-    EXPECT_EQ(visited, (QList<int>{5, 3, 1}));
-    EXPECT_EQ(output.CurrentRow(), 1);
-
-    output.Clear();
-    window.Output("nothing to visit");
-    EXPECT_FALSE(output.SelectMessage(true));
 }
 
 } // namespace

@@ -86,8 +86,7 @@ TEST_F(PageStateTest, ModifiedShowsInTheTabTheCaptionAndTheStatusBar) {
 
 TEST_F(PageStateTest, TabsCloseByTheirButtonAndByMiddleClickWithTheSaveQuery) {
     TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    Show(window);
     TfrmEdit* first = window.OpenFile(MakeFile("one.pas", "unit one;\r\n"), false);
     TfrmEdit* second = window.OpenFile(MakeFile("two.pas", "unit two;\r\n"), false);
     ASSERT_TRUE(first && second);
@@ -118,8 +117,7 @@ TEST_F(PageStateTest, DroppedFilesOpenAsPagesAndBinaryIffIsDecoded) {
                                                              "abcd",
                                                              24));
     TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    Show(window);
     Drop(&window, {QUrl::fromLocalFile(QString::fromStdString(text))});
     ASSERT_NE(window.FindPage(text), nullptr);
     // On the editor the file is opened too, not pasted as text.
@@ -133,14 +131,9 @@ TEST_F(PageStateTest, DroppedFilesOpenAsPagesAndBinaryIffIsDecoded) {
     EXPECT_TRUE(decoded->Text().contains(QStringLiteral("TEST")));
 }
 
-TEST_F(PageStateTest, F1WorksAsSoonAsTheCaretIsOnAWord) {
+TEST_F(PageStateTest, F1AndF2WorkAtOnceAndSaveAsAsksBeforeReplacingAnotherFile) {
     TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    // Without a window manager (Xvfb) nobody gives the window the focus but the program itself.
-    window.activateWindow();
-    QApplication::setActiveWindow(&window);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    ShowActive(window);
     TfrmEdit* page = window.ActivePage();
     page->Memo()->SetText(QStringLiteral("   \r\nwhile"));
     page->Memo()->SetCaret(0, 1);
@@ -151,19 +144,10 @@ TEST_F(PageStateTest, F1WorksAsSoonAsTheCaretIsOnAWord) {
     QTest::keyClick(page->Memo(), Qt::Key_F1);
     EXPECT_TRUE(window.HelpView().CurrentPage().find("while.html") != std::string::npos)
         << window.HelpView().CurrentPage();
-}
 
-TEST_F(PageStateTest, F2SavesAndSaveAsAsksBeforeReplacingAnotherFile) {
     const std::string file = MakeFile("keep.pas", "unit keep;\r\n");
     const std::string other = MakeFile("other.pas", "precious");
-    TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    // Without a window manager (Xvfb) nobody gives the window the focus but the program itself.
-    window.activateWindow();
-    QApplication::setActiveWindow(&window);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    TfrmEdit* page = window.OpenFile(file, false);
+    page = window.OpenFile(file, false);
     ASSERT_NE(page, nullptr);
     page->Memo()->SetText(QStringLiteral("unit keep;\r\nvar v;\r\n"));
     QTest::keyClick(page->Memo(), Qt::Key_F2);

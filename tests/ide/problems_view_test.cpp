@@ -7,6 +7,7 @@
 #include "ide/problem_markers.h"
 #include "ide/problems_view.h"
 #include "tests/ide/edit_page_test_support.h"
+#include "tests/ide/screenshot_support.h"
 
 #include <QAction>
 #include <QImage>
@@ -45,48 +46,26 @@ protected:
         }
         return rows;
     }
-    static void Keep(const QImage& image, const char* name) {
-        if (const char* dir = std::getenv("VELKOR_SCREENSHOT_DIR"))
-            image.save(QString::fromLocal8Bit(dir) + u'/' + QString::fromLatin1(name));
-    }
 };
 
 TEST(CollectProblemsTest, ErrorsAndHintsWithAPlaceAreProblems) {
-    struct Case {
-        const char* Line;
-        int Count;         // problems found in it
-        const char* Unit;  // expected unit
-        int At;            // expected line
-        const char* Text;  // expected text
-        TMessageKind Kind; // expected kind
-    };
-    const Case cases[] = {
-        {"[Broken, 6] ERROR: expected an operand", 1, "Broken", 6, "ERROR: expected an operand",
-         TMessageKind::Error},
-        {"[demo, 12] HINT: /x doesn't exist", 1, "demo", 12, "HINT: /x doesn't exist", TMessageKind::Hint},
-        {"[Broken, 6]   raised in TCompiler.Expression", 0, "", 0, "", TMessageKind::Plain},
-        {"ERROR: no place", 0, "", 0, "", TMessageKind::Plain},
-        {"[demo, 7] compiling file y.pas", 0, "", 0, "", TMessageKind::Plain},
-        {"[, 7] ERROR: no unit", 0, "", 0, "", TMessageKind::Plain},
-        {"[demo, x] ERROR: no line", 0, "", 0, "", TMessageKind::Plain},
-    };
-    for (const Case& c : cases) {
-        const std::vector<TProblem> found =
-            CollectProblems({QString::fromUtf8(c.Line)}, [](const QString& unit) {
-                return unit == QStringLiteral("demo") ? std::string("/w/demo.pas") : std::string();
-            });
-        ASSERT_EQ(static_cast<int>(found.size()), c.Count) << c.Line;
-        if (c.Count == 0) continue;
-        EXPECT_EQ(found[0].UnitName, QString::fromUtf8(c.Unit)) << c.Line;
-        EXPECT_EQ(found[0].File, std::string_view(c.Unit) == "demo" ? "/w/demo.pas" : c.Unit) << c.Line;
-        EXPECT_EQ(found[0].Line, c.At) << c.Line;
-        EXPECT_EQ(found[0].Text, QString::fromUtf8(c.Text)) << c.Line;
-        EXPECT_EQ(found[0].Kind, c.Kind) << c.Line;
+    for (const QStringList& row : ReadCases("problems.txt")) {
+        const std::vector<TProblem> found = CollectProblems({row[0]}, [](const QString& unit) {
+            return unit == QStringLiteral("demo") ? std::string("/w/demo.pas") : std::string();
+        });
+        ASSERT_EQ(found.size(), row.size() > 1 ? 1U : 0U) << row[0].toStdString();
+        if (found.empty()) continue;
+        EXPECT_EQ(found[0].UnitName, row[1]);
+        EXPECT_EQ(found[0].File, row[1] == u"demo" ? "/w/demo.pas" : row[1].toStdString());
+        EXPECT_EQ(found[0].Line, row[2].toInt());
+        EXPECT_EQ(found[0].Text, row[3]);
+        EXPECT_EQ(found[0].Kind, row[4] == u"Error" ? TMessageKind::Error : TMessageKind::Hint);
     }
 }
 
-TEST_F(ProblemsTest, EveryErrorOfTheLastCompileIsListedAndMarked) {
+TEST_F(ProblemsTest, EveryErrorOfTheLastCompileIsListedMarkedAndReachedWhereItIsNow) {
     TfrmMain window({});
+    Show(window);
     TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
     ASSERT_NE(page, nullptr);
     page->Compile();
@@ -115,27 +94,12 @@ TEST_F(ProblemsTest, EveryErrorOfTheLastCompileIsListedAndMarked) {
     EXPECT_TRUE(marks.MessagesOn(2).isEmpty());
     EXPECT_TRUE(page->Memo()->markersAtLine(5) & (1 << TProblemMarkers::kErrorMarker));
 
-    // The include opened later gets the mark of its error.
-    TfrmEdit* faulty = window.OpenFile(Path("faulty.pas"), false);
-    ASSERT_NE(faulty, nullptr);
-    EXPECT_EQ(TProblemMarkers::Of(*faulty->Memo()).MarkedLines(), std::vector<int>{4});
-}
-
-TEST_F(ProblemsTest, MarksFollowEditsAndADoubleClickGoesWhereTheLineIsNow) {
-    TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
-    ASSERT_NE(page, nullptr);
-    page->Compile();
     // Two lines typed above the errors: the marks move down with their lines.
     page->Memo()->SetCaret(0, 0);
     page->Memo()->insert(QStringLiteral("// one\r\n// two\r\n"));
-    TProblemMarkers& marks = TProblemMarkers::Of(*page->Memo());
     EXPECT_TRUE(marks.MessagesOn(5).isEmpty());
     EXPECT_FALSE(marks.MessagesOn(7).isEmpty());
-
-    const QStringList rows = Rows(window.ProblemsView());
+    // A double click goes where the line is now.
     const int row = static_cast<int>(rows.indexOf(QStringLiteral("broken.pas:7")));
     ASSERT_GE(row, 0);
     QTreeWidget* tree = window.ProblemsView().ProblemList();
@@ -149,12 +113,13 @@ TEST_F(ProblemsTest, MarksFollowEditsAndADoubleClickGoesWhereTheLineIsNow) {
     EXPECT_EQ(window.ActivePage(), page);
     EXPECT_EQ(page->Memo()->CaretLine(), 8);
 
-    // The include's row opens it.
+    // The include's row opens it, and the include gets the mark of its error.
     const int inInclude = static_cast<int>(rows.indexOf(QStringLiteral("faulty.pas:5")));
     ASSERT_GE(inInclude, 0);
     EXPECT_TRUE(window.GotoProblem(inInclude));
     EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("faulty.pas"));
     EXPECT_EQ(window.ActivePage()->Memo()->CaretLine(), 4);
+    EXPECT_EQ(TProblemMarkers::Of(*window.ActivePage()->Memo()).MarkedLines(), std::vector<int>{4});
 }
 
 TEST_F(ProblemsTest, TheNextCompileReplacesTheMarksAndEachPageKeepsItsOwn) {
@@ -172,7 +137,7 @@ TEST_F(ProblemsTest, TheNextCompileReplacesTheMarksAndEachPageKeepsItsOwn) {
     ASSERT_FALSE(TProblemMarkers::Of(*page->Memo()).MarkedLines().empty());
 
     page->Memo()->SetText(QString::fromLatin1(kFixed));
-    ASSERT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
+    ASSERT_TRUE(page->Compile()) << Output(window);
     EXPECT_TRUE(TProblemMarkers::Of(*page->Memo()).MarkedLines().empty());
     EXPECT_EQ(page->Memo()->SendScintilla(QsciScintillaBase::SCI_INDICATOREND,
                                           static_cast<unsigned long>(TProblemMarkers::kErrorIndicator), 0L),
@@ -185,25 +150,9 @@ TEST_F(ProblemsTest, TheNextCompileReplacesTheMarksAndEachPageKeepsItsOwn) {
     EXPECT_TRUE(window.ProblemsView().Entries().empty());
 }
 
-TEST_F(ProblemsTest, TheViewIsOnTheViewMenuAndDocksBesideTheOutput) {
+TEST_F(ProblemsTest, ScreenshotMarksAreRedInTheMarginAndUnderTheTextAndTheViewDocksBesideTheOutput) {
     TfrmMain window({});
-    QAction* item = window.MenuItem(QStringLiteral("MenuViewProblems"));
-    ASSERT_NE(item, nullptr);
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    EXPECT_EQ(window.SiteOf(window.ProblemsView()), "PageControl1");
-    EXPECT_FALSE(window.ProblemsView().isVisible());
-    item->trigger();
-    EXPECT_TRUE(window.ProblemsView().isVisible());
-    item->trigger();
-    EXPECT_FALSE(window.ProblemsView().isVisible());
-}
-
-TEST_F(ProblemsTest, ScreenshotMarksAreRedInTheMarginAndUnderTheText) {
-    TfrmMain window({});
-    window.resize(900, 650);
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    Show(window, 900, 650);
     TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
     ASSERT_NE(page, nullptr);
     page->Compile();
@@ -213,7 +162,7 @@ TEST_F(ProblemsTest, ScreenshotMarksAreRedInTheMarginAndUnderTheText) {
     QApplication::processEvents();
     TPageEditor& memo = *page->Memo();
     const QImage image = memo.viewport()->grab().toImage();
-    Keep(window.grab().toImage(), "problems_view.png");
+    KeepScreenshot(window.grab().toImage(), "problems_view.png");
     const auto redIn = [&](const QRect& rect) {
         int count = 0;
         const QRect r = rect.intersected(image.rect());
@@ -242,6 +191,16 @@ TEST_F(ProblemsTest, ScreenshotMarksAreRedInTheMarginAndUnderTheText) {
                     .HintAt(lineRect(5, marginLeft, textLeft).center())
                     .startsWith(QStringLiteral("ERROR: ")));
     EXPECT_TRUE(TProblemMarkers::Of(memo).HintAt(lineRect(2, marginLeft, textLeft).center()).isEmpty());
+
+    // The view docks beside the output; the View menu hides and shows it.
+    QAction* item = window.MenuItem(QStringLiteral("MenuViewProblems"));
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(window.SiteOf(window.ProblemsView()), "PageControl1");
+    ASSERT_TRUE(window.ProblemsView().isVisible());
+    item->trigger();
+    EXPECT_FALSE(window.ProblemsView().isVisible());
+    item->trigger();
+    EXPECT_TRUE(window.ProblemsView().isVisible());
 }
 
 } // namespace

@@ -22,30 +22,14 @@ namespace {
 
 TEST(FindInTextTest, PlainTextAndRegularExpressionsFindTheirLines) {
     const QByteArray text = "unit Helpers;\r\nvar shipBonus;\r\n// SHIP ahoy\nfunction Boost(a);\r\nend;";
-    struct Case {
-        const char* Find;
-        bool Regex;
-        bool MatchCase;
-        std::vector<int> Lines; // lines found, from 1
-    };
-    const Case cases[] = {
-        {"ship", false, false, {2, 3}}, {"ship", false, true, {2}},
-        {"SHIP", false, true, {3}},     {"b.ost", false, false, {}}, // a dot is a dot in plain text
-        {"b.ost", true, false, {4}},                                 // and any character in an expression
-        {"^end;$", true, false, {5}},                                // the last line, without a break
-        {"bonus;$", true, false, {2}},                               // the "\r" is not part of the line
-        {"(a)", false, false, {4}},                                  // brackets are text in plain text
-        {"", false, false, {}},                                      // nothing to find
-    };
-    for (const Case& c : cases) {
-        const QRegularExpression pattern =
-            FindInFilesPattern(QString::fromLatin1(c.Find), c.Regex, c.MatchCase);
-        std::vector<int> lines;
+    for (const QStringList& row : ReadCases("find_in_text.txt")) {
+        const QRegularExpression pattern = FindInFilesPattern(row[0], row[1] == u"regex", row[2] == u"case");
+        QStringList lines;
         for (const TFileMatch& match : FindInText(QStringLiteral("h.pas"), text, pattern)) {
-            lines.push_back(match.Line);
+            lines << QString::number(match.Line);
             EXPECT_FALSE(match.Text.contains(u'\r'));
         }
-        EXPECT_EQ(lines, c.Lines) << c.Find << (c.Regex ? " regex" : "") << (c.MatchCase ? " case" : "");
+        EXPECT_EQ(lines.join(u' '), row.value(3)) << row.join(u' ').toStdString();
     }
     EXPECT_EQ(
         FindInText(QStringLiteral("h.pas"), text, FindInFilesPattern(QStringLiteral("ship"), false, false))[0]
@@ -76,8 +60,7 @@ protected:
 
 TEST_F(ProjectViewsTest, TheFilesViewShowsTheUnitsFolderAndSearchPathAndOpensFiles) {
     TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    Show(window);
     TfrmEdit* demo = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
     ASSERT_NE(demo, nullptr);
     ASSERT_NE(window.MenuItem(QStringLiteral("MenuViewFiles")), nullptr);
@@ -116,8 +99,7 @@ TEST_F(ProjectViewsTest, TheFilesViewShowsTheUnitsFolderAndSearchPathAndOpensFil
 
 TEST_F(ProjectViewsTest, FindInFilesListsTheMatchesAndOpensThem) {
     TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    Show(window);
     TfrmEdit* demo = window.OpenFile(MakeFile("Demo.pas", kDemoMission), false);
     ASSERT_NE(demo, nullptr);
     demo->Memo()->SetCaret(16, 23); // in "Boost"
@@ -168,8 +150,7 @@ TEST_F(ProjectViewsTest, TheLastSessionComesBackAtStart) {
     const std::string demoFile = MakeFile("Demo.pas", kDemoMission);
     {
         TfrmMain window({});
-        window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        Show(window);
         TfrmEdit* demo = window.OpenFile(demoFile, false);
         TfrmEdit* helpers = window.OpenFile(Path("helpers.pas"), false);
         ASSERT_TRUE(demo && helpers);
@@ -188,8 +169,7 @@ TEST_F(ProjectViewsTest, TheLastSessionComesBackAtStart) {
     EXPECT_EQ(saved.Active, 0);
     {
         TfrmMain window({});
-        window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        Show(window);
         ASSERT_EQ(window.Pages().size(), 2);
         EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("Demo.pas"));
         EXPECT_EQ(window.ActivePage()->Memo()->CaretLine(), 16);

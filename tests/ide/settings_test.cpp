@@ -28,37 +28,37 @@ protected:
     QPushButton* Button(TfrmSettings& dialog, const char* name) {
         return dialog.findChild<QPushButton*>(QString::fromLatin1(name));
     }
+    // The dialog's option boxes in a fixed order.
+    static std::vector<QAbstractButton*> Boxes(TfrmSettings& d) {
+        return {d.cbHaltOnError,         d.cbOptimizer,       d.cbFastScanner,
+                d.cbDisableIntelligence, d.cbAutosave,        d.cbDisableParamHint,
+                d.cbSeparateThread,      d.cbSeparateProcess, d.cbDisassemble};
+    }
 };
 
 TEST_F(SettingsTest, TabsAndTexts) {
     TfrmSettings dialog;
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Settings"));
-    ASSERT_EQ(dialog.Pages->count(), 5);
-    const QStringList tabs{"General", "Compiler", "Plugins", "Editor", "Iff Decoder"};
-    for (int i = 0; i < 5; ++i) EXPECT_EQ(dialog.Pages->tabText(i), tabs[i]);
-    EXPECT_EQ(Button(dialog, "btnOK")->text(), QStringLiteral("OK"));
-    EXPECT_EQ(Button(dialog, "btnApply")->text(), QStringLiteral("&Apply"));
-    EXPECT_EQ(Button(dialog, "btnCancel")->text(), QStringLiteral("&Cancel"));
-    const QStringList verbosity{"&Errors only", "&Limited", "&Extensive", "&All"};
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(dialog.rgVerbosity[i]->text(), verbosity[i]);
-    EXPECT_EQ(dialog.cbHaltOnError->text(), QStringLiteral("&Halt on errors"));
-    EXPECT_EQ(dialog.cbOptimizer->text(), QStringLiteral("Enable &Optimizer"));
-    EXPECT_EQ(dialog.cbFastScanner->text(), QStringLiteral("Use Fast Scanner"));
-    EXPECT_EQ(dialog.cbDisableIntelligence->text(), QStringLiteral("disable smart &hints"));
-    EXPECT_EQ(dialog.cbAutosave->text(), QStringLiteral("&save before compile"));
-    EXPECT_EQ(dialog.cbDisableParamHint->text(), QStringLiteral("disable parameter &hints"));
-    EXPECT_EQ(dialog.cbSeparateThread->text(), QStringLiteral("Decode in separate thread"));
-    EXPECT_EQ(dialog.cbSeparateProcess->text(), QStringLiteral("Decode in separate process"));
-    EXPECT_EQ(dialog.cbDisassemble->text(), QStringLiteral("Show script functions as listings"));
+    QStringList tabs;
+    for (int i = 0; i < dialog.Pages->count(); ++i) tabs << dialog.Pages->tabText(i);
+    EXPECT_EQ(tabs, (QStringList{"General", "Compiler", "Plugins", "Editor", "Iff Decoder"}));
+    QStringList texts;
+    for (const char* name : {"btnOK", "btnApply", "btnCancel"}) texts << Button(dialog, name)->text();
+    for (QRadioButton* level : dialog.rgVerbosity) texts << level->text();
+    for (QAbstractButton* box : Boxes(dialog)) texts << box->text();
+    EXPECT_EQ(texts,
+              (QStringList{"OK", "&Apply", "&Cancel", "&Errors only", "&Limited", "&Extensive", "&All",
+                           "&Halt on errors", "Enable &Optimizer", "Use Fast Scanner", "disable smart &hints",
+                           "&save before compile", "disable parameter &hints", "Decode in separate thread",
+                           "Decode in separate process", "Show script functions as listings"}));
     QStringList labels;
     for (const QLabel* label : dialog.findChildren<QLabel*>()) labels << label->text();
-    EXPECT_TRUE(labels.contains(QStringLiteral(
-        "Specify the root directory of your SO installation. That is the directory that contains the game\\, "
-        "mission\\, etc... sub-directories.")));
-    EXPECT_TRUE(labels.contains(
-        QStringLiteral("Select which plugins you want to load automatically at the start of Velkor.")));
-    EXPECT_TRUE(labels.contains(QStringLiteral("MaxDecodeSize =")));
-    EXPECT_TRUE(labels.contains(QStringLiteral("bytes")));
+    for (const char* label : {"Specify the root directory of your SO installation. That is the directory "
+                              "that contains the game\\, "
+                              "mission\\, etc... sub-directories.",
+                              "Select which plugins you want to load automatically at the start of Velkor.",
+                              "MaxDecodeSize =", "bytes"})
+        EXPECT_TRUE(labels.contains(QString::fromUtf8(label))) << label;
 }
 
 TEST_F(SettingsTest, AFreshFileShowsTheDialogDefaults) {
@@ -68,16 +68,10 @@ TEST_F(SettingsTest, AFreshFileShowsTheDialogDefaults) {
     EXPECT_EQ(dialog.EditSoPath->text(), QStringLiteral("/games/so"));
     EXPECT_EQ(dialog.EditMaxDecodeSize->text(), QStringLiteral("1024"));
     EXPECT_TRUE(dialog.rgVerbosity[0]->isChecked());
-    EXPECT_TRUE(dialog.cbHaltOnError->isChecked());
-    EXPECT_TRUE(dialog.cbOptimizer->isChecked());
-    EXPECT_FALSE(dialog.cbFastScanner->isChecked());
-    EXPECT_FALSE(dialog.cbDisableIntelligence->isChecked());
-    EXPECT_FALSE(dialog.cbAutosave->isChecked());
-    EXPECT_FALSE(dialog.cbDisableParamHint->isChecked());
-    EXPECT_FALSE(dialog.cbSeparateThread->isChecked());
+    std::vector<bool> checked;
+    for (QAbstractButton* box : Boxes(dialog)) checked.push_back(box->isChecked());
+    EXPECT_EQ(checked, (std::vector<bool>{true, true, false, false, false, false, false, false, true}));
     EXPECT_TRUE(dialog.cbSeparateThread->isEnabled());
-    EXPECT_FALSE(dialog.cbSeparateProcess->isChecked());
-    EXPECT_TRUE(dialog.cbDisassemble->isChecked());
     ASSERT_EQ(dialog.cklbSpecialDecoders->count(), 14);
     EXPECT_EQ(dialog.cklbSpecialDecoders->item(0)->text(), QStringLiteral("SHIP, CAPS, CMIS"));
     EXPECT_EQ(dialog.cklbSpecialDecoders->item(13)->text(), QStringLiteral("MISS/DATA"));
@@ -92,30 +86,28 @@ TEST_F(SettingsTest, ApplyWritesEveryKeyAndOkToo) {
     dialog.EditSoPath->setText(QStringLiteral("/so"));
     dialog.EditMaxDecodeSize->setText(QStringLiteral("abc"));
     dialog.rgVerbosity[2]->setChecked(true);
-    dialog.cbHaltOnError->setChecked(false);
-    dialog.cbOptimizer->setChecked(false);
-    dialog.cbFastScanner->setChecked(true);
-    dialog.cbAutosave->setChecked(true);
-    dialog.cbSeparateThread->setChecked(true);
-    dialog.cbDisassemble->setChecked(false);
+    const std::vector<bool> set = {false, false, true, false, true, false, true, false, false};
+    for (std::size_t i = 0; i < set.size(); ++i) Boxes(dialog)[i]->setChecked(set[i]);
     dialog.cklbSpecialDecoders->item(4)->setCheckState(Qt::Unchecked); // VERT
     Button(dialog, "btnApply")->click();
 
     const TIniFile ini(IniPath());
-    EXPECT_EQ(ini.ReadString("main", "sopath", ""), "/so");
-    EXPECT_EQ(ini.ReadString("iffd", "maxdecodesize", ""), "1024");
-    EXPECT_EQ(ini.ReadString("iffd", "VERT", ""), "0");
-    EXPECT_EQ(ini.ReadString("iffd", "VTNM", ""), "1");
-    EXPECT_EQ(ini.ReadString("iffd", "UseSeparateThread", ""), "1");
-    EXPECT_EQ(ini.ReadString("iffd", "UseSeparateProcess", ""), "0");
-    EXPECT_EQ(ini.ReadString("iffd", "disassemble", ""), "0");
-    EXPECT_EQ(ini.ReadString("editor", "autosave", ""), "1");
-    EXPECT_EQ(ini.ReadString("editor", "disable_intelligence", ""), "0");
-    EXPECT_EQ(ini.ReadString("editor", "disable_paramhint", ""), "0");
-    EXPECT_EQ(ini.ReadString("compiler", "verbosity", ""), "2");
-    EXPECT_EQ(ini.ReadString("compiler", "haltonerror", ""), "0");
-    EXPECT_EQ(ini.ReadString("compiler", "optimization", ""), "0");
-    EXPECT_EQ(ini.ReadString("compiler", "fast_scanner", ""), "1");
+    const char* const written[][3] = {{"main", "sopath", "/so"},
+                                      {"iffd", "maxdecodesize", "1024"},
+                                      {"iffd", "VERT", "0"},
+                                      {"iffd", "VTNM", "1"},
+                                      {"iffd", "UseSeparateThread", "1"},
+                                      {"iffd", "UseSeparateProcess", "0"},
+                                      {"iffd", "disassemble", "0"},
+                                      {"editor", "autosave", "1"},
+                                      {"editor", "disable_intelligence", "0"},
+                                      {"editor", "disable_paramhint", "0"},
+                                      {"compiler", "verbosity", "2"},
+                                      {"compiler", "haltonerror", "0"},
+                                      {"compiler", "optimization", "0"},
+                                      {"compiler", "fast_scanner", "1"}};
+    for (const auto& [section, key, value] : written)
+        EXPECT_EQ(ini.ReadString(section, key, ""), value) << key;
     EXPECT_EQ(GetScannerClass(), ScannerClass::Fast);
     EXPECT_FALSE(SpecialDecoders()[4].Enabled);
     EXPECT_TRUE(SpecialDecoders()[5].Enabled);
@@ -124,10 +116,8 @@ TEST_F(SettingsTest, ApplyWritesEveryKeyAndOkToo) {
     TfrmSettings again;
     EXPECT_EQ(again.EditSoPath->text(), QStringLiteral("/so"));
     EXPECT_TRUE(again.rgVerbosity[2]->isChecked());
-    EXPECT_FALSE(again.cbOptimizer->isChecked());
+    for (std::size_t i = 0; i < set.size(); ++i) EXPECT_EQ(Boxes(again)[i]->isChecked(), set[i]) << i;
     EXPECT_EQ(again.cklbSpecialDecoders->item(4)->checkState(), Qt::Unchecked);
-    EXPECT_TRUE(again.cbSeparateThread->isChecked());
-    EXPECT_FALSE(again.cbDisassemble->isChecked());
     again.rgVerbosity[3]->setChecked(true);
     Button(again, "btnCancel")->click();
     EXPECT_EQ(TIniFile(IniPath()).ReadInteger("compiler", "verbosity", -1), 2);
@@ -164,9 +154,7 @@ TEST_F(SettingsTest, ControlRules) {
 
 TEST_F(SettingsTest, PluginsTabListsTheLibrariesBesideTheExecutable) {
     SetExecutableFolderForTesting(Dir().string());
-    WriteFile(Dir() / "b_ext.so", "");
-    WriteFile(Dir() / "a_ext.so", "");
-    WriteFile(Dir() / "notes.txt", "");
+    for (const char* file : {"b_ext.so", "a_ext.so", "notes.txt"}) WriteFile(Dir() / file, "");
     TIniFile(IniPath()).WriteString("autoloadext", Path("b_ext.so"), "1");
     TIniFile(IniPath()).WriteString("autoloadext", "/elsewhere/gone.so", "1");
     TfrmSettings dialog;

@@ -118,8 +118,7 @@ TEST_F(ToolBarTest, SaveIsThereForAModifiedPage) {
 TEST_F(ToolBarTest, TheViewMenuHidesItForThisAndTheNextSession) {
     {
         TfrmMain window({});
-        window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        Show(window);
         auto* view = window.menuBar()->findChild<QMenu*>(QStringLiteral("MenuView"));
         ASSERT_NE(view, nullptr);
         QAction* item = nullptr;
@@ -134,8 +133,7 @@ TEST_F(ToolBarTest, TheViewMenuHidesItForThisAndTheNextSession) {
         EXPECT_FALSE(item->isChecked());
     }
     TfrmMain next({});
-    next.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&next));
+    Show(next);
     EXPECT_FALSE(next.ToolBar().isVisible());
     next.ToolBar().ViewItem()->trigger();
     EXPECT_TRUE(next.ToolBar().isVisible());

@@ -66,45 +66,6 @@ TEST_F(ViewsTest, DockPlacementRoundTrip) {
     EXPECT_FALSE(window.HelpView().isHidden());
 }
 
-TEST_F(ViewsTest, AViewSavedFloatingAndInvisibleStartsSo) {
-    TDockPlacement placement;
-    placement.Site = "";
-    placement.Visible = false;
-    placement.Width = 200;
-    placement.Height = 100;
-    WriteDockPlacement("frmOutput", placement);
-    TfrmMain window({});
-    window.show();
-    EXPECT_TRUE(window.OutputView().isFloating());
-    EXPECT_TRUE(window.OutputView().isHidden());
-    window.OutputView().BringToFront();
-    EXPECT_FALSE(window.OutputView().isHidden());
-}
-
-TEST_F(ViewsTest, MainWindowPlacementRoundTrip) {
-    {
-        TfrmMain window({});
-        window.show();
-        window.resize(640, 480);
-        window.ActivePage()->SetModified(false);
-        window.close();
-    }
-    const TIniFile ini(IniPath());
-    EXPECT_EQ(ini.ReadInteger("frmMain", "WindowState", -1), 0);
-    EXPECT_EQ(ini.ReadInteger("frmMain", "Width", -1), 640);
-    EXPECT_EQ(ini.ReadInteger("frmMain", "Height", -1), 480);
-    TIniFile(IniPath()).WriteInteger("frmMain", "Width", 700);
-    TfrmMain window({});
-    window.show();
-    EXPECT_EQ(window.width(), 700);
-    EXPECT_EQ(window.height(), 480);
-
-    TIniFile(IniPath()).WriteInteger("frmMain", "WindowState", 2);
-    TfrmMain maximised({});
-    maximised.show();
-    EXPECT_TRUE(maximised.windowState() & Qt::WindowMaximized);
-}
-
 TEST_F(ViewsTest, HelpPagesComeFromTheRoot) {
     std::filesystem::create_directories(Dir() / "help" / "help");
     WriteFile(Dir() / "help" / "index.html", "<html><body><h1>Language</h1></body></html>");
@@ -132,12 +93,6 @@ TEST_F(ViewsTest, AWebHelpRootOpensTheBrowser) {
     window.HelpView().ShowTopic("while");
     EXPECT_EQ(urls_, (QStringList{"https://example.org/velkor/props.html",
                                   "https://example.org/velkor/help/while.html"}));
-}
-
-TEST_F(ViewsTest, TheShippedHelpPagesExist) {
-    const std::string root = DefaultHelpRoot();
-    for (const char* page : {"index.html", "objects.html", "props.html", "func.html"})
-        EXPECT_TRUE(std::filesystem::exists(root + page)) << root + page;
 }
 
 TEST_F(ViewsTest, OutputListAndIffViewBasics) {

@@ -51,8 +51,7 @@ TEST_F(WindowFitTest, TheMainWindowComesBackExactlyWhereItWas) {
     // Restart after restart, the window stays put.
     for (int run = 0; run < 3; ++run) {
         TfrmMain window({});
-        window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        Show(window);
         EXPECT_EQ(window.geometry(), wanted) << "run " << run;
         window.ActivePage()->SetModified(false);
         window.close();
@@ -111,8 +110,7 @@ TEST_F(WindowFitTest, NeitherWindowNorViewNorSymbolListComesBackOffScreen) {
     ini.WriteInteger("frmProcList", "Width", 300);
     ini.WriteInteger("frmProcList", "Height", 200);
     TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    Show(window);
     EXPECT_TRUE(OnAScreen(window.geometry()));
     EXPECT_EQ(window.width(), 500);
     ASSERT_TRUE(window.IffView().isFloating());
@@ -127,32 +125,6 @@ TEST_F(WindowFitTest, NeitherWindowNorViewNorSymbolListComesBackOffScreen) {
     EXPECT_EQ(list.size(), QSize(300, 200));
 }
 
-TEST_F(WindowFitTest, DialogsShowAllTheyHoldAtALargeFont) {
-    const QFont original = QApplication::font();
-    QFont large = original;
-    large.setPointSize(20);
-    QApplication::setFont(large);
-    {
-        TfrmSettings settings(nullptr);
-        settings.show();
-        QTabBar* tabs = settings.Pages->tabBar();
-        ASSERT_EQ(tabs->count(), 5);
-        for (int i = 0; i < tabs->count(); ++i)
-            EXPECT_TRUE(tabs->rect().contains(tabs->tabRect(i))) << tabs->tabText(i).toStdString();
-
-        const auto prompt = MakeIntegerDialog(nullptr, QStringLiteral("Go to Line Number"),
-                                              QStringLiteral("Enter new line number:"), 1);
-        prompt->show();
-        QFont bold = prompt->font();
-        bold.setBold(true);
-        EXPECT_GE(prompt->width(), QFontMetrics(bold).horizontalAdvance(QStringLiteral("Go to Line Number")) +
-                                       4 * QFontMetrics(bold).height());
-        EXPECT_EQ(prompt->windowTitle(), QStringLiteral("Go to Line Number"));
-        EXPECT_EQ(prompt->labelText(), QStringLiteral("Enter new line number:"));
-    }
-    QApplication::setFont(original);
-}
-
 TEST_F(WindowFitTest, TheFindBoxCompletesOnlyInItsDropDown) {
     TSyntaxFindDialog dialog;
     dialog.show();
@@ -164,33 +136,6 @@ TEST_F(WindowFitTest, TheFindBoxCompletesOnlyInItsDropDown) {
     EXPECT_EQ(box->lineEdit()->selectedText(), QString());
     QTest::keyClicks(box->lineEdit(), QStringLiteral("x"));
     EXPECT_EQ(box->currentText(), QStringLiteral("Foex"));
-}
-
-TEST_F(WindowFitTest, TheStringListKeepsItsSelectedRowInView) {
-    TIffStringList table;
-    for (int i = 0; i < 40; ++i) table.Lines.push_back("entry number " + std::to_string(i));
-    table.InfoText1 = "English";
-    table.InfoText2 = "Default";
-    table.SaveToFile(Dir() / "texts.eng");
-    TfrmMain window({});
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    TfrmEdit* page =
-        window.OpenFile(MakeFile("talk.pas", "mission Talk;\r\n#STRINGS texts;\r\nvar x;\r\n"), false);
-    ASSERT_NE(page, nullptr);
-    ASSERT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
-    page->Memo()->SetText(QStringLiteral("x := texts"));
-    page->Memo()->SetCaret(0, 10);
-    QTest::keyClick(page->Memo(), Qt::Key_8, Qt::AltModifier);
-    QListWidget* list = page->lbCodeHelp();
-    ASSERT_TRUE(list->isVisible());
-    ASSERT_EQ(list->count(), 40);
-    for (int i = 0; i < 20; ++i) {
-        QTest::keyClick(page->Memo(), Qt::Key_Down);
-        const QRect row = list->visualItemRect(list->currentItem());
-        EXPECT_TRUE(list->viewport()->rect().contains(row)) << "row " << list->currentRow();
-    }
-    EXPECT_EQ(list->currentRow(), 20);
 }
 
 } // namespace
