@@ -92,11 +92,8 @@ TEST(IffReaderHostile, SizesPastTheEndAreCaughtWhenRead) {
     EXPECT_EQ(MessageOf([&] { r.ReadLong(); }), past);
 }
 
-TEST(IffReaderHostile, ZeroAndOddSizesAnywhere) {
-    // Empty root, empty chunks side by side, odd sizes without their pad byte at the very end.
-    EXPECT_EQ(TIffReader::FromCopy(Form("NONE")).Root().Children().size(), 0u);
-    const Bytes empties = Form("TEST", {Chunk("ONE_", {}), Chunk("TWO_", {}), Chunk("LAST", Str("a"))});
-    EXPECT_EQ(TIffReader(empties).Root().Chunks.size(), 3u);
+TEST(IffReaderHostile, AnOddSizeWithoutItsPadByteAtTheEnd) {
+    // An odd size without its pad byte at the very end.
     Bytes noPad = Form("TEST", {Chunk("ODD_", Str("abc"))});
     noPad.pop_back();
     TIffReader r(noPad);
@@ -106,42 +103,6 @@ TEST(IffReaderHostile, ZeroAndOddSizesAnywhere) {
     std::uint8_t pad[1];
     EXPECT_EQ(MessageOf([&] { r.Read(pad); }),
               "TIffReader: Chunk (ODD_) at offset 0000000C runs past the end of the data!");
-    // A form whose size field is 0 or 1 holds nothing, not even its own type: what follows lies outside it.
-    TIffReader tiny = TIffReader::FromCopy(Cat({Str("FORM"), Be32(1), Str("TEST"), Chunk("DATA", {})}));
-    EXPECT_TRUE(tiny.Root().Chunks.empty());
-}
-
-TEST(IffReaderHostile, HighBitSizesAreUnsigned) {
-    // A root claiming 2 GB and more still holds what follows it.
-    const Bytes data = Cat({Str("FORM"), Be32(0x80000001u), Str("TEST"), Chunk("DATA", Str("ab"))});
-    TIffReader r(data);
-    EXPECT_EQ(r.Root().Size, 0x80000002LL);
-    EXPECT_EQ(r.Root().Chunks.size(), 1u);
-}
-
-TEST(IffReaderHostile, TruncatedHeadersAtEveryLength) {
-    const Bytes whole = Form("OUTR", {Form("INNR", {Chunk("DATA", Str("abcd"))})});
-    for (std::size_t n = 0; n < whole.size(); ++n) {
-        const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(n));
-        std::string expected;
-        if (n < 4)
-            expected = "TIffReader: not a valid .iff file!";
-        else if (n < 12)
-            expected = "EIffReader_ErrorInForm: Error in Form \"" +
-                       std::string("OUTR").substr(0, n < 8 ? 0 : n - 8) + "\" at offset 0";
-        else if (n < 16)
-            expected = "(no EIffReader)";
-        else if (n < 24)
-            expected = "EIffReader_ErrorInForm: Error in Form \"" +
-                       std::string("INNR").substr(0, n < 20 ? 0 : n - 20) + "\" at offset C";
-        else if (n < 28)
-            expected = "(no EIffReader)";
-        else if (n < 32)
-            expected = "EIffReader_ErrorInChunk: Error in Chunk \"DATA\" at offset 18";
-        else
-            expected = "(no EIffReader)";
-        EXPECT_EQ(MessageOf([&] { TIffReader r(cut); }), expected) << "length " << n;
-    }
 }
 
 // Address space that is reserved but never touched: reading it would fault, so nothing may.

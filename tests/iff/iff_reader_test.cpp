@@ -41,120 +41,6 @@ Bytes Mission() {
     return w.Bytes();
 }
 
-TEST(IffReaderScan, BuildsTheTreeWithOffsetsAndEvenSizes) {
-    const Bytes data = Mission();
-    TIffReader r(data);
-    const TForm& root = r.Root();
-    EXPECT_EQ(root.ID, "MISN");
-    EXPECT_EQ(root.Offset, 0);
-    EXPECT_EQ(root.Size, static_cast<std::int64_t>(data.size()) - 8);
-    EXPECT_EQ(root.Parent, nullptr);
-    ASSERT_EQ(root.Chunks.size(), 2u);
-    ASSERT_EQ(root.Forms.size(), 2u);
-    EXPECT_EQ(root.Chunks[0]->ID, "HEAD");
-    EXPECT_EQ(root.Chunks[0]->Offset, 12);
-    EXPECT_EQ(root.Chunks[0]->Size, 4); // 3 on disk, made even
-    const TForm& objs = *root.Forms[0];
-    EXPECT_EQ(objs.ID, "OBJS");
-    EXPECT_EQ(objs.Offset, 24);
-    EXPECT_EQ(objs.Parent, &root);
-    ASSERT_EQ(objs.Chunks.size(), 2u);
-    EXPECT_EQ(objs.Chunks[1]->Offset, 48);
-    EXPECT_EQ(objs.Chunks[1]->Size, 2);
-    EXPECT_EQ(objs.Chunks[1]->Parent, &objs);
-    EXPECT_EQ(root.Chunks[1]->ID, "TAIL");
-    EXPECT_EQ(root.Forms[1]->ID, "LAST");
-    EXPECT_EQ(&r.CurrentForm(), &root);
-    EXPECT_EQ(r.CurrentChunk(), nullptr);
-}
-
-TEST(IffReaderScan, ChildrenComeInFileOrder) {
-    const Bytes data = Mission();
-    TIffReader r(data);
-    std::string order;
-    for (const TIffItem* item : r.Root().Children()) order += item->ID + (item->IsForm() ? "/ " : " ");
-    EXPECT_EQ(order, "HEAD OBJS/ TAIL LAST/ ");
-}
-
-// An empty chunk closing a nested form starts exactly at that form's offset + size, outside the
-// strict span, so it is filed under the form above. So is anything in the last 8 bytes of a span.
-TEST(IffReaderScan, ItemsInTheLastEightBytesOfAFormBelongToItsParent) {
-    const Bytes data = Form(
-        "OUTR", {Form("INNR", {Chunk("FULL", Str("abcd")), Chunk("EMPT", {})}), Chunk("NEXT", Str("zz"))});
-    TIffReader r(data);
-    const TForm& innr = *r.Root().Forms.at(0);
-    ASSERT_EQ(innr.Chunks.size(), 1u);
-    EXPECT_EQ(innr.Chunks[0]->ID, "FULL");
-    ASSERT_EQ(r.Root().Chunks.size(), 2u);
-    EXPECT_EQ(r.Root().Chunks[0]->ID, "EMPT");
-    EXPECT_EQ(r.Root().Chunks[0]->Offset, 36);
-    EXPECT_EQ(r.Root().Chunks[0]->Parent, &r.Root());
-
-    // One non-empty chunk more and the empty one is inside again.
-    const Bytes inside = Form("OUTR", {Form("INNR", {Chunk("EMPT", {}), Chunk("FULL", Str("ab"))})});
-    TIffReader r2(inside);
-    EXPECT_EQ(r2.Root().Forms.at(0)->Chunks.size(), 2u);
-
-    // A form whose size field stops 2 bytes after its only chunk's start: the next chunk (8 bytes on)
-    // lies in its last 8 bytes and goes to the parent.
-    Bytes shortForm =
-        Form("OUTR", {Cat({Str("FORM"), Be32(4 + 12 + 2), Str("INNR"), Chunk("FULL", Str("abcd"))}),
-                      Chunk("NEXT", Str("ab"))});
-    TIffReader r3(shortForm);
-    EXPECT_EQ(r3.Root().Forms.at(0)->Chunks.size(), 1u);
-    ASSERT_EQ(r3.Root().Chunks.size(), 1u);
-    EXPECT_EQ(r3.Root().Chunks[0]->ID, "NEXT");
-}
-
-TEST(IffReaderScan, EmptyFormAtTheEndOfANestedFormIsItsSibling) {
-    const Bytes data = Form("OUTR", {Form("INNR", {Chunk("FULL", Str("abcd")), Form("SUB_")})});
-    TIffReader r(data);
-    ASSERT_EQ(r.Root().Forms.size(), 1u); // SUB_ lies inside OUTR's span, past INNR's
-    const TForm& innr = *r.Root().Forms[0];
-    ASSERT_EQ(innr.Forms.size(), 1u);
-    EXPECT_EQ(innr.Forms[0]->ID, "SUB_");
-}
-
-TEST(IffReaderScan, TrailingZeroBytesAndShortTailsEndTheScan) {
-    const Bytes base = Form("TEST", {Chunk("DATA", Str("abcd"))});
-    for (const Bytes& tail :
-         {Bytes(16, 0), Bytes{1, 2, 3}, Cat({Bytes{0}, Str("BCD"), Chunk("MORE", Str("zz"))})}) {
-        TIffReader r = TIffReader::FromCopy(Cat({base, tail}));
-        EXPECT_EQ(r.Root().Chunks.size(), 1u);
-        EXPECT_EQ(r.Root().Forms.size(), 0u);
-    }
-}
-
-TEST(IffReaderScan, FailuresNameTheSourceAndOffset) {
-    ExpectError<EIffReader>([] { TIffReader r = TIffReader::FromCopy(Bytes{}); },
-                            "TIffReader: not a valid .iff file!");
-    ExpectError<EIffReader>([] { TIffReader r = TIffReader::FromCopy(Str("FOR")); },
-                            "TIffReader: not a valid .iff file!");
-    ExpectError<EIffReader>(
-        [] {
-            TIffReader r = TIffReader::FromCopy(Cat({Bytes{0}, Str("ORM"), Be32(4), Str("TEST")}), "x.iff");
-        },
-        "TIffReader: x.iffnot a valid .iff file!");
-    // An item in the last 8 bytes of the outermost form's span has no form above to go to.
-    ExpectError<EIffReader>(
-        [] { TIffReader r = TIffReader::FromCopy(Cat({Form("ONE_", {Chunk("EMPT", {})})}), "end.iff"); },
-        "TIffReader: end.iff, error at offset 0000000C!");
-    ExpectError<EIffReader_ErrorInForm>([] { TIffReader r = TIffReader::FromCopy(Str("FORM")); },
-                                        "EIffReader_ErrorInForm: Error in Form \"\" at offset 0");
-    ExpectError<EIffReader_ErrorInForm>(
-        [] {
-            TIffReader r = TIffReader::FromCopy(
-                Cat({Str("FORM"), Be32(100), Str("OUTR"), Str("FORM"), Be32(4), Str("IN")}));
-        },
-        "EIffReader_ErrorInForm: Error in Form \"IN\" at offset C");
-    ExpectError<EIffReader_ErrorInChunk>(
-        [] {
-            TIffReader r = TIffReader::FromCopy(
-                Cat({Form("OUTR", {Chunk("ABCD", Str("0123456789"))}), Str("TAIL"), Bytes{0, 0}}));
-        },
-        "EIffReader_ErrorInChunk: Error in Chunk \"TAIL\" at offset 1E");
-}
-
 TEST(IffReaderScan, OnlyTheFirstTopLevelItemIsIndexed) {
     // A linked mission file: the game's form, then the editor form as a second top-level form.
     TIffReader r = TIffReader::FromCopy(
@@ -165,16 +51,6 @@ TEST(IffReaderScan, OnlyTheFirstTopLevelItemIsIndexed) {
     EXPECT_TRUE(r.Root().Forms.empty());
     r.OpenChunk("VERS");
     EXPECT_EQ(r.ReadLong(), 0x64636261);
-}
-
-// The first item is the root even when it is a chunk; nothing can follow it.
-TEST(IffReaderScan, AChunkAsFirstItemBecomesTheRoot) {
-    TIffReader r = TIffReader::FromCopy(Chunk("ABCD", Str("1234")));
-    EXPECT_EQ(r.Root().ID, "ABCD");
-    EXPECT_EQ(r.Root().Size, 4);
-    // What follows the first item is not indexed.
-    TIffReader r2 = TIffReader::FromCopy(Cat({Chunk("ABCD", Str("1234")), Chunk("EFGH", {})}));
-    EXPECT_TRUE(r2.Root().Chunks.empty());
 }
 
 TEST(IffReaderNavigation, StepsIntoFormsAndChunks) {
