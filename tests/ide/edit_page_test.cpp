@@ -68,54 +68,6 @@ TEST_F(EditPageTest, LoadAndSaveKeepTheNameAndTheLineBreaks) {
     EXPECT_EQ(ReadFile(file), "mission Patrol;\n// note\nvar x;\n");
 }
 
-TEST_F(EditPageTest, SaveOnANewPageAsksForANameAndBeforeReplacingAFile) {
-    TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->SetText(QStringLiteral("unit fresh;\r\n"));
-    const std::string target = MakeFile("Fresh.pas", "old contents");
-    saveAnswers_ << QString::fromStdString(target);
-    answers_.push_back(TMsgAnswer::Yes);
-    ASSERT_TRUE(page->Save());
-    EXPECT_EQ(ReadFile(target), "unit fresh;\r\n");
-    EXPECT_EQ(page->Caption(), QStringLiteral("Fresh.pas"));
-    EXPECT_FALSE(page->Modified());
-    EXPECT_EQ(questions_,
-              QStringList{QString::fromStdString(target + " already exists.\nDo you want to replace it?")});
-    EXPECT_EQ(TIniFile(IniPath()).ReadString("editor", "DirLoad", ""), Dir().string());
-    // Save As never adds to the recent list.
-    EXPECT_TRUE(window.RegMru1().Items().empty());
-    // Cancelled: nothing changes.
-    EXPECT_FALSE(page->SaveAs());
-    EXPECT_EQ(page->Caption(), QStringLiteral("Fresh.pas"));
-}
-
-TEST_F(EditPageTest, SaveQueryAnswers) {
-    const std::string file = MakeFile("q.pas", "unit q;\r\n");
-    TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(file, false);
-    ASSERT_NE(page, nullptr);
-    EXPECT_TRUE(page->SaveQuery()); // unmodified: no question
-    EXPECT_TRUE(questions_.isEmpty());
-
-    page->Memo()->append(QStringLiteral("var z;\r\n"));
-    answers_ = {TMsgAnswer::Cancel, TMsgAnswer::No, TMsgAnswer::Yes};
-    EXPECT_FALSE(page->SaveQuery());
-    EXPECT_TRUE(page->SaveQuery());
-    EXPECT_EQ(ReadFile(file), "unit q;\r\n");
-    EXPECT_TRUE(page->SaveQuery());
-    EXPECT_EQ(ReadFile(file), "unit q;\r\nvar z;\r\n");
-    ASSERT_EQ(questions_.size(), 3);
-    EXPECT_EQ(questions_[0], QString::fromStdString("Save changes to " + page->FileName() + "?"));
-
-    // Yes on a new page whose save dialog is cancelled keeps the page open.
-    TfrmEdit* fresh = window.NewPage();
-    fresh->Memo()->SetText(QStringLiteral("x"));
-    answers_ = {TMsgAnswer::Yes};
-    EXPECT_FALSE(fresh->SaveQuery());
-    EXPECT_EQ(questions_.back(), QString::fromStdString("Save changes to " + fresh->FileName() + "?"));
-    EXPECT_EQ(fresh->FileName().substr(0, 8), "Untitled");
-}
-
 // A save that fails leaves the old file as it was and the page modified.
 TEST_F(EditPageTest, AFailedSaveLeavesTheOldFileIntact) {
     // A name that just fits leaves no room for the temporary file's suffix: it cannot be created (a limit

@@ -44,40 +44,6 @@ TEST_F(MenusTest, EveryItemHasItsCaptionAndShortcut) {
               QStringLiteral("E&xtensions"));
 }
 
-TEST_F(MenusTest, ProjectItemsAndCompileAllDoNothing) {
-    TfrmMain window({});
-    for (const char* name : {"MenuFileNewProject", "MenuFileSaveProject", "MenuCompileAll"})
-        window.MenuItem(QString::fromLatin1(name))->trigger();
-    ProcessEvents();
-    EXPECT_EQ(window.Pages().size(), 1);
-    EXPECT_EQ(modalDialogs_, 0);
-    EXPECT_TRUE(messages_.isEmpty());
-    EXPECT_TRUE(window.IffView().Text().isEmpty());
-}
-
-TEST_F(MenusTest, FileMenuRules) {
-    TfrmMain window({});
-    const auto enabled = [&](const char* name) {
-        return window.MenuItem(QString::fromLatin1(name))->isEnabled();
-    };
-    window.UpdateFileMenu();
-    EXPECT_TRUE(enabled("MenuFileClose"));
-    EXPECT_TRUE(enabled("MenuFileCloseAll"));
-    EXPECT_TRUE(enabled("MenuFileSaveAs"));
-    EXPECT_FALSE(enabled("MenuFileSave"));
-    window.ActivePage()->Memo()->SetText(QStringLiteral("text"));
-    window.UpdateFileMenu();
-    EXPECT_TRUE(enabled("MenuFileSave"));
-    window.ActivePage()->SetModified(false);
-    window.MenuItem(QStringLiteral("MenuFileClose"))->trigger();
-    ProcessEvents();
-    window.UpdateFileMenu();
-    EXPECT_FALSE(enabled("MenuFileClose"));
-    EXPECT_FALSE(enabled("MenuFileCloseAll"));
-    EXPECT_FALSE(enabled("MenuFileSaveAs"));
-    EXPECT_FALSE(enabled("MenuFileSave"));
-}
-
 TEST_F(MenusTest, EditMenuFollowsThePageContextItems) {
     TfrmMain window({});
     const auto enabled = [&](const char* name) {
@@ -108,45 +74,6 @@ TEST_F(MenusTest, EditMenuFollowsThePageContextItems) {
     EXPECT_EQ(window.ActivePage()->Text(), QStringLiteral("hello world"));
 }
 
-TEST_F(MenusTest, TopicItemNamesTheWordAtTheCursor) {
-    TfrmMain window({});
-    QAction* topic = window.MenuItem(QStringLiteral("MenuHelpTopic"));
-    window.UpdateHelpMenu();
-    EXPECT_EQ(topic->text(), QStringLiteral("Topic: \"\""));
-    EXPECT_FALSE(topic->isEnabled());
-    window.ActivePage()->Memo()->SetText(QStringLiteral("  while x"));
-    window.ActivePage()->Memo()->SetCaret(0, 4);
-    window.UpdateHelpMenu();
-    EXPECT_EQ(topic->text(), QStringLiteral("Topic: \"while\""));
-    EXPECT_TRUE(topic->isEnabled());
-    topic->trigger();
-    EXPECT_TRUE(
-        QString::fromStdString(window.HelpView().CurrentPage()).endsWith(QStringLiteral("help/while.html")));
-    // Between openings of the menu the timer only follows the caret for the shortcut.
-    window.ActivePage()->Memo()->SetCaret(0, 1);
-    window.UpdateHelpMenu();
-    window.ActivePage()->Memo()->SetCaret(0, 4);
-    window.TimerTick();
-    EXPECT_TRUE(topic->isEnabled());
-    EXPECT_EQ(topic->text(), QStringLiteral("Topic: \"\""));
-    window.ActivePage()->Memo()->SetCaret(0, 1);
-    window.TimerTick();
-    EXPECT_FALSE(topic->isEnabled());
-}
-
-TEST_F(MenusTest, CompileAndEditPutsTheGeneratedTextIntoANewPageOnlyAfterSuccess) {
-    TfrmMain window({});
-    window.ActivePage()->Memo()->SetText(QStringLiteral("unit demo;\r\n"));
-    const bool compiled = window.ActivePage()->Compile();
-    window.IffView().SetText(QStringLiteral("stale"));
-    window.MenuItem(QStringLiteral("CompileandEdit1"))->trigger();
-    ASSERT_EQ(window.Pages().size(), compiled ? 2 : 1);
-    if (!compiled) return;
-    EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("Untitled1.pas"));
-    EXPECT_EQ(window.ActivePage()->Text(), window.IffView().Text());
-    EXPECT_NE(window.IffView().Text(), QStringLiteral("stale"));
-}
-
 TEST_F(MenusTest, AFreshSettingsFileCompilesWithVerbosityOneAndNoOptimiser) {
     TCompileSettings fresh = ReadCompileSettings();
     EXPECT_EQ(fresh.Verbosity, 1);
@@ -165,32 +92,6 @@ TEST_F(MenusTest, AFreshSettingsFileCompilesWithVerbosityOneAndNoOptimiser) {
     EXPECT_EQ(ReadCompileSettings().Verbosity, 255);
     ini.WriteInteger("compiler", "verbosity", -5);
     EXPECT_EQ(ReadCompileSettings().Verbosity, 0);
-}
-
-TEST_F(MenusTest, BuildIffWritesTheFilesTheTextNames) {
-    // The text names a folder outside the program's own and outside any page's: only the setting lets
-    // a text write there.
-    TIniFile(IniPath()).WriteBool("compiler", "allow_output_anywhere", true);
-    TfrmMain window({});
-    const std::string target = Path("built.iff");
-    window.IffView().SetText(QString::fromStdString(
-        "IFF \"" + target +
-        "\"\n{\n  FORM \"MISN\"\n  {\n    CHUNK \"DATA\" { BYTE [3] 1, 2, 3 }\n  }\n}\n"));
-    window.MenuItem(QStringLiteral("MenuCompileBuildIff"))->trigger();
-    ASSERT_TRUE(std::filesystem::exists(target)) << window.OutputView().Lines().join(u'\n').toStdString();
-    const std::string bytes = ReadFile(target);
-    EXPECT_EQ(bytes.substr(0, 4), "FORM");
-    EXPECT_EQ(window.OutputView().Lines().back(),
-              QString::fromStdString("******* " + target + " (" + std::to_string(bytes.size()) +
-                                     " bytes) *******"));
-}
-
-TEST_F(MenusTest, BuildIffReportsAssemblerErrors) {
-    TfrmMain window({});
-    window.IffView().SetText(QStringLiteral("IFF \"x.iff\"\n{\n  FORM\n"));
-    window.MenuItem(QStringLiteral("MenuCompileBuildIff"))->trigger();
-    ASSERT_FALSE(window.OutputView().Lines().isEmpty());
-    EXPECT_TRUE(window.OutputView().Lines().front().startsWith(QStringLiteral("[error] line ")));
 }
 
 } // namespace
