@@ -1,5 +1,5 @@
-// An editor page's file life: load, save, save as, the save question, atomic writing, compiling into
-// the output and IFF views, and building the binary files.
+// An editor page: a new page's settings, atomic writing, compiling into the output and IFF views, and
+// building the binary files.
 #include "ide/edit_page.h"
 #include "ide/iff_view.h"
 #include "ide/main_window.h"
@@ -39,33 +39,6 @@ TEST_F(EditPageTest, ANewPageIsNamedAndReadsTheEditorKeys) {
     EXPECT_TRUE(second->CodeIntelligence());
     EXPECT_FALSE(second->ParameterHintsEnabled());
     EXPECT_TRUE(second->ContextItem(QStringLiteral("CompleteWordAtCursor1"))->isEnabled());
-}
-
-TEST_F(EditPageTest, LoadAndSaveKeepTheNameAndTheLineBreaks) {
-    const std::string file = MakeFile("Patrol.pas", "mission Patrol;\nvar x;\n");
-    TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(file, true);
-    ASSERT_NE(page, nullptr);
-    EXPECT_EQ(page->Caption(), QStringLiteral("Patrol.pas"));
-    EXPECT_EQ(page->FileNameKey(), LowerCase(file));
-    EXPECT_EQ(page->Text(), QStringLiteral("mission Patrol;\nvar x;\n"));
-    EXPECT_FALSE(page->Modified());
-    ASSERT_EQ(window.RegMru1().Items().size(), 1u);
-    EXPECT_EQ(window.RegMru1().Items()[0].Path, file);
-    // The unit's folder and the library are searched by Open File at Cursor from now on.
-    EXPECT_EQ(page->SearchPathText().substr(0, Dir().string().size() + 2), Dir().string() + "\r\n");
-
-    TfrmEdit other(window, nullptr);
-    EXPECT_FALSE(other.Load(Path("missing.pas"), true));
-    EXPECT_EQ(window.RegMru1().Items().size(), 1u);
-
-    // Saved in the file's own line break style.
-    page->Memo()->SetCaret(1, 0);
-    page->Memo()->insert(QStringLiteral("// note\n"));
-    EXPECT_TRUE(page->Modified());
-    ASSERT_TRUE(page->Save());
-    EXPECT_FALSE(page->Modified());
-    EXPECT_EQ(ReadFile(file), "mission Patrol;\n// note\nvar x;\n");
 }
 
 // A save that fails leaves the old file as it was and the page modified.
@@ -128,35 +101,6 @@ TEST_F(EditPageTest, CompileSavesFillsTheOutputAndTheIffViewAndKeepsTheSymbols) 
     EXPECT_EQ(page->Memo()->ErrorLine(), -1);
     EXPECT_EQ(ReadFile(Dir() / "Demo.pas"), std::string(kDemoMission) + "// saved\r\n");
     EXPECT_FALSE(page->Modified());
-}
-
-TEST_F(EditPageTest, ACompileErrorMarksTheLineScrollsAndKeepsTheOldSymbols) {
-    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
-    TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
-    ASSERT_NE(page, nullptr);
-    const auto symbols = page->Symbols();
-    QString text;
-    for (int i = 0; i < 30; ++i) text += QStringLiteral("var v%1;\r\n").arg(i);
-    page->Memo()->SetText(QStringLiteral("mission Broken;\r\n") + text +
-                          QStringLiteral("this is not pascal;\r\n") + text);
-    window.IffView().SetText(QStringLiteral("unchanged"));
-    EXPECT_FALSE(page->Compile());
-    EXPECT_EQ(page->Memo()->ErrorLine(), 31);
-    EXPECT_EQ(page->Memo()->CaretLine(), 31);
-    EXPECT_EQ(page->Memo()->CaretColumn(), 0);
-    EXPECT_EQ(page->Memo()->firstVisibleLine(), 26);
-    EXPECT_EQ(page->Symbols(), symbols);
-    EXPECT_EQ(window.IffView().Text(), QStringLiteral("unchanged"));
-    const QStringList lines = window.OutputView().Lines();
-    ASSERT_FALSE(lines.isEmpty());
-    EXPECT_TRUE(lines.front().startsWith(QStringLiteral("[Broken, 32] ERROR: ")))
-        << lines.front().toStdString();
-
-    // The next compile starts with a clean mark.
-    page->Memo()->SetText(QStringLiteral("mission Fixed;\r\n"));
-    EXPECT_TRUE(page->Compile());
-    EXPECT_EQ(page->Memo()->ErrorLine(), -1);
 }
 
 TEST_F(EditPageTest, CompileAndBuildWritesTheMissionAndTheSizeLine) {

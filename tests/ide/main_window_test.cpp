@@ -1,4 +1,4 @@
-// The main window: start-up, the open procedure, decoding on open, pages, the timer and closing.
+// The main window: its icon, decoding on open, closing and the first show.
 #include "ide/app_icon.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
@@ -149,23 +149,6 @@ TEST_F(MainWindowTest, DecodeDialogDecodesEveryFileAndRemembersTheFirstFolder) {
     EXPECT_EQ(Captions(window), (QStringList{"one.iff.pas", "two.iff.pas"}));
     EXPECT_EQ(TIniFile(IniPath()).ReadString("main", "DirDecodeIff", ""), (Dir() / "sub").string());
     SetDecodeFunctionForTesting({});
-}
-
-TEST_F(MainWindowTest, SaveAllAndCloseAll) {
-    const std::string a = MakeFile("a.pas", "a");
-    const std::string b = MakeFile("b.pas", "b");
-    TfrmMain window({QString::fromStdString(a), QString::fromStdString(b)});
-    for (TfrmEdit* page : window.Pages()) page->Memo()->SetText(page->Text() + QStringLiteral("!"));
-    window.SaveAll();
-    EXPECT_EQ(ReadFile(a), "a!");
-    EXPECT_EQ(ReadFile(b), "b!");
-    window.Pages()[0]->Memo()->SetText(QStringLiteral("changed"));
-    answers_ = {TMsgAnswer::Cancel};
-    window.CloseAll();
-    ProcessEvents();
-    // Closed from the last page to the first; the modified first page refused.
-    EXPECT_EQ(questions_, QStringList{QString::fromStdString("Save changes to " + a + "?")});
-    EXPECT_EQ(Captions(window), QStringList{"a.pas"});
 }
 
 TEST_F(MainWindowTest, CloseQueryAsksEveryModifiedPageAndCancelKeepsTheWindow) {

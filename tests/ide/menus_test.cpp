@@ -1,4 +1,4 @@
-// The menu tree: captions, access keys, shortcuts, hidden items and the rules that enable items.
+// The menu tree: captions, access keys, shortcuts and hidden items; the compile settings of a fresh file.
 #include "ide/edit_page.h"
 #include "ide/help_view.h"
 #include "ide/iff_view.h"
@@ -42,36 +42,6 @@ TEST_F(MenusTest, EveryItemHasItsCaptionAndShortcut) {
     EXPECT_FALSE(window.MenuItem(QStringLiteral("MenuCompileAll"))->isVisible());
     EXPECT_EQ(window.findChild<QMenu*>(QStringLiteral("MenuExtensions"))->title(),
               QStringLiteral("E&xtensions"));
-}
-
-TEST_F(MenusTest, EditMenuFollowsThePageContextItems) {
-    TfrmMain window({});
-    const auto enabled = [&](const char* name) {
-        return window.MenuItem(QString::fromLatin1(name))->isEnabled();
-    };
-    QApplication::clipboard()->setText(QStringLiteral("clip"));
-    window.UpdateEditMenu();
-    EXPECT_FALSE(enabled("MenuEditUndo"));
-    EXPECT_FALSE(enabled("MenuEditCut"));
-    EXPECT_FALSE(enabled("MenuEditCopy"));
-    EXPECT_FALSE(enabled("MenuEditDelete"));
-    EXPECT_FALSE(enabled("MenuEditSelectAll"));
-    EXPECT_EQ(enabled("MenuEditPaste"),
-              window.ActivePage()->ContextItem(QStringLiteral("ContextPaste"))->isEnabled());
-
-    window.ActivePage()->Memo()->insert(QStringLiteral("hello world"));
-    window.ActivePage()->Memo()->selectAll();
-    window.UpdateEditMenu();
-    EXPECT_TRUE(enabled("MenuEditUndo"));
-    EXPECT_TRUE(enabled("MenuEditCut"));
-    EXPECT_TRUE(enabled("MenuEditCopy"));
-    EXPECT_TRUE(enabled("MenuEditDelete"));
-    EXPECT_TRUE(enabled("MenuEditSelectAll"));
-
-    window.MenuItem(QStringLiteral("MenuEditDelete"))->trigger();
-    EXPECT_TRUE(window.ActivePage()->Text().isEmpty());
-    window.MenuItem(QStringLiteral("MenuEditUndo"))->trigger();
-    EXPECT_EQ(window.ActivePage()->Text(), QStringLiteral("hello world"));
 }
 
 TEST_F(MenusTest, AFreshSettingsFileCompilesWithVerbosityOneAndNoOptimiser) {

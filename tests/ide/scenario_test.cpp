@@ -1,18 +1,23 @@
 // Scenarios read from tests/cases/ide/scenarios/*.txt: each runs in a fresh main window, one command a
 // line (see tests/README.md), and is reported by its file name.
+#include "ide/find_dialog.h"
 #include "ide/help_view.h"
 #include "ide/iff_view.h"
 #include "ide/reg_mru.h"
 #include "tests/ide/edit_page_test_support.h"
 
 #include <QAction>
+#include <QClipboard>
+#include <QComboBox>
 #include <QKeySequence>
 #include <QLabel>
 #include <QMenu>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
 
 #include <algorithm>
+#include <deque>
 #include <optional>
 
 namespace velkor::test {
@@ -74,7 +79,44 @@ protected:
     void Run(const QString& command, const QString& rest);
     void Expect(const QString& what, const QString& rest);
 
-    std::optional<TfrmMain> window_; // made at the first command that needs it
+    // The next find dialogs: "ok", "all" or "cancel" presses that button (none: closed), "find=T" and "new=T"
+    // fill the boxes, "+Name" and "-Name" check and uncheck an option, "findonly" leaves replace mode.
+    void AnswerFindDialog(const QStringList& steps) {
+        DialogHooks().ExecModal = [this, steps](QDialog& shown) {
+            ++modalDialogs_;
+            auto& dialog = static_cast<TSyntaxFindDialog&>(shown);
+            dialogFind_ = dialog.FindText();
+            dialogTitle_ = dialog.windowTitle();
+            dialogReplace_ = dialog.NewTextComboBox()->isEnabled();
+            QPushButton* button = nullptr;
+            for (const QString& step : steps) {
+                if (step == u"ok")
+                    button = dialog.OkButton();
+                else if (step == u"all")
+                    button = dialog.ReplaceAllButton();
+                else if (step == u"cancel")
+                    button = dialog.CancelButton();
+                else if (step == u"findonly")
+                    dialog.SetReplaceMode(false);
+                else if (step.startsWith(u"find="))
+                    dialog.SetFindText(Unescape(step.mid(5)));
+                else if (step.startsWith(u"new="))
+                    dialog.NewTextComboBox()->setEditText(Unescape(step.mid(4)));
+                else if (auto* box = dialog.findChild<QAbstractButton*>(step.mid(1)))
+                    box->setChecked(step[0] == u'+');
+                else
+                    ADD_FAILURE() << "no option " << step.toStdString();
+            }
+            if (!button) return static_cast<int>(QDialog::Rejected);
+            dialog.setResult(QDialog::Rejected);
+            button->click();
+            return dialog.result();
+        };
+    }
+
+    std::optional<TfrmMain> window_;   // made at the first command that needs it
+    QString dialogFind_, dialogTitle_; // what the last find dialog showed
+    bool dialogReplace_ = false;       // whether it was in replace mode
 };
 
 // "word rest of line" split at the first space.
@@ -148,6 +190,36 @@ void Scenario::Run(const QString& command, const QString& rest) {
         Window().ActivatePage(*Window().Pages().value(rest.toInt()));
     } else if (command == u"top") {
         Page().Memo()->setFirstVisibleLine(rest.toInt());
+    } else if (command == u"show") {
+        ShowActive(Window());
+    } else if (command == u"clipboard") {
+        QApplication::clipboard()->setText(Unescape(rest));
+    } else if (command == u"selection") {
+        const QStringList f = rest.split(u' ');
+        Page().Memo()->setSelection(f.value(0).toInt(), f.value(1).toInt(), f.value(2).toInt(),
+                                    f.value(3).toInt());
+    } else if (command == u"find") {
+        Page().Find();
+    } else if (command == u"replace") {
+        Page().Replace();
+    } else if (command == u"searchagain") {
+        Page().SearchAgain();
+    } else if (command == u"findanswer") {
+        AnswerFindDialog(rest.split(u' ', Qt::SkipEmptyParts));
+    } else if (command == u"replaceanswer") {
+        std::deque<TReplaceAnswer> given;
+        for (const QString& a : rest.split(u' '))
+            given.push_back(a == u"yes"   ? TReplaceAnswer::Yes
+                            : a == u"no"  ? TReplaceAnswer::No
+                            : a == u"all" ? TReplaceAnswer::All
+                                          : TReplaceAnswer::Cancel);
+        DialogHooks().AskReplace = [this, given](QWidget*, const QString& found) mutable {
+            replacePrompts_ << found;
+            if (given.empty()) return TReplaceAnswer::Cancel;
+            const TReplaceAnswer answer = given.front();
+            given.pop_front();
+            return answer;
+        };
     } else if (command == u"new") {
         Window().NewPage();
     } else if (command == u"text") {
@@ -241,6 +313,27 @@ void Scenario::Expect(const QString& what, const QString& rest) {
         EXPECT_EQ(Page().ContextItem(rest)->isEnabled(), what == u"context-enabled") << rest.toStdString();
     else if (what == u"caretline")
         EXPECT_EQ(Page().Memo()->CaretLine(), rest.toInt());
+    else if (what == u"modified-text")
+        EXPECT_EQ(Window().ModifiedText(), want);
+    else if (what == u"insert-mode")
+        EXPECT_EQ(Window().InsertModeText(), want);
+    else if (what == u"symbol")
+        EXPECT_TRUE(Page().Symbols() && Page().Symbols()->Find(rest.toStdString()) >= 0)
+            << rest.toStdString();
+    else if (what == u"enabled-like")
+        EXPECT_EQ(Item(first).isEnabled(), Page().ContextItem(tail)->isEnabled());
+    else if (what == u"selected")
+        EXPECT_EQ(Page().Memo()->selectedText(), want);
+    else if (what == u"search-options")
+        EXPECT_EQ(Page().LastSearchOptions(), rest.toUInt(nullptr, 16));
+    else if (what == u"dialog-find")
+        EXPECT_EQ(dialogFind_, want);
+    else if (what == u"dialog-title")
+        EXPECT_EQ(dialogTitle_, want);
+    else if (what == u"dialog-replace")
+        EXPECT_EQ(dialogReplace_, rest == u"yes");
+    else if (what == u"replace-prompts")
+        EXPECT_EQ(replacePrompts_.join(u'|'), want);
     else if (what == u"title")
         EXPECT_EQ(Window().windowTitle(), want);
     else if (what == u"pages")
@@ -308,12 +401,9 @@ TEST_P(Scenario, Runs) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Ide, Scenario, ::testing::ValuesIn(ScenarioNames()), [](const auto& info) {
-    std::string name = info.param;
-    std::replace_if(
-        name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
-    return name;
-});
+// File names are test names: letters, digits and underscores.
+INSTANTIATE_TEST_SUITE_P(Ide, Scenario, ::testing::ValuesIn(ScenarioNames()),
+                         [](const ::testing::TestParamInfo<std::string>& file) { return file.param; });
 
 } // namespace
 } // namespace velkor::test
