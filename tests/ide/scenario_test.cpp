@@ -15,6 +15,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
+#include <QTextBrowser>
 
 #include <algorithm>
 #include <deque>
@@ -132,6 +133,7 @@ void Scenario::Run(const QString& command, const QString& rest) {
         TIniFile(IniPath()).WriteString(f.value(0).toStdString(), f.value(1).toStdString(),
                                         Unescape(f.value(2)).toStdString());
     } else if (command == u"file") {
+        std::filesystem::create_directories((Dir() / first.toStdString()).parent_path());
         MakeFile(first.toStdString(), Unescape(tail).toStdString());
     } else if (command == u"open") {
         EXPECT_NE(
@@ -192,6 +194,10 @@ void Scenario::Run(const QString& command, const QString& rest) {
         Page().Memo()->setFirstVisibleLine(rest.toInt());
     } else if (command == u"show") {
         ShowActive(Window());
+    } else if (command == u"helptopic") {
+        Window().HelpView().ShowTopic(rest.toStdString());
+    } else if (command == u"hidehelp") {
+        Window().HelpView().hide();
     } else if (command == u"clipboard") {
         QApplication::clipboard()->setText(Unescape(rest));
     } else if (command == u"selection") {
@@ -313,6 +319,16 @@ void Scenario::Expect(const QString& what, const QString& rest) {
         EXPECT_EQ(Page().ContextItem(rest)->isEnabled(), what == u"context-enabled") << rest.toStdString();
     else if (what == u"caretline")
         EXPECT_EQ(Page().Memo()->CaretLine(), rest.toInt());
+    else if (what == u"help-page")
+        EXPECT_EQ(QString::fromStdString(Window().HelpView().CurrentPage()), want);
+    else if (what == u"help-root")
+        EXPECT_EQ(QString::fromStdString(Window().HelpView().HelpRoot()), want);
+    else if (what == u"help-shown")
+        EXPECT_EQ(!Window().HelpView().isHidden(), rest == u"yes");
+    else if (what == u"help-text-has")
+        EXPECT_TRUE(Window().HelpView().Browser()->toPlainText().contains(want)) << rest.toStdString();
+    else if (what == u"urls")
+        EXPECT_EQ(urls_.join(u'|'), want);
     else if (what == u"modified-text")
         EXPECT_EQ(Window().ModifiedText(), want);
     else if (what == u"insert-mode")
