@@ -1,5 +1,6 @@
 // Scenarios read from tests/cases/ide/scenarios/*.txt: each runs in a fresh main window, one command a
 // line (see tests/README.md), and is reported by its file name.
+#include "ide/completion_popup.h"
 #include "ide/find_dialog.h"
 #include "ide/help_view.h"
 #include "ide/iff_view.h"
@@ -11,6 +12,7 @@
 #include <QComboBox>
 #include <QKeySequence>
 #include <QLabel>
+#include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
 #include <QTabWidget>
@@ -74,6 +76,12 @@ protected:
         QAction* action = Window().MenuItem(name);
         if (!action) throw std::runtime_error("no item " + name.toStdString());
         return *action;
+    }
+    QStringList CompletionRows() {
+        QStringList rows;
+        for (int i = 0; i < Page().Completion().List()->count(); ++i)
+            rows << Page().Completion().List()->item(i)->text();
+        return rows;
     }
     QStringList OutputLines() { return Window().OutputView().Lines(); }
 
@@ -172,6 +180,7 @@ void Scenario::Run(const QString& command, const QString& rest) {
             const QKeyCombination key = QKeySequence(name, QKeySequence::PortableText)[0];
             QTest::keyClick(Page().Memo(), key.key(), key.keyboardModifiers());
         }
+        ProcessEvents();
     } else if (command == u"type") {
         QTest::keyClicks(Page().Memo(), Unescape(rest));
     } else if (command == u"hinttick") {
@@ -198,6 +207,8 @@ void Scenario::Run(const QString& command, const QString& rest) {
         Window().HelpView().ShowTopic(rest.toStdString());
     } else if (command == u"hidehelp") {
         Window().HelpView().hide();
+    } else if (command == u"focus") {
+        Page().Memo()->setFocus();
     } else if (command == u"clipboard") {
         QApplication::clipboard()->setText(Unescape(rest));
     } else if (command == u"selection") {
@@ -329,6 +340,16 @@ void Scenario::Expect(const QString& what, const QString& rest) {
         EXPECT_TRUE(Window().HelpView().Browser()->toPlainText().contains(want)) << rest.toStdString();
     else if (what == u"urls")
         EXPECT_EQ(urls_.join(u'|'), want);
+    else if (what == u"completion-open")
+        EXPECT_EQ(Page().Completion().IsOpen(), rest == u"yes");
+    else if (what == u"completion-rows")
+        EXPECT_EQ(CompletionRows().join(u'|'), want);
+    else if (what == u"completion-has")
+        EXPECT_TRUE(CompletionRows().contains(want)) << rest.toStdString();
+    else if (what == u"completion-count")
+        EXPECT_EQ(CompletionRows().size(), rest.toInt());
+    else if (what == u"completion-row")
+        EXPECT_EQ(Page().Completion().List()->currentRow(), rest.toInt());
     else if (what == u"modified-text")
         EXPECT_EQ(Window().ModifiedText(), want);
     else if (what == u"insert-mode")
