@@ -1,4 +1,4 @@
-// An editor page: a new page's settings, atomic writing, compiling into the output and IFF views, and
+// An editor page: atomic writing, compiling into the output and IFF views, and
 // building the binary files.
 #include "ide/edit_page.h"
 #include "ide/iff_view.h"
@@ -18,28 +18,6 @@ namespace velkor::test {
 namespace {
 
 class EditPageTest : public PageTest {};
-
-TEST_F(EditPageTest, ANewPageIsNamedAndReadsTheEditorKeys) {
-    TIniFile ini(IniPath());
-    ini.WriteBool("editor", "disable_intelligence", true);
-    TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
-    EXPECT_EQ(page->FileName(), "Untitled0.pas");
-    EXPECT_FALSE(page->CodeIntelligence());
-    EXPECT_TRUE(page->ParameterHintsEnabled());
-    EXPECT_FALSE(page->ContextItem(QStringLiteral("CompleteWordAtCursor1"))->isEnabled());
-    EXPECT_NE(page->Memo()->lexer(), nullptr);
-    // Before any load or compile, Open File at Cursor looks in the library folder beside the program.
-    EXPECT_EQ(page->SearchPathText(), Dir().string() + "/lib\\\r\n");
-
-    ini.WriteBool("editor", "disable_intelligence", false);
-    ini.WriteBool("editor", "disable_paramhint", true);
-    TfrmEdit* second = window.NewPage();
-    EXPECT_EQ(second->FileName(), "Untitled1.pas");
-    EXPECT_TRUE(second->CodeIntelligence());
-    EXPECT_FALSE(second->ParameterHintsEnabled());
-    EXPECT_TRUE(second->ContextItem(QStringLiteral("CompleteWordAtCursor1"))->isEnabled());
-}
 
 // A save that fails leaves the old file as it was and the page modified.
 TEST_F(EditPageTest, AFailedSaveLeavesTheOldFileIntact) {

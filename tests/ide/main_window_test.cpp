@@ -1,4 +1,4 @@
-// The main window: its icon, decoding on open, closing and the first show.
+// The main window: its icon, decoding on open and the first show.
 #include "ide/app_icon.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
@@ -149,35 +149,6 @@ TEST_F(MainWindowTest, DecodeDialogDecodesEveryFileAndRemembersTheFirstFolder) {
     EXPECT_EQ(Captions(window), (QStringList{"one.iff.pas", "two.iff.pas"}));
     EXPECT_EQ(TIniFile(IniPath()).ReadString("main", "DirDecodeIff", ""), (Dir() / "sub").string());
     SetDecodeFunctionForTesting({});
-}
-
-TEST_F(MainWindowTest, CloseQueryAsksEveryModifiedPageAndCancelKeepsTheWindow) {
-    const std::string a = MakeFile("a.pas", "a");
-    TfrmMain window({QString::fromStdString(a)});
-    window.NewPage()->Memo()->SetText(QStringLiteral("new text"));
-    window.Pages()[0]->Memo()->SetText(QStringLiteral("edited"));
-    window.show();
-    answers_ = {TMsgAnswer::No, TMsgAnswer::Cancel};
-    EXPECT_FALSE(window.close());
-    EXPECT_EQ(questions_, (QStringList{QString::fromStdString("Save changes to " + a + "?"),
-                                       QStringLiteral("Save changes to Untitled1.pas?")}));
-    EXPECT_TRUE(window.isVisible());
-    EXPECT_FALSE(TIniFile(IniPath()).ValueExists("main", "pheigth"));
-
-    // Yes saves; a page without a file asks for a name, and a cancelled name refuses too.
-    questions_.clear();
-    answers_ = {TMsgAnswer::Yes, TMsgAnswer::Yes};
-    EXPECT_FALSE(window.close());
-    EXPECT_EQ(ReadFile(a), "edited");
-    EXPECT_EQ(questions_.size(), 2);
-
-    answers_ = {TMsgAnswer::No};
-    EXPECT_TRUE(window.close());
-    EXPECT_FALSE(window.CloseQueryRunning());
-    const TIniFile ini(IniPath());
-    EXPECT_TRUE(ini.ValueExists("main", "pheigth"));
-    EXPECT_TRUE(ini.ValueExists("frmMain", "WindowState"));
-    EXPECT_EQ(ini.ReadString("frmOutput", "site", "?"), "PageControl1");
 }
 
 TEST_F(MainWindowTest, FirstShowAsksForAnEmptyGameFolderSelectsTheScannerAndLoadsExtensions) {

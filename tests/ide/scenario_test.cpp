@@ -209,6 +209,8 @@ void Scenario::Run(const QString& command, const QString& rest) {
         Window().HelpView().hide();
     } else if (command == u"focus") {
         Page().Memo()->setFocus();
+    } else if (command == u"close") {
+        EXPECT_EQ(Window().close(), rest == u"ok");
     } else if (command == u"clipboard") {
         QApplication::clipboard()->setText(Unescape(rest));
     } else if (command == u"selection") {
@@ -350,7 +352,19 @@ void Scenario::Expect(const QString& what, const QString& rest) {
         EXPECT_EQ(CompletionRows().size(), rest.toInt());
     else if (what == u"completion-row")
         EXPECT_EQ(Page().Completion().List()->currentRow(), rest.toInt());
-    else if (what == u"modified-text")
+    else if (what == u"intelligence")
+        EXPECT_EQ(Page().CodeIntelligence(), rest == u"yes");
+    else if (what == u"paramhints")
+        EXPECT_EQ(Page().ParameterHintsEnabled(), rest == u"yes");
+    else if (what == u"searchpath")
+        EXPECT_EQ(QString::fromStdString(Page().SearchPathText()), want);
+    else if (what == u"visible")
+        EXPECT_EQ(Window().isVisible(), rest == u"yes");
+    else if (what == u"ini-exists") {
+        const QStringList f = rest.split(u' ');
+        EXPECT_EQ(TIniFile(IniPath()).ValueExists(f.value(0).toStdString(), f.value(1).toStdString()),
+                  f.value(2) == u"yes");
+    } else if (what == u"modified-text")
         EXPECT_EQ(Window().ModifiedText(), want);
     else if (what == u"insert-mode")
         EXPECT_EQ(Window().InsertModeText(), want);
