@@ -77,6 +77,11 @@ protected:
         if (!action) throw std::runtime_error("no item " + name.toStdString());
         return *action;
     }
+    QAction& ContextItem(const QString& name) {
+        QAction* action = Page().ContextItem(name);
+        if (!action) throw std::runtime_error("no context item " + name.toStdString());
+        return *action;
+    }
     QStringList CompletionRows() {
         QStringList rows;
         for (int i = 0; i < Page().Completion().List()->count(); ++i)
@@ -158,7 +163,9 @@ void Scenario::Run(const QString& command, const QString& rest) {
         EXPECT_EQ(Window().OpenFile(rest.isEmpty() ? std::string() : Path(rest.toStdString()), true),
                   nullptr);
     } else if (command == u"reopen") {
-        Item(QStringLiteral("MenuFileReopen")).menu()->actions().value(rest.toInt())->trigger();
+        QAction* entry = Item(QStringLiteral("MenuFileReopen")).menu()->actions().value(rest.toInt());
+        if (!entry) throw std::runtime_error("no recent entry " + rest.toStdString());
+        entry->trigger();
         ProcessEvents();
     } else if (command == u"iffcaret") {
         Window().IffView().SetCaret(first.toInt(), tail.toInt());
@@ -173,7 +180,7 @@ void Scenario::Run(const QString& command, const QString& rest) {
         Page().Memo()->setCursorPosition(static_cast<int>(line - lines.begin()),
                                          static_cast<int>(line->indexOf(text)) + first.toInt());
     } else if (command == u"context") {
-        Page().ContextItem(rest)->trigger();
+        ContextItem(rest).trigger();
         ProcessEvents();
     } else if (command == u"key") {
         for (const QString& name : rest.split(u' ')) {
@@ -198,7 +205,9 @@ void Scenario::Run(const QString& command, const QString& rest) {
     } else if (command == u"refreshcontext") {
         Page().RefreshContextMenu();
     } else if (command == u"activate") {
-        Window().ActivatePage(*Window().Pages().value(rest.toInt()));
+        TfrmEdit* page = Window().Pages().value(rest.toInt());
+        if (!page) throw std::runtime_error("no page " + rest.toStdString());
+        Window().ActivatePage(*page);
     } else if (command == u"top") {
         Page().Memo()->setFirstVisibleLine(rest.toInt());
     } else if (command == u"show") {
@@ -327,9 +336,9 @@ void Scenario::Expect(const QString& what, const QString& rest) {
     else if (what == u"word")
         EXPECT_EQ(Page().WordAtCursor(), want);
     else if (what == u"context-item")
-        EXPECT_EQ(Page().ContextItem(first)->text(), Unescape(tail));
+        EXPECT_EQ(ContextItem(first).text(), Unescape(tail));
     else if (what == u"context-enabled" || what == u"context-disabled")
-        EXPECT_EQ(Page().ContextItem(rest)->isEnabled(), what == u"context-enabled") << rest.toStdString();
+        EXPECT_EQ(ContextItem(rest).isEnabled(), what == u"context-enabled") << rest.toStdString();
     else if (what == u"caretline")
         EXPECT_EQ(Page().Memo()->CaretLine(), rest.toInt());
     else if (what == u"help-page")
@@ -372,7 +381,7 @@ void Scenario::Expect(const QString& what, const QString& rest) {
         EXPECT_TRUE(Page().Symbols() && Page().Symbols()->Find(rest.toStdString()) >= 0)
             << rest.toStdString();
     else if (what == u"enabled-like")
-        EXPECT_EQ(Item(first).isEnabled(), Page().ContextItem(tail)->isEnabled());
+        EXPECT_EQ(Item(first).isEnabled(), ContextItem(tail).isEnabled());
     else if (what == u"selected")
         EXPECT_EQ(Page().Memo()->selectedText(), want);
     else if (what == u"search-options")
