@@ -85,7 +85,9 @@ inline std::vector<std::string> CompileCase(const Case& c) {
             return dir / "out" / FileNamePart(name);
         };
         compiler.OnFileWritten = [&](const std::filesystem::path& p, std::size_t size) {
-            messages.push_back("wrote " + p.string() + " " + std::to_string(size));
+            // The same line on every system: the separators of Windows paths would differ.
+            messages.push_back("wrote <dir>/" + std::filesystem::relative(p, dir.path()).generic_string() +
+                               " " + std::to_string(size));
         };
         std::filesystem::create_directories(dir / "out");
     }
