@@ -1,6 +1,6 @@
-// Code assistance on a compiled page: Find Declaration (also into an include file and with the kept range
-// error), completion, parameter hints and their keys, the string list, Open File at Cursor, the mouse
-// hint, the context menu.
+// Code assistance on a compiled page beyond the scenarios in tests/cases/ide/scenarios: the kept range
+// error of Find Declaration, completion into the symbol browser, the string list, the mouse hint and the
+// context menu's captions.
 #include "compiler/symbol_queries.h"
 #include "ide/edit_page.h"
 #include "ide/help_view.h"
@@ -23,95 +23,23 @@
 namespace velkor::test {
 namespace {
 
-class CodeAssistTest : public PageTest {
-protected:
-    // Puts the caret at the first occurrence of `text` plus `offset` characters.
-    static void CaretAt(TfrmEdit& page, const QString& text, int offset = 0) {
-        const QStringList lines = page.Memo()->Lines();
-        for (int line = 0; line < lines.size(); ++line) {
-            const qsizetype column = lines[line].indexOf(text);
-            if (column >= 0) {
-                page.Memo()->setCursorPosition(line, static_cast<int>(column) + offset);
-                return;
-            }
-        }
-        ADD_FAILURE() << "not in the text: " << text.toStdString();
-    }
-};
+class CodeAssistTest : public PageTest {};
 
-TEST_F(CodeAssistTest, FindDeclarationInThePageInAnIncludeAndTheKeptRangeError) {
+TEST_F(CodeAssistTest, ADeclarationAboveLineFiveIsTheKeptRangeError) {
     TfrmMain window({});
     TfrmEdit* page = OpenDemo(window);
     ASSERT_NE(page, nullptr);
-    CaretAt(*page, QStringLiteral("Attack(kills"), 2);
-    page->Memo()->setFirstVisibleLine(12);
-    page->ContextItem(QStringLiteral("ContextFindDeclaration"))->trigger();
-    EXPECT_EQ(page->Memo()->CaretLine(), 8);
-    EXPECT_EQ(page->Memo()->CaretColumn(), 0);
-    EXPECT_EQ(page->Memo()->firstVisibleLine(), 3);
-    EXPECT_EQ(window.Pages().size(), 1);
-
-    // No symbol at the cursor: nothing moves.
-    CaretAt(*page, QStringLiteral("begin"));
-    page->FindDeclaration();
-    EXPECT_EQ(page->Memo()->CaretLine(), 9);
-    EXPECT_TRUE(messages_.isEmpty());
-
-    // Into the include, which opens.
-    CaretAt(*page, QStringLiteral("Boost(a)"), 1);
-    page->FindDeclaration();
-    ASSERT_EQ(window.Pages().size(), 2);
-    TfrmEdit* helpers = window.ActivePage();
-    ASSERT_NE(helpers, page);
-    EXPECT_EQ(helpers->Caption(), QStringLiteral("helpers.pas"));
-    EXPECT_EQ(helpers->Memo()->CaretLine(), 5);
-    EXPECT_EQ(helpers->Memo()->firstVisibleLine(), 0);
-    EXPECT_TRUE(messages_.isEmpty());
-    // The declaring file went to the recent list.
-    ASSERT_FALSE(window.RegMru1().Items().empty());
-    EXPECT_EQ(window.RegMru1().Items()[0].Path, Path("helpers.pas"));
-
-    // A second jump activates the open page instead of loading it again.
-    window.ActivatePage(*page);
-    page->FindDeclaration();
-    EXPECT_EQ(window.Pages().size(), 2);
-    EXPECT_EQ(window.ActivePage(), helpers);
-
-    // A declaration above line five is the kept range error.
-    window.ActivatePage(*page);
-    CaretAt(*page, QStringLiteral("Attack(kills, "), 8);
-    ASSERT_EQ(page->WordAtCursor(), QStringLiteral("kills"));
-    page->FindDeclaration();
-    EXPECT_EQ(messages_, QStringList{"Range check error"});
-    // The caret reached the line before the top line failed.
-    EXPECT_EQ(page->Memo()->CaretLine(), 2);
     EXPECT_THROW(page->ShowDeclarationLine(0), ERangeError);
     EXPECT_THROW(page->ShowDeclarationLine(4), ERangeError);
     EXPECT_NO_THROW(page->ShowDeclarationLine(5));
     EXPECT_EQ(page->Memo()->CaretLine(), 4);
 }
 
-TEST_F(CodeAssistTest, CompletionAtTheCursor) {
+// Several matches or none: the symbol browser opens, filtered.
+TEST_F(CodeAssistTest, CompletionWithSeveralOrNoMatchesOpensTheBrowser) {
     TfrmMain window({});
     TfrmEdit* page = OpenDemo(window);
     ASSERT_NE(page, nullptr);
-    page->Memo()->SetText(page->Text() + QStringLiteral("atta"));
-    page->Memo()->SetCaret(page->Memo()->LineCount() - 1, 4);
-    page->ContextItem(QStringLiteral("CompleteWordAtCursor1"))->trigger();
-    EXPECT_EQ(page->Memo()->LineText(page->Memo()->LineCount() - 1), QStringLiteral("Attack("));
-    ASSERT_NE(page->ParameterHint(), nullptr);
-    EXPECT_EQ(page->ParameterHint()->text(), QStringLiteral("Attack(<b>ship</b>, target)"));
-    EXPECT_EQ(modalDialogs_, 0);
-
-    // A word in the middle of a line: the whole word is replaced, a constant has no bracket.
-    page->CloseParameterHint();
-    page->Memo()->SetText(QStringLiteral("x := maxw + 1;"));
-    page->Memo()->SetCaret(0, 7);
-    page->CompleteWordAtCursor();
-    EXPECT_EQ(page->Text(), QStringLiteral("x := MAXWAVE + 1;"));
-    EXPECT_EQ(page->ParameterHint(), nullptr);
-
-    // Several matches or none: the symbol browser opens, filtered.
     QString filter;
     int mask = 0;
     int rows = -1;
@@ -135,64 +63,6 @@ TEST_F(CodeAssistTest, CompletionAtTheCursor) {
     page->CompleteWordAtCursor();
     EXPECT_EQ(filter, QStringLiteral("nothing"));
     EXPECT_EQ(rows, 0);
-}
-
-TEST_F(CodeAssistTest, TheParameterHintFollowsTheArgumentsUnlessSwitchedOff) {
-    TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
-    ASSERT_NE(page, nullptr);
-    page->Memo()->SetText(QStringLiteral("  Attack"));
-    page->Memo()->SetCaret(0, 8);
-    QTest::keyClick(page->Memo(), Qt::Key_ParenLeft, Qt::ShiftModifier, 10);
-    ASSERT_NE(page->ParameterHint(), nullptr);
-    EXPECT_EQ(page->ParameterHint()->text(), QStringLiteral("Attack(<b>ship</b>, target)"));
-    EXPECT_TRUE(page->ParameterHint()->isVisible());
-    QTest::keyClicks(page->Memo(), QStringLiteral("1, "));
-    EXPECT_TRUE(page->Typed());
-    page->HintTimerTick();
-    EXPECT_FALSE(page->Typed());
-    ASSERT_NE(page->ParameterHint(), nullptr);
-    EXPECT_EQ(page->ParameterHint()->text(), QStringLiteral("Attack(ship, <b>target</b>)"));
-    // ")" closes it.
-    QTest::keyClick(page->Memo(), Qt::Key_ParenRight, Qt::ShiftModifier);
-    EXPECT_EQ(page->ParameterHint(), nullptr);
-    EXPECT_EQ(page->Text(), QStringLiteral("  Attack(1, )"));
-
-    // Moving away closes it too, and the timer closes it once the caret has left the call.
-    page->Memo()->SetCaret(0, 9);
-    page->ShowParameterHint();
-    ASSERT_NE(page->ParameterHint(), nullptr);
-    QTest::keyClick(page->Memo(), Qt::Key_Down);
-    EXPECT_EQ(page->ParameterHint(), nullptr);
-    page->Memo()->SetCaret(0, 9);
-    page->ShowParameterHint();
-    page->Memo()->SetCaret(0, 1);
-    QTest::keyClick(page->Memo(), Qt::Key_Right);
-    page->HintTimerTick();
-    EXPECT_EQ(page->ParameterHint(), nullptr);
-
-    // The Parameter List item shows the innermost call's hint, a game function's too.
-    page->Memo()->SetText(QStringLiteral("Explode(1, Boost(2), 3"));
-    page->Memo()->SetCaret(0, 18);
-    page->ContextItem(QStringLiteral("ContextParameterList"))->trigger();
-    ASSERT_NE(page->ParameterHint(), nullptr);
-    EXPECT_EQ(page->ParameterHint()->text(), QStringLiteral("Boost(<b>amount</b>)"));
-    page->Memo()->SetText(QStringLiteral("Explode(1, Boost(2)"));
-    page->Memo()->SetCaret(0, 19);
-    page->ShowParameterHint();
-    EXPECT_EQ(page->ParameterHint()->text(), QStringLiteral("Explode(x, <b>y</b>)"));
-}
-
-TEST_F(CodeAssistTest, WithParameterHintsOffABracketShowsNothing) {
-    TIniFile(IniPath()).WriteBool("editor", "disable_paramhint", true);
-    TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
-    ASSERT_NE(page, nullptr);
-    page->Memo()->SetText(QStringLiteral("Attack"));
-    page->Memo()->SetCaret(0, 6);
-    QTest::keyClick(page->Memo(), Qt::Key_ParenLeft, Qt::ShiftModifier);
-    EXPECT_EQ(page->ParameterHint(), nullptr);
-    EXPECT_EQ(page->Text(), QStringLiteral("Attack("));
 }
 
 TEST_F(CodeAssistTest, TheStringListOpensOnTheTableAndInsertsTheChosenString) {
@@ -237,22 +107,6 @@ TEST_F(CodeAssistTest, TheStringListOpensOnTheTableAndInsertsTheChosenString) {
     EXPECT_EQ(page->Text(), QStringLiteral("texts["));
 }
 
-TEST_F(CodeAssistTest, OpenFileAtCursorFollowsTheSearchPath) {
-    TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
-    ASSERT_NE(page, nullptr);
-    CaretAt(*page, QStringLiteral("\"helpers\""), 3);
-    page->ContextItem(QStringLiteral("ContextOpenFileAtCursor"))->trigger();
-    ASSERT_EQ(window.Pages().size(), 2);
-    EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("helpers.pas"));
-    EXPECT_EQ(window.RegMru1().Items()[0].Path, Path("helpers.pas"));
-
-    window.ActivatePage(*page);
-    CaretAt(*page, QStringLiteral("kills"));
-    page->OpenFileAtCursor();
-    EXPECT_EQ(messages_, QStringList{"File not found: kills.pas"});
-}
-
 TEST_F(CodeAssistTest, TheMouseHintNamesTheSymbolUnderThePointer) {
     TfrmMain window({});
     TfrmEdit* page = OpenDemo(window);
@@ -274,7 +128,7 @@ TEST_F(CodeAssistTest, TheMouseHintNamesTheSymbolUnderThePointer) {
     EXPECT_EQ(page->SymbolHintAt(QPoint(2000, 2000)), QString());
 }
 
-TEST_F(CodeAssistTest, ContextMenuCaptionsAndRules) {
+TEST_F(CodeAssistTest, ContextMenuCaptions) {
     TfrmMain window({});
     TfrmEdit* page = window.ActivePage();
     const auto expected = ReadCases("context_menu.txt");
@@ -287,19 +141,6 @@ TEST_F(CodeAssistTest, ContextMenuCaptionsAndRules) {
             EXPECT_EQ(actions[i]->shortcut(), QKeySequence(row[1])) << row[0].toStdString();
         }
     }
-
-    page->Memo()->SetText(QStringLiteral("while x"));
-    page->Memo()->SetCaret(0, 2);
-    page->RefreshContextMenu();
-    EXPECT_EQ(page->ContextItem(QStringLiteral("ContextTopicSearch"))->text(),
-              QStringLiteral("Topic &Search (while)"));
-    EXPECT_FALSE(page->ContextItem(QStringLiteral("ContextCopy"))->isEnabled());
-    page->Memo()->selectAll();
-    page->RefreshContextMenu();
-    EXPECT_TRUE(page->ContextItem(QStringLiteral("ContextCopy"))->isEnabled());
-    page->ContextItem(QStringLiteral("ContextTopicSearch"))->trigger();
-    EXPECT_TRUE(
-        QString::fromStdString(window.HelpView().CurrentPage()).endsWith(QStringLiteral("help/while.html")));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
-// Completion as you type on a compiled page: the list opens after two characters of a word, offers the
-// compile's symbols, the game functions and the keywords with their kinds, narrows as the word grows, and
-// Enter or Tab inserts the chosen entry. Code intelligence switched off switches it off too.
+// Completion on a compiled page: the candidates (the compile's symbols, the game functions and the
+// keywords with their kinds), keywords before any compile unless code intelligence is off, and where the
+// list shows.
 #include "compiler/symbol_table.h"
 #include "ide/completion_popup.h"
 #include "ide/edit_page.h"
@@ -74,62 +74,6 @@ TEST_F(CompletionTest, CandidatesAreTheSymbolsAndKeywordsWithTheirKinds) {
     ASSERT_FALSE(bare.empty());
     for (const TCompletion& c : bare) EXPECT_EQ(c.Kind, QStringLiteral("Keyword"));
     for (std::size_t i = 1; i < all.size(); ++i) EXPECT_LT(all[i - 1].Key, all[i].Key);
-}
-
-TEST_F(CompletionTest, TheListOpensAfterTwoCharactersNarrowsAndInserts) {
-    TfrmMain window({});
-    Show(window);
-    TfrmEdit* page = OpenDemoOnANewLine(window);
-    ASSERT_NE(page, nullptr);
-    TPageEditor* memo = page->Memo();
-    memo->setFocus();
-    TCompletionPopup& popup = page->Completion();
-
-    QTest::keyClicks(memo, QStringLiteral("s"));
-    EXPECT_FALSE(popup.IsOpen());
-    QTest::keyClicks(memo, QStringLiteral("h"));
-    ASSERT_TRUE(popup.IsOpen());
-    EXPECT_TRUE(Rows(popup).contains(Row("SHIPCOUNT", "Constant")));
-    EXPECT_TRUE(Rows(popup).contains(Row("shipBonus", "Variable")));
-    QTest::keyClicks(memo, QStringLiteral("ipc"));
-    EXPECT_EQ(Rows(popup), QStringList{Row("SHIPCOUNT", "Constant")});
-    // Backspace widens it again, the chosen entry staying chosen.
-    QTest::keyClick(memo, Qt::Key_Backspace);
-    ProcessEvents();
-    EXPECT_EQ(Rows(popup).size(), 3);
-    EXPECT_EQ(popup.List()->currentRow(), 1);
-    QTest::keyClick(memo, Qt::Key_Up);
-    QTest::keyClick(memo, Qt::Key_Down);
-    QTest::keyClick(memo, Qt::Key_Down);
-    EXPECT_EQ(popup.List()->currentRow(), 2);
-    QTest::keyClick(memo, Qt::Key_Return);
-    EXPECT_FALSE(popup.IsOpen());
-    EXPECT_EQ(memo->LineText(16), QStringLiteral("  shipsLeft"));
-
-    // Tab inserts too; a function gets its bracket, as the symbol browser gives it.
-    QTest::keyClicks(memo, QStringLiteral(" + at"));
-    ASSERT_TRUE(popup.IsOpen());
-    QTest::keyClick(memo, Qt::Key_Tab);
-    EXPECT_EQ(memo->LineText(16), QStringLiteral("  shipsLeft + Attack("));
-    page->CloseParameterHint();
-
-    // Escape closes; a character that ends the word closes too.
-    QTest::keyClicks(memo, QStringLiteral("ki"));
-    ASSERT_TRUE(popup.IsOpen());
-    QTest::keyClick(memo, Qt::Key_Escape);
-    EXPECT_FALSE(popup.IsOpen());
-    QTest::keyClicks(memo, QStringLiteral("l"));
-    ASSERT_TRUE(popup.IsOpen());
-    QTest::keyClicks(memo, QStringLiteral(","));
-    EXPECT_FALSE(popup.IsOpen());
-    EXPECT_EQ(memo->LineText(16), QStringLiteral("  shipsLeft + Attack(kil,"));
-    // A number is no word to complete, nor are the words of comments and strings.
-    QTest::keyClicks(memo, QStringLiteral(" 12"));
-    EXPECT_FALSE(popup.IsOpen());
-    for (const char* prose : {" // sh", " \"sh"}) {
-        QTest::keyClicks(memo, QString::fromLatin1(prose));
-        EXPECT_FALSE(popup.IsOpen()) << prose;
-    }
 }
 
 // Keywords are offered before any compile, unless code intelligence is switched off.

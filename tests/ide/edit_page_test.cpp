@@ -1,5 +1,5 @@
-// An editor page's file life: load, save, save as, the save question, atomic writing, compiling into
-// the output and IFF views, and building the binary files.
+// An editor page: atomic writing, compiling into the output and IFF views, and
+// building the binary files.
 #include "ide/edit_page.h"
 #include "ide/iff_view.h"
 #include "ide/main_window.h"
@@ -18,103 +18,6 @@ namespace velkor::test {
 namespace {
 
 class EditPageTest : public PageTest {};
-
-TEST_F(EditPageTest, ANewPageIsNamedAndReadsTheEditorKeys) {
-    TIniFile ini(IniPath());
-    ini.WriteBool("editor", "disable_intelligence", true);
-    TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
-    EXPECT_EQ(page->FileName(), "Untitled0.pas");
-    EXPECT_FALSE(page->CodeIntelligence());
-    EXPECT_TRUE(page->ParameterHintsEnabled());
-    EXPECT_FALSE(page->ContextItem(QStringLiteral("CompleteWordAtCursor1"))->isEnabled());
-    EXPECT_NE(page->Memo()->lexer(), nullptr);
-    // Before any load or compile, Open File at Cursor looks in the library folder beside the program.
-    EXPECT_EQ(page->SearchPathText(), Dir().string() + "/lib\\\r\n");
-
-    ini.WriteBool("editor", "disable_intelligence", false);
-    ini.WriteBool("editor", "disable_paramhint", true);
-    TfrmEdit* second = window.NewPage();
-    EXPECT_EQ(second->FileName(), "Untitled1.pas");
-    EXPECT_TRUE(second->CodeIntelligence());
-    EXPECT_FALSE(second->ParameterHintsEnabled());
-    EXPECT_TRUE(second->ContextItem(QStringLiteral("CompleteWordAtCursor1"))->isEnabled());
-}
-
-TEST_F(EditPageTest, LoadAndSaveKeepTheNameAndTheLineBreaks) {
-    const std::string file = MakeFile("Patrol.pas", "mission Patrol;\nvar x;\n");
-    TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(file, true);
-    ASSERT_NE(page, nullptr);
-    EXPECT_EQ(page->Caption(), QStringLiteral("Patrol.pas"));
-    EXPECT_EQ(page->FileNameKey(), LowerCase(file));
-    EXPECT_EQ(page->Text(), QStringLiteral("mission Patrol;\nvar x;\n"));
-    EXPECT_FALSE(page->Modified());
-    ASSERT_EQ(window.RegMru1().Items().size(), 1u);
-    EXPECT_EQ(window.RegMru1().Items()[0].Path, file);
-    // The unit's folder and the library are searched by Open File at Cursor from now on.
-    EXPECT_EQ(page->SearchPathText().substr(0, Dir().string().size() + 2), Dir().string() + "\r\n");
-
-    TfrmEdit other(window, nullptr);
-    EXPECT_FALSE(other.Load(Path("missing.pas"), true));
-    EXPECT_EQ(window.RegMru1().Items().size(), 1u);
-
-    // Saved in the file's own line break style.
-    page->Memo()->SetCaret(1, 0);
-    page->Memo()->insert(QStringLiteral("// note\n"));
-    EXPECT_TRUE(page->Modified());
-    ASSERT_TRUE(page->Save());
-    EXPECT_FALSE(page->Modified());
-    EXPECT_EQ(ReadFile(file), "mission Patrol;\n// note\nvar x;\n");
-}
-
-TEST_F(EditPageTest, SaveOnANewPageAsksForANameAndBeforeReplacingAFile) {
-    TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->SetText(QStringLiteral("unit fresh;\r\n"));
-    const std::string target = MakeFile("Fresh.pas", "old contents");
-    saveAnswers_ << QString::fromStdString(target);
-    answers_.push_back(TMsgAnswer::Yes);
-    ASSERT_TRUE(page->Save());
-    EXPECT_EQ(ReadFile(target), "unit fresh;\r\n");
-    EXPECT_EQ(page->Caption(), QStringLiteral("Fresh.pas"));
-    EXPECT_FALSE(page->Modified());
-    EXPECT_EQ(questions_,
-              QStringList{QString::fromStdString(target + " already exists.\nDo you want to replace it?")});
-    EXPECT_EQ(TIniFile(IniPath()).ReadString("editor", "DirLoad", ""), Dir().string());
-    // Save As never adds to the recent list.
-    EXPECT_TRUE(window.RegMru1().Items().empty());
-    // Cancelled: nothing changes.
-    EXPECT_FALSE(page->SaveAs());
-    EXPECT_EQ(page->Caption(), QStringLiteral("Fresh.pas"));
-}
-
-TEST_F(EditPageTest, SaveQueryAnswers) {
-    const std::string file = MakeFile("q.pas", "unit q;\r\n");
-    TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(file, false);
-    ASSERT_NE(page, nullptr);
-    EXPECT_TRUE(page->SaveQuery()); // unmodified: no question
-    EXPECT_TRUE(questions_.isEmpty());
-
-    page->Memo()->append(QStringLiteral("var z;\r\n"));
-    answers_ = {TMsgAnswer::Cancel, TMsgAnswer::No, TMsgAnswer::Yes};
-    EXPECT_FALSE(page->SaveQuery());
-    EXPECT_TRUE(page->SaveQuery());
-    EXPECT_EQ(ReadFile(file), "unit q;\r\n");
-    EXPECT_TRUE(page->SaveQuery());
-    EXPECT_EQ(ReadFile(file), "unit q;\r\nvar z;\r\n");
-    ASSERT_EQ(questions_.size(), 3);
-    EXPECT_EQ(questions_[0], QString::fromStdString("Save changes to " + page->FileName() + "?"));
-
-    // Yes on a new page whose save dialog is cancelled keeps the page open.
-    TfrmEdit* fresh = window.NewPage();
-    fresh->Memo()->SetText(QStringLiteral("x"));
-    answers_ = {TMsgAnswer::Yes};
-    EXPECT_FALSE(fresh->SaveQuery());
-    EXPECT_EQ(questions_.back(), QString::fromStdString("Save changes to " + fresh->FileName() + "?"));
-    EXPECT_EQ(fresh->FileName().substr(0, 8), "Untitled");
-}
 
 // A save that fails leaves the old file as it was and the page modified.
 TEST_F(EditPageTest, AFailedSaveLeavesTheOldFileIntact) {
@@ -176,35 +79,6 @@ TEST_F(EditPageTest, CompileSavesFillsTheOutputAndTheIffViewAndKeepsTheSymbols) 
     EXPECT_EQ(page->Memo()->ErrorLine(), -1);
     EXPECT_EQ(ReadFile(Dir() / "Demo.pas"), std::string(kDemoMission) + "// saved\r\n");
     EXPECT_FALSE(page->Modified());
-}
-
-TEST_F(EditPageTest, ACompileErrorMarksTheLineScrollsAndKeepsTheOldSymbols) {
-    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
-    TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
-    ASSERT_NE(page, nullptr);
-    const auto symbols = page->Symbols();
-    QString text;
-    for (int i = 0; i < 30; ++i) text += QStringLiteral("var v%1;\r\n").arg(i);
-    page->Memo()->SetText(QStringLiteral("mission Broken;\r\n") + text +
-                          QStringLiteral("this is not pascal;\r\n") + text);
-    window.IffView().SetText(QStringLiteral("unchanged"));
-    EXPECT_FALSE(page->Compile());
-    EXPECT_EQ(page->Memo()->ErrorLine(), 31);
-    EXPECT_EQ(page->Memo()->CaretLine(), 31);
-    EXPECT_EQ(page->Memo()->CaretColumn(), 0);
-    EXPECT_EQ(page->Memo()->firstVisibleLine(), 26);
-    EXPECT_EQ(page->Symbols(), symbols);
-    EXPECT_EQ(window.IffView().Text(), QStringLiteral("unchanged"));
-    const QStringList lines = window.OutputView().Lines();
-    ASSERT_FALSE(lines.isEmpty());
-    EXPECT_TRUE(lines.front().startsWith(QStringLiteral("[Broken, 32] ERROR: ")))
-        << lines.front().toStdString();
-
-    // The next compile starts with a clean mark.
-    page->Memo()->SetText(QStringLiteral("mission Fixed;\r\n"));
-    EXPECT_TRUE(page->Compile());
-    EXPECT_EQ(page->Memo()->ErrorLine(), -1);
 }
 
 TEST_F(EditPageTest, CompileAndBuildWritesTheMissionAndTheSizeLine) {

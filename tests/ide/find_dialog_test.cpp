@@ -1,5 +1,4 @@
-// The find and replace dialog: its controls, option bits and rules, the history, and the page's Find,
-// Replace and Search Again with the not-found message.
+// The find and replace dialog itself: its controls, option bits, rules and history.
 #include "editor/search_options.h"
 #include "ide/edit_page.h"
 #include "ide/find_dialog.h"
@@ -29,14 +28,6 @@ protected:
         T* child = dialog.findChild<T*>(QString::fromLatin1(name));
         EXPECT_NE(child, nullptr) << name;
         return child;
-    }
-
-    // Answers the next modal dialogs with `act`, which returns the result code.
-    void OnDialog(std::function<int(TSyntaxFindDialog&)> act) {
-        DialogHooks().ExecModal = [this, act](QDialog& dialog) {
-            ++modalDialogs_;
-            return act(static_cast<TSyntaxFindDialog&>(dialog));
-        };
     }
 
     // Sets the text to find and presses a button the way the user would.
@@ -129,133 +120,6 @@ TEST_F(FindDialogTest, HistoryHoldsEachTextOnceMostRecentFirst) {
     EXPECT_EQ(Press(dialog, dialog.ReplaceAllButton()), TSyntaxFindDialog::kReplaceAllResult);
     EXPECT_EQ(dialog.FindHistory(), (QStringList{"beta", "alpha", "gamma"}));
     EXPECT_EQ(Press(dialog, dialog.CancelButton()), QDialog::Rejected);
-}
-
-TEST_F(FindDialogTest, FindFillsTheBoxSearchesAndSaysWhenNothingIsFound) {
-    TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->SetText(QStringLiteral("var ship;\r\nship := Ship + 1;\r\n"));
-    page->Memo()->SetCaret(0, 5);
-    QString filled;
-    bool replaceMode = true;
-    OnDialog([&](TSyntaxFindDialog& dialog) {
-        filled = dialog.FindText();
-        replaceMode = dialog.NewTextComboBox()->isEnabled();
-        return Press(dialog, dialog.OkButton());
-    });
-    window.MenuItem(QStringLiteral("MenuEditFind"))->trigger();
-    EXPECT_EQ(filled, QStringLiteral("ship"));
-    EXPECT_FALSE(replaceMode);
-    EXPECT_EQ(page->LastSearchOptions(), unsigned{ssoPrompt});
-    EXPECT_EQ(page->Memo()->selectedText(), QStringLiteral("ship"));
-    EXPECT_EQ(page->Memo()->CaretLine(), 1);
-    // Search Again continues from the cursor without the dialog.
-    window.MenuItem(QStringLiteral("MenuEditSearchAgain"))->trigger();
-    EXPECT_EQ(modalDialogs_, 1);
-    EXPECT_EQ(page->Memo()->selectedText(), QStringLiteral("Ship"));
-    window.MenuItem(QStringLiteral("MenuEditSearchAgain"))->trigger();
-    EXPECT_EQ(messages_, QStringList{"No further occurence of 'ship' found."});
-
-    // A selection within one line is what the box is filled with; case sensitive finds nothing more.
-    page->Memo()->setSelection(1, 8, 1, 12);
-    OnDialog([&](TSyntaxFindDialog& dialog) {
-        filled = dialog.FindText();
-        dialog.findChild<QCheckBox*>(QStringLiteral("CaseCheckBox"))->setChecked(true);
-        return Press(dialog, dialog.OkButton());
-    });
-    page->Find();
-    EXPECT_EQ(filled, QStringLiteral("Ship"));
-    EXPECT_EQ(messages_.size(), 2);
-    EXPECT_EQ(messages_.back(), QStringLiteral("No further occurence of 'Ship' found."));
-    OnDialog([&](TSyntaxFindDialog& dialog) {
-        dialog.findChild<QCheckBox*>(QStringLiteral("CaseCheckBox"))->setChecked(false);
-        return static_cast<int>(QDialog::Rejected);
-    });
-    page->Find(); // cancelled: nothing searched, options unchanged
-    EXPECT_EQ(messages_.size(), 2);
-    EXPECT_EQ(page->LastSearchOptions(), ssoPrompt | ssoMatchCase);
-}
-
-TEST_F(FindDialogTest, ReplaceAndReplaceAll) {
-    TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->SetText(QStringLiteral("a := old; b := old; c := old;"));
-    page->Memo()->SetCaret(0, 0);
-    OnDialog([&](TSyntaxFindDialog& dialog) {
-        EXPECT_TRUE(dialog.NewTextComboBox()->isEnabled());
-        dialog.SetFindText(QStringLiteral("old"));
-        dialog.NewTextComboBox()->setEditText(QStringLiteral("new"));
-        dialog.findChild<QCheckBox*>(QStringLiteral("PromptCheckBox"))->setChecked(false);
-        return Press(dialog, dialog.OkButton());
-    });
-    window.MenuItem(QStringLiteral("MenuEditReplace"))->trigger();
-    EXPECT_EQ(page->Text(), QStringLiteral("a := new; b := old; c := old;"));
-    EXPECT_EQ(page->LastSearchOptions(), unsigned{ssoReplace});
-
-    OnDialog([&](TSyntaxFindDialog& dialog) {
-        EXPECT_EQ(dialog.FindText(), QStringLiteral("a")); // the word at the cursor
-        dialog.SetFindText(QStringLiteral("old"));
-        return Press(dialog, dialog.ReplaceAllButton());
-    });
-    page->Memo()->SetCaret(0, 0);
-    page->Replace();
-    EXPECT_EQ(page->Text(), QStringLiteral("a := new; b := new; c := new;"));
-    EXPECT_EQ(page->LastSearchOptions(), unsigned{ssoReplace | ssoReplaceAll});
-
-    // Backward and from the home position with a regular expression.
-    page->Memo()->SetText(QStringLiteral("x1 x22 x333"));
-    page->Memo()->SetCaret(0, 0);
-    OnDialog([&](TSyntaxFindDialog& dialog) {
-        dialog.SetReplaceMode(false);
-        dialog.SetFindText(QStringLiteral("x\\d\\d+"));
-        dialog.findChild<QCheckBox*>(QStringLiteral("RECheckBox"))->setChecked(true);
-        dialog.findChild<QRadioButton*>(QStringLiteral("HomeRadioButton"))->setChecked(true);
-        return Press(dialog, dialog.OkButton());
-    });
-    page->Find();
-    EXPECT_EQ(page->Memo()->selectedText(), QStringLiteral("x22"));
-    // Search Again drops "home" and "selected text": it goes on from the cursor.
-    page->SearchAgain();
-    EXPECT_EQ(page->Memo()->selectedText(), QStringLiteral("x333"));
-}
-
-TEST_F(FindDialogTest, PromptOnReplaceAsksForEveryMatch) {
-    TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->SetText(QStringLiteral("old old old old"));
-    page->Memo()->SetCaret(0, 0);
-    std::deque<TReplaceAnswer> answers = {TReplaceAnswer::Yes, TReplaceAnswer::No, TReplaceAnswer::All};
-    DialogHooks().AskReplace = [&](QWidget*, const QString& found) {
-        replacePrompts_ << found;
-        const TReplaceAnswer answer = answers.front();
-        answers.pop_front();
-        return answer;
-    };
-    OnDialog([&](TSyntaxFindDialog& dialog) {
-        dialog.SetFindText(QStringLiteral("old"));
-        dialog.NewTextComboBox()->setEditText(QStringLiteral("new"));
-        EXPECT_TRUE(dialog.findChild<QCheckBox*>(QStringLiteral("PromptCheckBox"))->isChecked());
-        return Press(dialog, dialog.ReplaceAllButton());
-    });
-    page->Replace();
-    EXPECT_EQ(page->Text(), QStringLiteral("new old new new"));
-    EXPECT_EQ(replacePrompts_, (QStringList{"old", "old", "old"}));
-    EXPECT_EQ(page->LastSearchOptions(), unsigned{ssoPrompt | ssoReplace | ssoReplaceAll});
-}
-
-TEST_F(FindDialogTest, SearchAgainBeforeAnyFindOpensTheDialog) {
-    TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->SetText(QStringLiteral("  "));
-    QString caption;
-    OnDialog([&](TSyntaxFindDialog& dialog) {
-        caption = dialog.windowTitle();
-        return static_cast<int>(QDialog::Rejected);
-    });
-    window.MenuItem(QStringLiteral("MenuEditSearchAgain"))->trigger();
-    EXPECT_EQ(modalDialogs_, 1);
-    EXPECT_EQ(caption, QStringLiteral("Find or replace text"));
-    EXPECT_TRUE(messages_.isEmpty());
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// The main window: start-up, the open procedure, decoding on open, pages, the timer and closing.
+// The main window: its icon, decoding on open and the first show.
 #include "ide/app_icon.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
@@ -42,82 +42,6 @@ TEST(AppIcon, TheSvgIconRendersAtEverySize) {
         ASSERT_EQ(image.width(), size);
         EXPECT_NE(image.pixel(size / 2, size / 2), image.pixel(0, 0)) << "blank at " << size;
     }
-}
-
-TEST_F(MainWindowTest, StartsWithExactlyOneUntitledPageAndTheCaption) {
-    TfrmMain window({});
-    EXPECT_EQ(window.windowTitle(), QStringLiteral("Velkor Console 3.0d (Compiler: 1.0 R24d)"));
-    ASSERT_EQ(window.Pages().size(), 1);
-    EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("Untitled0.pas"));
-    EXPECT_EQ(window.ActivePage()->FileName(), "Untitled0.pas");
-    EXPECT_FALSE(window.ActivePage()->Modified());
-    EXPECT_EQ(window.NewPage()->Caption(), QStringLiteral("Untitled1.pas"));
-    EXPECT_EQ(window.MaxDecodeSize(), 1024);
-}
-
-TEST_F(MainWindowTest, ArgumentsOpenInOrderIntoTheRecentListWhichReopensThem) {
-    const std::string a = MakeFile("Alpha.pas", "unit alpha;\r\n");
-    const std::string b = MakeFile("beta.pas", "unit beta;\n");
-    {
-        TfrmMain window({QString::fromStdString(a), QString::fromStdString(b)});
-        EXPECT_EQ(Captions(window), (QStringList{"Alpha.pas", "beta.pas"}));
-        EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("beta.pas"));
-    }
-    {
-        TfrmMain window({});
-        ASSERT_EQ(window.RegMru1().Items().size(), 2u);
-        EXPECT_EQ(window.RegMru1().Items()[0].Path, b);
-        EXPECT_EQ(window.RegMru1().Items()[1].Path, a);
-        QMenu* reopen = window.MenuItem(QStringLiteral("MenuFileReopen"))->menu();
-        ASSERT_EQ(reopen->actions().size(), 2);
-        reopen->actions()[1]->trigger();
-        ProcessEvents();
-        EXPECT_EQ(Captions(window), QStringList{"Alpha.pas"});
-    }
-    // A missing file named at start opens nothing, silently.
-    TfrmMain window({QString::fromStdString(Path("missing.pas"))});
-    EXPECT_TRUE(window.Pages().isEmpty());
-    EXPECT_EQ(window.ActivePage(), nullptr);
-    EXPECT_TRUE(messages_.isEmpty());
-}
-
-TEST_F(MainWindowTest, OpenRules) {
-    const std::string file = MakeFile("Mission.pas", "mission m;\r\n");
-    TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(file, true);
-    ASSERT_NE(page, nullptr);
-    ProcessEvents();
-    // The untouched empty page was replaced.
-    EXPECT_EQ(Captions(window), QStringList{"Mission.pas"});
-    EXPECT_EQ(page->Text(), QStringLiteral("mission m;\r\n")); // the file's own line breaks
-    EXPECT_FALSE(page->Modified());
-
-    // An open file is activated, whatever the letter case of the name.
-    window.NewPage()->Memo()->SetText(QStringLiteral("x"));
-    EXPECT_EQ(window.OpenFile(Path("MISSION.PAS"), true), page);
-    EXPECT_EQ(window.ActivePage(), page);
-    EXPECT_EQ(window.Pages().size(), 2);
-
-    // A page with text is kept when another file opens.
-    const std::string other = MakeFile("other.pas", "");
-    window.OpenFile(other, false);
-    EXPECT_EQ(window.Pages().size(), 3);
-    // ...and an empty opened file is itself replaced by the next. Every page made takes a number.
-    window.OpenFile(file, false);
-    ProcessEvents();
-    EXPECT_EQ(Captions(window), (QStringList{"Mission.pas", "Untitled2.pas"}));
-}
-
-TEST_F(MainWindowTest, OpenWithoutANameAsksAndRemembersTheFolder) {
-    const std::string file = MakeFile("asked.pas", "unit asked;");
-    TfrmMain window({});
-    openAnswers_ << QString::fromStdString(file);
-    ASSERT_NE(window.OpenFile("", true), nullptr);
-    EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("asked.pas"));
-    EXPECT_EQ(TIniFile(IniPath()).ReadString("editor", "DirLoad", ""), Dir().string());
-    // A cancelled dialog opens nothing.
-    EXPECT_EQ(window.OpenFile("", true), nullptr);
-    EXPECT_EQ(window.Pages().size(), 1);
 }
 
 // A binary file opens as its decoded text, modified (its text file is not written). A truncated one opens
@@ -225,63 +149,6 @@ TEST_F(MainWindowTest, DecodeDialogDecodesEveryFileAndRemembersTheFirstFolder) {
     EXPECT_EQ(Captions(window), (QStringList{"one.iff.pas", "two.iff.pas"}));
     EXPECT_EQ(TIniFile(IniPath()).ReadString("main", "DirDecodeIff", ""), (Dir() / "sub").string());
     SetDecodeFunctionForTesting({});
-}
-
-TEST_F(MainWindowTest, TimerShowsTheCaretInTheStatusBarAndTheIffCaption) {
-    TfrmMain window({});
-    window.ActivePage()->Memo()->SetText(QStringLiteral("abc\ndef"));
-    window.ActivePage()->Memo()->SetCaret(1, 2);
-    window.IffView().SetText(QStringLiteral("IFF\n\tFORM"));
-    window.IffView().SetCaret(1, 2); // after the tab and "F"
-    window.TimerTick();
-    EXPECT_EQ(window.StatusPanelText(1), QStringLiteral("2:3"));
-    EXPECT_EQ(window.IffView().windowTitle(), QStringLiteral("Iff [2:3]"));
-}
-
-TEST_F(MainWindowTest, SaveAllAndCloseAll) {
-    const std::string a = MakeFile("a.pas", "a");
-    const std::string b = MakeFile("b.pas", "b");
-    TfrmMain window({QString::fromStdString(a), QString::fromStdString(b)});
-    for (TfrmEdit* page : window.Pages()) page->Memo()->SetText(page->Text() + QStringLiteral("!"));
-    window.SaveAll();
-    EXPECT_EQ(ReadFile(a), "a!");
-    EXPECT_EQ(ReadFile(b), "b!");
-    window.Pages()[0]->Memo()->SetText(QStringLiteral("changed"));
-    answers_ = {TMsgAnswer::Cancel};
-    window.CloseAll();
-    ProcessEvents();
-    // Closed from the last page to the first; the modified first page refused.
-    EXPECT_EQ(questions_, QStringList{QString::fromStdString("Save changes to " + a + "?")});
-    EXPECT_EQ(Captions(window), QStringList{"a.pas"});
-}
-
-TEST_F(MainWindowTest, CloseQueryAsksEveryModifiedPageAndCancelKeepsTheWindow) {
-    const std::string a = MakeFile("a.pas", "a");
-    TfrmMain window({QString::fromStdString(a)});
-    window.NewPage()->Memo()->SetText(QStringLiteral("new text"));
-    window.Pages()[0]->Memo()->SetText(QStringLiteral("edited"));
-    window.show();
-    answers_ = {TMsgAnswer::No, TMsgAnswer::Cancel};
-    EXPECT_FALSE(window.close());
-    EXPECT_EQ(questions_, (QStringList{QString::fromStdString("Save changes to " + a + "?"),
-                                       QStringLiteral("Save changes to Untitled1.pas?")}));
-    EXPECT_TRUE(window.isVisible());
-    EXPECT_FALSE(TIniFile(IniPath()).ValueExists("main", "pheigth"));
-
-    // Yes saves; a page without a file asks for a name, and a cancelled name refuses too.
-    questions_.clear();
-    answers_ = {TMsgAnswer::Yes, TMsgAnswer::Yes};
-    EXPECT_FALSE(window.close());
-    EXPECT_EQ(ReadFile(a), "edited");
-    EXPECT_EQ(questions_.size(), 2);
-
-    answers_ = {TMsgAnswer::No};
-    EXPECT_TRUE(window.close());
-    EXPECT_FALSE(window.CloseQueryRunning());
-    const TIniFile ini(IniPath());
-    EXPECT_TRUE(ini.ValueExists("main", "pheigth"));
-    EXPECT_TRUE(ini.ValueExists("frmMain", "WindowState"));
-    EXPECT_EQ(ini.ReadString("frmOutput", "site", "?"), "PageControl1");
 }
 
 TEST_F(MainWindowTest, FirstShowAsksForAnEmptyGameFolderSelectsTheScannerAndLoadsExtensions) {

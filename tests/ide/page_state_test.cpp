@@ -1,6 +1,5 @@
 // What the window shows of its pages and how they open and close: modified marks in the tab, the caption
-// and the status bar; tab close buttons and middle clicks; dropped files; F1 at once, F2 saves, and Save As
-// asks before replacing another file.
+// and the status bar; tab close buttons and middle clicks; dropped files.
 #include "ide/edit_page.h"
 #include "ide/help_view.h"
 #include "ide/main_window.h"
@@ -129,47 +128,6 @@ TEST_F(PageStateTest, DroppedFilesOpenAsPagesAndBinaryIffIsDecoded) {
     EXPECT_EQ(decoded->Caption(), QStringLiteral("data.iff.pas"));
     EXPECT_TRUE(decoded->Modified());
     EXPECT_TRUE(decoded->Text().contains(QStringLiteral("TEST")));
-}
-
-TEST_F(PageStateTest, F1AndF2WorkAtOnceAndSaveAsAsksBeforeReplacingAnotherFile) {
-    TfrmMain window({});
-    ShowActive(window);
-    TfrmEdit* page = window.ActivePage();
-    page->Memo()->SetText(QStringLiteral("   \r\nwhile"));
-    page->Memo()->SetCaret(0, 1);
-    window.TimerTick();
-    ASSERT_FALSE(window.MenuItem(QStringLiteral("MenuHelpTopic"))->isEnabled());
-    // No timer tick between the caret reaching the word and the key.
-    page->Memo()->SetCaret(1, 2);
-    QTest::keyClick(page->Memo(), Qt::Key_F1);
-    EXPECT_TRUE(window.HelpView().CurrentPage().find("while.html") != std::string::npos)
-        << window.HelpView().CurrentPage();
-
-    const std::string file = MakeFile("keep.pas", "unit keep;\r\n");
-    const std::string other = MakeFile("other.pas", "precious");
-    page = window.OpenFile(file, false);
-    ASSERT_NE(page, nullptr);
-    page->Memo()->SetText(QStringLiteral("unit keep;\r\nvar v;\r\n"));
-    QTest::keyClick(page->Memo(), Qt::Key_F2);
-    EXPECT_EQ(ReadFile(file), "unit keep;\r\nvar v;\r\n");
-    EXPECT_FALSE(page->Modified());
-
-    saveAnswers_ << QString::fromStdString(other);
-    answers_.push_back(TMsgAnswer::No);
-    EXPECT_FALSE(page->SaveAs());
-    EXPECT_EQ(ReadFile(other), "precious");
-    EXPECT_EQ(questions_,
-              QStringList{QString::fromStdString(other + " already exists.\nDo you want to replace it?")});
-    EXPECT_EQ(page->FileName(), file);
-    saveAnswers_ << QString::fromStdString(other);
-    answers_.push_back(TMsgAnswer::Yes);
-    EXPECT_TRUE(page->SaveAs());
-    EXPECT_EQ(ReadFile(other), "unit keep;\r\nvar v;\r\n");
-    EXPECT_EQ(page->FileName(), other);
-    // Its own file is simply written.
-    saveAnswers_ << QString::fromStdString(other);
-    EXPECT_TRUE(page->SaveAs());
-    EXPECT_EQ(questions_.size(), 2);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// The tool views and their placement: docking, the saved layout, help pages and the output list.
+// The tool views and their placement: docking, the saved layout and the output list.
 #include "ide/edit_page.h"
 #include "ide/help_view.h"
 #include "ide/iff_view.h"
@@ -9,7 +9,6 @@
 #include "tests/ide/ide_test_support.h"
 
 #include <QListWidget>
-#include <QTextBrowser>
 #include <Qsci/qsciscintilla.h>
 
 namespace velkor::test {
@@ -64,35 +63,6 @@ TEST_F(ViewsTest, DockPlacementRoundTrip) {
     EXPECT_EQ(window.IffView().height(), 200);
     EXPECT_TRUE(window.OutputView().isHidden());
     EXPECT_FALSE(window.HelpView().isHidden());
-}
-
-TEST_F(ViewsTest, HelpPagesComeFromTheRoot) {
-    std::filesystem::create_directories(Dir() / "help" / "help");
-    WriteFile(Dir() / "help" / "index.html", "<html><body><h1>Language</h1></body></html>");
-    WriteFile(Dir() / "help" / "help" / "begin.html", "<html><body>begin</body></html>");
-    TIniFile(IniPath()).WriteString("help", "root", (Dir() / "help").string());
-    TfrmMain window({});
-    EXPECT_EQ(window.HelpView().HelpRoot(), (Dir() / "help").string() + "/");
-    window.HelpView().hide();
-    window.MenuItem(QStringLiteral("MenuHelpLanguage"))->trigger();
-    EXPECT_FALSE(window.HelpView().isHidden());
-    EXPECT_EQ(window.HelpView().CurrentPage(), Path("help/index.html"));
-    EXPECT_TRUE(window.HelpView().Browser()->toPlainText().contains(QStringLiteral("Language")));
-    // Topics are looked up without regard to case.
-    window.HelpView().ShowTopic("BEGIN");
-    EXPECT_EQ(window.HelpView().CurrentPage(), Path("help/help/begin.html"));
-    window.HelpView().ShowTopic("nosuchword");
-    EXPECT_TRUE(window.HelpView().Browser()->toPlainText().contains(QStringLiteral("help/nosuchword.html")));
-    EXPECT_TRUE(urls_.isEmpty());
-}
-
-TEST_F(ViewsTest, AWebHelpRootOpensTheBrowser) {
-    TIniFile(IniPath()).WriteString("help", "root", "https://example.org/velkor/");
-    TfrmMain window({});
-    window.MenuItem(QStringLiteral("MenuHelpProperties"))->trigger();
-    window.HelpView().ShowTopic("while");
-    EXPECT_EQ(urls_, (QStringList{"https://example.org/velkor/props.html",
-                                  "https://example.org/velkor/help/while.html"}));
 }
 
 TEST_F(ViewsTest, OutputListAndIffViewBasics) {
