@@ -75,12 +75,6 @@ std::span<const WcpMnemonic> WcpMnemonics() {
     return kMnemonics;
 }
 
-const WcpMnemonic* FindWcpMnemonic(std::string_view lowerName) {
-    for (const auto& m : kMnemonics)
-        if (m.name == lowerName) return &m;
-    return nullptr;
-}
-
 const WcpMnemonic* FindWcpMnemonicNoCase(std::string_view name) {
     constexpr std::size_t kLongest = 6; // "return"
     if (name.empty() || name.size() > kLongest) return nullptr;

@@ -31,9 +31,8 @@ struct WcpMnemonic {
 // The opcode-word table, including two entries that no mnemonic selects.
 std::span<const std::uint32_t> WcpOpcodeWords();
 
-// The built-in instruction of that lower-case name, or null for a game-function call.
-const WcpMnemonic* FindWcpMnemonic(std::string_view lowerName);
-// The same for a name in any case, as the listing may write it.
+// The built-in instruction of that name in any case, as the listing may write it, or null for a
+// game-function call.
 const WcpMnemonic* FindWcpMnemonicNoCase(std::string_view name);
 
 // Every built-in mnemonic, in table order.
