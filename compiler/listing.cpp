@@ -96,15 +96,18 @@ std::size_t TListing::BlockFinder::Find(std::string_view line) {
     return spans_[last_].index;
 }
 
+std::vector<std::size_t> TListing::LinesPerBlock() const {
+    std::vector<std::size_t> count(blocks_.size());
+    BlockFinder finder(blocks_);
+    for (std::string_view line : lines_) ++count[finder.Find(line)];
+    return count;
+}
+
 void TListing::Drain(const std::function<void(std::string_view line)>& take) {
     // Each block goes when its last line has been handed over, and the freed pages go back to the system
     // now and then, so that the listing shrinks while the taker's text grows. Both passes find each line's
     // block the same way.
-    std::vector<std::size_t> left(blocks_.size());
-    {
-        BlockFinder finder(blocks_);
-        for (std::string_view line : lines_) ++left[finder.Find(line)];
-    }
+    std::vector<std::size_t> left = LinesPerBlock();
     BlockFinder finder(blocks_);
     constexpr std::size_t kReturnEvery = 4; // blocks of a megabyte
     std::size_t released = 0;
@@ -127,6 +130,40 @@ std::vector<std::string> TListing::Lines() const {
     lines.reserve(size());
     for (std::string_view line : lines_) lines.emplace_back(line);
     return lines;
+}
+
+TListing::Feed::Feed(TListing& listing)
+    : listing_(listing), finder_(listing.blocks_), lines_(listing.LinesPerBlock()), left_(listing.textSize_) {
+}
+
+TListing::Feed::~Feed() {
+    listing_.clear();
+    ReturnFreedMemory();
+}
+
+bool TListing::Feed::NextLine(std::string_view& line) {
+    if (listing_.lines_.empty()) return false;
+    line = listing_.lines_.front();
+    listing_.lines_.pop_front();
+    current_ = finder_.Find(line);
+    left_ -= line.size();
+    if (--lines_[current_] == 0) done_.push_back(current_);
+    return true;
+}
+
+// The block of the last line handed out stays: the reader may still look at that line.
+void TListing::Feed::Release() {
+    if (done_.empty() || (done_.size() == 1 && done_.front() == current_)) return;
+    std::size_t kept = 0;
+    for (std::size_t block : done_) {
+        if (block == current_) {
+            done_[kept++] = block;
+            continue;
+        }
+        listing_.blocks_[block].chars.reset();
+        if (++released_ % 4 == 0) ReturnFreedMemory();
+    }
+    done_.resize(kept);
 }
 
 } // namespace velkor

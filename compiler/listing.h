@@ -3,6 +3,8 @@
 // it grows. The characters go into blocks of a megabyte that never move, and the lines are views into them.
 #pragma once
 
+#include "iff/iff_token_source.h"
+
 #include <cstddef>
 #include <deque>
 #include <functional>
@@ -51,6 +53,10 @@ public:
 
     friend bool operator==(const TListing& a, const TListing& b) { return a.lines_ == b.lines_; }
 
+    // Hands the lines over one by one to a reader that looks back no further than its last Release, and
+    // empties the listing on the way as Drain does.
+    class Feed;
+
 private:
     struct Block {
         std::unique_ptr<char[]> chars; // never reallocated: lines point into it
@@ -78,9 +84,32 @@ private:
         std::size_t last_ = 0;    // the span found last
     };
 
+    // How many lines each block holds.
+    std::vector<std::size_t> LinesPerBlock() const;
+
     std::vector<Block> blocks_;          // the characters of every line
     std::deque<std::string_view> lines_; // the lines in order, each within one block
     std::size_t textSize_ = 0;           // characters of all lines
+};
+
+class TListing::Feed : public SplicedLines {
+public:
+    explicit Feed(TListing& listing);
+    ~Feed() override;
+    Feed(const Feed&) = delete;
+    Feed& operator=(const Feed&) = delete;
+    bool NextLine(std::string_view& line) override;
+    void Release() override;
+    std::size_t CharsLeft() const override { return left_; }
+
+private:
+    TListing& listing_;
+    BlockFinder finder_;             // the block of each line
+    std::vector<std::size_t> lines_; // lines of each block not handed out yet
+    std::vector<std::size_t> done_;  // blocks all of whose lines are out, not freed yet
+    std::size_t current_ = 0;        // the block of the last line handed out
+    std::size_t left_ = 0;           // characters not handed out yet
+    std::size_t released_ = 0;       // blocks freed so far
 };
 
 } // namespace velkor

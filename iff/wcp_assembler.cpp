@@ -27,8 +27,10 @@ constexpr std::size_t kDescriptorSlice = std::size_t{1} << 14;
 
 void WcpAssembler::AssembleWcpAsm() {
     tokens_.Expect("{");
+    tokens_.TakeSplice();
     for (int r = 0; r < 32; ++r) tokens_.DefineConstant("v" + std::to_string(r), std::to_string(r));
     for (;;) {
+        tokens_.ReleaseSpliced();
         const std::string_view token = tokens_.Next();
         if (token == "}" && tokens_.Kind() == tkDelimiter) return;
         if (SameText(token, "func"))
@@ -87,6 +89,7 @@ void WcpAssembler::AssembleBlock() {
     tokens_.Expect("{");
     int depth = 0;
     for (;;) {
+        tokens_.ReleaseSpliced();
         if (tokens_.NextIs('{')) {
             EmitWord(kWcpBlockBegin);
             ++depth;
