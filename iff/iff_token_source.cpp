@@ -50,25 +50,55 @@ bool IffTokenSource::TakeSplice() {
     spliceLineNumber_ = spliceLine_;
     lineTokens_.clear();
     nextToken_ = 0;
+    tokenized_ = true; // no line yet: the first read fetches one
+    return true;
+}
+
+bool IffTokenSource::FetchSplicedLine() {
+    if (!splice_->NextLine(line_)) {
+        inSplice_ = false;
+        lineTokens_.clear();
+        lineOffset_ = spliceCount_;
+        return false;
+    }
+    ++spliceLineNumber_;
+    tokenized_ = false;
     return true;
 }
 
 bool IffTokenSource::InSplice() {
     if (!inSplice_) return false;
-    while (nextToken_ == lineTokens_.size()) {
-        std::string_view line;
-        if (!splice_->NextLine(line)) {
-            inSplice_ = false;
-            lineTokens_.clear();
-            lineOffset_ = spliceCount_;
-            return false;
+    for (;;) {
+        if (!tokenized_) {
+            // The lines were checked before they were left out of the text.
+            if (!ReadLineTokens(line_, lineTokens_))
+                throw Exception("a left-out listing line cannot be read");
+            tokenized_ = true;
+            nextToken_ = 0;
         }
-        ++spliceLineNumber_;
-        nextToken_ = 0;
-        // The lines were checked before they were left out of the text.
-        if (!ReadLineTokens(line, lineTokens_)) throw Exception("a left-out listing line cannot be read");
+        if (nextToken_ < lineTokens_.size()) return true;
+        if (!FetchSplicedLine()) return false;
     }
-    return true;
+}
+
+std::optional<std::string_view> IffTokenSource::FreshSplicedLine() {
+    if (!inSplice_) return std::nullopt;
+    if (tokenized_) {
+        if (nextToken_ < lineTokens_.size()) {
+            if (nextToken_ > 0) return std::nullopt;
+        } else if (!FetchSplicedLine()) {
+            return std::nullopt;
+        }
+    }
+    return line_;
+}
+
+void IffTokenSource::SkipSplicedLine() {
+    reportedSpliceLine_ = spliceLineNumber_;
+    lineFromSplice_ = true;
+    tokenized_ = true;
+    lineTokens_.clear();
+    nextToken_ = 0;
 }
 
 std::size_t IffTokenSource::SplicedCharsLeft() const {

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -66,6 +67,10 @@ public:
     std::size_t SplicedCharsLeft() const;
     // Lines read before this no longer need to stay in memory.
     void ReleaseSpliced();
+    // The left-out line whose tokens come next, while none of them has been read: a caller that reads the
+    // whole line by itself then passes it with SkipSplicedLine, as if it had read its tokens.
+    std::optional<std::string_view> FreshSplicedLine();
+    void SkipSplicedLine();
 
     // Views into the scanner's text, which stays put for the whole run.
     std::string_view Next();
@@ -104,6 +109,8 @@ private:
 
     // Whether the next token comes from the left-out lines; reads their next line when the last is used up.
     bool InSplice();
+    // The next left-out line, or false after the last, when the text's tokens follow again.
+    bool FetchSplicedLine();
     // The line an error names, counted in the whole text.
     std::int32_t ReportedLine() const;
 
@@ -117,6 +124,8 @@ private:
     std::int32_t reportedSpliceLine_ = 0; // the line the scanner would name, while it is theirs
     bool lineFromSplice_ = false;         // the line an error names is one of theirs
     bool wrapLines_ = false;              // the scanner reads five-digit line markers
+    std::string_view line_;               // their current line
+    bool tokenized_ = true;               // lineTokens_ are line_'s (true before the first line)
     std::vector<LineToken> lineTokens_;   // the tokens of their current line
     std::size_t nextToken_ = 0;           // the next of them
 };
