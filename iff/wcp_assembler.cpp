@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <new>
 #include <string>
 #include <vector>
@@ -176,12 +177,22 @@ namespace {
 bool IsBlank(char c) {
     return c == ' ' || c == '\t';
 }
+
+constexpr auto kWordCharacters = [] {
+    std::array<std::uint8_t, 256> kinds{}; // 1: may start a name, 2: may continue one
+    for (int c = 'a'; c <= 'z'; ++c) kinds[static_cast<std::size_t>(c)] = 3;
+    for (int c = 'A'; c <= 'Z'; ++c) kinds[static_cast<std::size_t>(c)] = 3;
+    kinds['_'] = 3;
+    for (int c = '0'; c <= '9'; ++c) kinds[static_cast<std::size_t>(c)] = 2;
+    return kinds;
+}();
 bool IsWordStart(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+    return (kWordCharacters[static_cast<unsigned char>(c)] & 1) != 0;
 }
 bool IsWordChar(char c) {
-    return IsWordStart(c) || (c >= '0' && c <= '9');
+    return kWordCharacters[static_cast<unsigned char>(c)] != 0;
 }
+
 // What may follow an operand or name for its token to end there as the token path reads it.
 bool EndsToken(std::string_view line, std::size_t at) {
     return at == line.size() || IsBlank(line[at]) || line[at] == ',' || line[at] == ';';
@@ -198,6 +209,8 @@ bool WcpAssembler::AssembleSimpleLine(std::string_view line) {
     auto skipBlanks = [&] {
         while (i < n && IsBlank(line[i])) ++i;
     };
+    // The indentation eight blanks at a time.
+    while (i + 8 <= n && std::memcmp(line.data() + i, "        ", 8) == 0) i += 8;
     skipBlanks();
     if (i == n || !IsWordStart(line[i])) return false;
     const std::size_t nameStart = i;
