@@ -273,6 +273,7 @@ void Scenario::SetUp() {
         {"kinds", [this](const QString& rest) { ProcList().SetKindMask(rest.toInt()); }},
         {"click", [this](const QString& rest) { Widget<QAbstractButton>(rest).click(); }},
         {"loaddecoders", [](const QString&) { LoadSpecialDecoderFlags(); }},
+        {"clearrecent", [this](const QString&) { Window().RegMru1().Clear(); }},
     };
 
     // What `expect WHAT VALUE` compares with VALUE; the longer ones are in Expect.
@@ -328,6 +329,10 @@ void Scenario::SetUp() {
         {"file",
          [this](const QString& key) { return QString::fromLatin1(ReadFile(Dir() / key.toStdString())); }},
         {"rows", [this](const QString& key) { return Rows(key); }},
+        {"reopen-item",
+         [this](const QString& key) {
+             return Item("MenuFileReopen").menu()->actions().value(key.toInt())->text();
+         }},
         {"seen", [this](const QString& key) { return seen_.value(key.toInt()); }},
         {"buddy", [this](const QString& key) { return Widget<QLabel>(key).buddy()->objectName(); }},
     };
