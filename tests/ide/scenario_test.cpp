@@ -39,8 +39,8 @@
 namespace velkor::test {
 namespace {
 
-const std::filesystem::path kScenarios =
-    std::filesystem::path(VELKOR_SOURCE_DIR) / "tests/cases/ide/scenarios";
+const std::filesystem::path kSource = VELKOR_SOURCE_DIR;
+const std::filesystem::path kScenarios = kSource / "tests/cases/ide/scenarios";
 
 std::vector<std::string> ScenarioNames() {
     std::vector<std::string> names;
@@ -273,6 +273,10 @@ void Scenario::SetUp() {
         {"kinds", [this](const QString& rest) { ProcList().SetKindMask(rest.toInt()); }},
         {"click", [this](const QString& rest) { Widget<QAbstractButton>(rest).click(); }},
         {"loaddecoders", [](const QString&) { LoadSpecialDecoderFlags(); }},
+        {"copy",
+         [this](const QString& rest) {
+             MakeFile(Split(rest).second.toStdString(), ReadFile(kSource / Split(rest).first.toStdString()));
+         }},
         {"clearrecent", [this](const QString&) { Window().RegMru1().Clear(); }},
     };
 
@@ -316,6 +320,8 @@ void Scenario::SetUp() {
         {"questions", [this] { return questions_.join(u'|'); }},
         {"dialogs", [this] { return QString::number(modalDialogs_); }},
         {"recent", [this] { return Recent(); }},
+        {"sopath", [this] { return ToQ(Window().SoPath()); }},
+        {"dialog-names", [this] { return modalDialogNames_.join(u'|'); }},
         {"result", [this] { return QString::number(dialog_->result()); }},
     };
 
@@ -346,6 +352,7 @@ void Scenario::SetUp() {
          [this](const QString& want) {
              return Page().Symbols() && Page().Symbols()->Find(want.toStdString()) >= 0;
          }},
+        {"text-lacks", [this](const QString& want) { return !Page().Text().contains(want); }},
         {"text-has", [this](const QString& want) { return Page().Text().contains(want); }},
         {"iff-starts", [this](const QString& want) { return Window().IffView().Text().startsWith(want); }},
         {"help-ends",
@@ -388,8 +395,7 @@ void Scenario::Run(const QString& line) {
     } else if (command == u"decode") {
         Window().DecodeFile(Path(rest.toStdString()));
         // A decode thread hands its text over through the event loop.
-        for (int i = 0; i < 250 && Page().Caption() != rest.section(u'/', -1) + ".pas"; ++i)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QTest::qWaitFor([&] { return Page().Caption() == rest.section(u'/', -1) + ".pas"; }, 5000);
     } else if (command == u"reopen") {
         QAction* entry = Item(QStringLiteral("MenuFileReopen")).menu()->actions().value(rest.toInt());
         if (!entry) throw std::runtime_error("no recent entry " + rest.toStdString());
