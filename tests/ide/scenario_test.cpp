@@ -2,11 +2,13 @@
 // line (see tests/README.md), and is reported by its file name.
 #include "compiler/symbol_queries.h"
 #include "ide/completion_popup.h"
+#include "ide/file_tree_view.h"
 #include "ide/find_dialog.h"
 #include "ide/help_view.h"
 #include "ide/ide_ini.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
+#include "ide/problems_view.h"
 #include "ide/proc_list.h"
 #include "ide/reg_mru.h"
 #include "ide/settings_dialog.h"
@@ -138,6 +140,15 @@ protected:
             rows << cells.join(u':');
         }
         return rows.join(u'|');
+    }
+    TDockableView& View(const QString& name) {
+        TfrmMain& w = Window();
+        const std::map<QString, TDockableView*> views = {{"output", &w.OutputView()},
+                                                         {"help", &w.HelpView()},
+                                                         {"iff", &w.IffView()},
+                                                         {"files", &w.FileTreeView()},
+                                                         {"problems", &w.ProblemsView()}};
+        return *views.at(name);
     }
     QStringList CompletionRows() {
         QStringList rows;
@@ -277,6 +288,8 @@ void Scenario::SetUp() {
          [this](const QString& rest) {
              MakeFile(Split(rest).second.toStdString(), ReadFile(kSource / Split(rest).first.toStdString()));
          }},
+        {"showview", [this](const QString& rest) { View(rest).show(); }},
+        {"hideview", [this](const QString& rest) { View(rest).hide(); }},
         {"clearrecent", [this](const QString&) { Window().RegMru1().Clear(); }},
     };
 
@@ -335,6 +348,8 @@ void Scenario::SetUp() {
         {"file",
          [this](const QString& key) { return QString::fromLatin1(ReadFile(Dir() / key.toStdString())); }},
         {"rows", [this](const QString& key) { return Rows(key); }},
+        {"view-shown", [this](const QString& key) { return YesNo(View(key).isVisible()); }},
+        {"site", [this](const QString& key) { return ToQ(Window().SiteOf(View(key))); }},
         {"reopen-item",
          [this](const QString& key) {
              return Item("MenuFileReopen").menu()->actions().value(key.toInt())->text();
