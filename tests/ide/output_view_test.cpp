@@ -1,5 +1,6 @@
 // The output list: lines in batches, their kinds and colours, the context menu, stepping through messages,
 // and where a message points.
+#include "ide/iff_view.h"
 #include "ide/main_window.h"
 #include "ide/message_location.h"
 #include "ide/output_model.h"
@@ -14,6 +15,7 @@
 #include <QClipboard>
 #include <QListView>
 #include <QMenu>
+#include <Qsci/qsciscintilla.h>
 
 namespace velkor::test {
 namespace {
@@ -99,6 +101,21 @@ TEST_F(OutputViewTest, CopyAndClearInTheContextMenu) {
     clear->trigger();
     EXPECT_TRUE(output.Lines().isEmpty());
     EXPECT_EQ(output.CurrentRow(), -1);
+}
+
+TEST_F(OutputViewTest, TheListKeepsItsLastLineCurrentAndTheIffViewItsBytes) {
+    TfrmMain window({});
+    TfrmOutput& output = window.OutputView();
+    for (int i = 0; i < 200; ++i) output.AppendLine(QStringLiteral("line %1").arg(i));
+    EXPECT_EQ(output.CurrentRow(), 199);
+    output.Clear();
+    EXPECT_TRUE(output.Lines().isEmpty());
+    // Tab stops of two dialog units: as close as whole characters come, one character.
+    EXPECT_EQ(window.IffView().MemoIff()->tabWidth(), 1);
+    // What a compile puts there comes back byte for byte, a zero byte and text after it included.
+    const std::string text("IFF \"a\"\r\n{ CSTRING \"\0\xC3\xA9\" }\r\n", 28);
+    window.IffView().SetTextUtf8(text);
+    EXPECT_EQ(window.IffView().TextUtf8(), text);
 }
 
 } // namespace

@@ -350,6 +350,8 @@ void Scenario::SetUp() {
         {"rows", [this](const QString& key) { return Rows(key); }},
         {"view-shown", [this](const QString& key) { return YesNo(View(key).isVisible()); }},
         {"site", [this](const QString& key) { return ToQ(Window().SiteOf(View(key))); }},
+        {"docked",
+         [this](const QString& key) { return YesNo(Window().DockAreaSize(key.toStdString()) >= 20); }},
         {"reopen-item",
          [this](const QString& key) {
              return Item("MenuFileReopen").menu()->actions().value(key.toInt())->text();
@@ -483,6 +485,12 @@ void Scenario::Run(const QString& line) {
             dialog_ = std::make_unique<TfrmSettings>();
         else
             dialog_ = std::make_unique<TfrmProcList>(Page());
+    } else if (command == u"dock") {
+        Window().DockView(View(first), tail.toStdString());
+    } else if (command == u"viewgeometry") {
+        const QStringList f = tail.split(u' ');
+        View(first).setGeometry(f.value(0).toInt(), f.value(1).toInt(), f.value(2).toInt(),
+                                f.value(3).toInt());
     } else if (command == u"resize") {
         dialog_->resize(first.toInt(), tail.toInt());
     } else if (command == u"set") {
