@@ -514,6 +514,12 @@ void Scenario::Run(const QString& line) {
         view.scrollTo(index);
         DoubleClick(*view.viewport(), view.visualRect(index).center());
         ProcessEvents();
+    } else if (command == u"askinteger") {
+        // The next number asked for is `rest`; the caption and label asked with are questions.
+        DialogHooks().AskInteger = [this, rest](QWidget*, const QString& caption, const QString& label, int) {
+            questions_ << caption + u'/' + label;
+            return std::optional<int>(rest.toInt());
+        };
     } else if (command == u"browse") {
         DialogHooks().PickFolder = [this, rest](QWidget*, const QString& start) {
             return start + Unescape(rest);
