@@ -110,8 +110,12 @@ protected:
         if (!action) throw std::runtime_error("no context item " + name.toStdString());
         return *action;
     }
+    QDialog& Dialog() {
+        if (!dialog_) throw std::runtime_error("no dialog open");
+        return *dialog_;
+    }
     TfrmProcList& ProcList() {
-        auto* list = qobject_cast<TfrmProcList*>(dialog_.get());
+        auto* list = qobject_cast<TfrmProcList*>(&Dialog());
         if (!list) throw std::runtime_error("no symbol list open");
         return *list;
     }
@@ -280,7 +284,7 @@ void Scenario::SetUp() {
         {"saveas", [this](const QString& rest) { saveAnswers_ << Unescape(rest); }},
         {"openas", [this](const QString& rest) { openAnswers_ << Unescape(rest); }},
         {"enddialog", [this](const QString&) { dialog_.reset(); }},
-        {"showdialog", [this](const QString&) { dialog_->show(); }},
+        {"showdialog", [this](const QString&) { Dialog().show(); }},
         {"kinds", [this](const QString& rest) { ProcList().SetKindMask(rest.toInt()); }},
         {"click", [this](const QString& rest) { Widget<QAbstractButton>(rest).click(); }},
         {"loaddecoders", [](const QString&) { LoadSpecialDecoderFlags(); }},
@@ -335,7 +339,7 @@ void Scenario::SetUp() {
         {"recent", [this] { return Recent(); }},
         {"sopath", [this] { return ToQ(Window().SoPath()); }},
         {"dialog-names", [this] { return modalDialogNames_.join(u'|'); }},
-        {"result", [this] { return QString::number(dialog_->result()); }},
+        {"result", [this] { return QString::number(Dialog().result()); }},
     };
 
     // What `expect WHAT KEY VALUE` compares with VALUE.
@@ -492,7 +496,7 @@ void Scenario::Run(const QString& line) {
         View(first).setGeometry(f.value(0).toInt(), f.value(1).toInt(), f.value(2).toInt(),
                                 f.value(3).toInt());
     } else if (command == u"resize") {
-        dialog_->resize(first.toInt(), tail.toInt());
+        Dialog().resize(first.toInt(), tail.toInt());
     } else if (command == u"set") {
         if (auto* edit = qobject_cast<QLineEdit*>(&Widget(first)))
             edit->setText(Unescape(tail));
@@ -610,7 +614,7 @@ void Scenario::Expect(const QString& line) {
         ASSERT_TRUE(symbol);
         EXPECT_EQ(ToQ(SymbolHintText(*symbol)), Unescape(tail));
     } else if (what == u"label") {
-        const auto labels = dialog_->findChildren<QLabel*>();
+        const auto labels = Dialog().findChildren<QLabel*>();
         EXPECT_TRUE(
             std::any_of(labels.begin(), labels.end(), [&](const QLabel* l) { return l->text() == want; }));
     } else {
