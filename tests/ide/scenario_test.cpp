@@ -8,6 +8,7 @@
 #include "ide/ide_ini.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
+#include "ide/problem_markers.h"
 #include "ide/problems_view.h"
 #include "ide/proc_list.h"
 #include "ide/reg_mru.h"
@@ -340,6 +341,20 @@ void Scenario::SetUp() {
         {"recent", [this] { return Recent(); }},
         {"sopath", [this] { return ToQ(Window().SoPath()); }},
         {"dialog-names", [this] { return modalDialogNames_.join(u'|'); }},
+        {"problems", [this] { return QString::number(Window().ProblemsView().Entries().size()); }},
+        {"marks",
+         [this] {
+             QStringList lines;
+             for (const int line : TProblemMarkers::Of(*Page().Memo()).MarkedLines())
+                 lines << QString::number(line);
+             return lines.join(u' ');
+         }},
+        {"underlined",
+         [this] {
+             const auto indicator = static_cast<unsigned long>(TProblemMarkers::kErrorIndicator);
+             return YesNo(Page().Memo()->SendScintilla(QsciScintillaBase::SCI_INDICATOREND, indicator, 0L) !=
+                          0);
+         }},
         {"result", [this] { return QString::number(Dialog().result()); }},
     };
 
