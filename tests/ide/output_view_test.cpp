@@ -1,5 +1,5 @@
-// The output list: lines in batches, their kinds and colours, the context menu, stepping through messages,
-// and where a message points.
+// The output list: lines in batches, their kinds and where a message points (colours, the context menu and
+// stepping through messages are scenarios).
 #include "ide/iff_view.h"
 #include "ide/main_window.h"
 #include "ide/message_location.h"
@@ -9,12 +9,7 @@
 
 #include <map>
 
-#include <QAction>
-#include <QApplication>
-#include <QBrush>
-#include <QClipboard>
 #include <QListView>
-#include <QMenu>
 #include <Qsci/qsciscintilla.h>
 
 namespace velkor::test {
@@ -62,45 +57,6 @@ TEST_F(OutputViewTest, AHundredThousandLinesArriveAsOneBatch) {
     // The newest line is in view.
     const QRect last = output.ListBox1()->visualRect(output.Model().index(99999));
     EXPECT_TRUE(output.ListBox1()->viewport()->rect().intersects(last));
-}
-
-TEST_F(OutputViewTest, ErrorsAndHintsAreColoured) {
-    TfrmMain window({});
-    for (const char* line :
-         {"[d, 1] ERROR: bad", "[d, 2] HINT: odd", "[d, 3] plain", "[d, 4] ** d.mis ** (1 bytes)"})
-        window.Output(line);
-    TfrmOutput& output = window.OutputView();
-    output.Flush();
-    const auto colour = [&](int row) { return output.Model().index(row).data(Qt::ForegroundRole); };
-    ASSERT_TRUE(colour(0).canConvert<QBrush>());
-    ASSERT_TRUE(colour(1).canConvert<QBrush>());
-    EXPECT_FALSE(colour(2).isValid());
-    EXPECT_NE(colour(0).value<QBrush>().color(), colour(1).value<QBrush>().color());
-    EXPECT_GT(colour(0).value<QBrush>().color().red(), 150);
-    EXPECT_GT(colour(1).value<QBrush>().color().blue(), 150);
-    EXPECT_NE(colour(3).value<QBrush>().color(), colour(0).value<QBrush>().color());
-}
-
-TEST_F(OutputViewTest, CopyAndClearInTheContextMenu) {
-    TfrmMain window({});
-    TfrmOutput& output = window.OutputView();
-    for (const char* line : {"one", "two", "three"}) window.Output(line);
-    output.Flush();
-    QMenu* menu = output.ContextMenu();
-    QAction* copy = menu->findChild<QAction*>(QStringLiteral("OutputCopy"));
-    QAction* clear = menu->findChild<QAction*>(QStringLiteral("OutputClear"));
-    ASSERT_NE(copy, nullptr);
-    ASSERT_NE(clear, nullptr);
-    EXPECT_EQ(copy->text(), QStringLiteral("&Copy"));
-    EXPECT_EQ(clear->text(), QStringLiteral("C&lear"));
-    QItemSelectionModel* selection = output.ListBox1()->selectionModel();
-    selection->select(output.Model().index(0), QItemSelectionModel::ClearAndSelect);
-    selection->select(output.Model().index(2), QItemSelectionModel::Select);
-    copy->trigger();
-    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("one\nthree"));
-    clear->trigger();
-    EXPECT_TRUE(output.Lines().isEmpty());
-    EXPECT_EQ(output.CurrentRow(), -1);
 }
 
 TEST_F(OutputViewTest, TheListKeepsItsLastLineCurrentAndTheIffViewItsBytes) {

@@ -8,6 +8,7 @@
 #include "ide/ide_ini.h"
 #include "ide/iff_decode.h"
 #include "ide/iff_view.h"
+#include "ide/output_model.h"
 #include "ide/problem_markers.h"
 #include "ide/problems_view.h"
 #include "ide/proc_list.h"
@@ -17,6 +18,7 @@
 #include "tests/ide/edit_page_test_support.h"
 
 #include <QAction>
+#include <QBrush>
 #include <QClipboard>
 #include <QComboBox>
 #include <QKeySequence>
@@ -155,6 +157,11 @@ protected:
                                                          {"problems", &w.ProblemsView()}};
         return *views.at(name);
     }
+    QAction& Action(const QString& name) {
+        auto* action = Window().findChild<QAction*>(name);
+        if (!action) throw std::runtime_error("no action " + name.toStdString());
+        return *action;
+    }
     QStringList CompletionRows() {
         QStringList rows;
         for (int i = 0; i < Page().Completion().List()->count(); ++i)
@@ -277,7 +284,12 @@ void Scenario::SetUp() {
         {"unmodify", [this](const QString&) { Page().SetModified(false); }},
         {"modify", [this](const QString&) { Page().SetModified(true); }},
         {"iff", [this](const QString& rest) { Window().IffView().SetText(Unescape(rest)); }},
-        {"output", [this](const QString& rest) { Window().Output(rest.toStdString()); }},
+        {"action", [this](const QString& rest) { Action(rest).trigger(); }},
+        {"output",
+         [this](const QString& rest) {
+             Window().Output(rest.toStdString());
+             Window().OutputView().Flush();
+         }},
         {"tick", [this](const QString&) { Window().TimerTick(); }},
         {"compile", [=, this](const QString& rest) { ok(Page().Compile(), rest); }},
         {"save", [=, this](const QString& rest) { ok(Page().Save(), rest); }},
@@ -312,6 +324,7 @@ void Scenario::SetUp() {
         {"help-page", [this] { return QString::fromStdString(Window().HelpView().CurrentPage()); }},
         {"help-root", [this] { return QString::fromStdString(Window().HelpView().HelpRoot()); }},
         {"help-shown", [this] { return YesNo(!Window().HelpView().isHidden()); }},
+        {"clipboard", [] { return QApplication::clipboard()->text(); }},
         {"urls", [this] { return urls_.join(u'|'); }},
         {"completion-open", [this] { return YesNo(Page().Completion().IsOpen()); }},
         {"completion-rows", [this] { return CompletionRows().join(u'|'); }},
@@ -372,6 +385,12 @@ void Scenario::SetUp() {
         {"site", [this](const QString& key) { return ToQ(Window().SiteOf(View(key))); }},
         {"docked",
          [this](const QString& key) { return YesNo(Window().DockAreaSize(key.toStdString()) >= 20); }},
+        {"action-text", [this](const QString& key) { return Action(key).text(); }},
+        {"colour",
+         [this](const QString& key) {
+             const QVariant brush = Window().OutputView().Model().index(key.toInt()).data(Qt::ForegroundRole);
+             return brush.isValid() ? brush.value<QBrush>().color().name() : QStringLiteral("none");
+         }},
         {"reopen-item",
          [this](const QString& key) {
              return Item("MenuFileReopen").menu()->actions().value(key.toInt())->text();
@@ -547,6 +566,11 @@ void Scenario::Run(const QString& line) {
             questions_ << caption + u'/' + label;
             return std::optional<int>(rest.toInt());
         };
+    } else if (command == u"select") {
+        auto& view = Widget<QAbstractItemView>(first);
+        view.selectionModel()->clear();
+        for (const QString& row : tail.split(u' '))
+            view.selectionModel()->select(view.model()->index(row.toInt(), 0), QItemSelectionModel::Select);
     } else if (command == u"browse") {
         DialogHooks().PickFolder = [this, rest](QWidget*, const QString& start) {
             return start + Unescape(rest);
