@@ -425,8 +425,9 @@ void Scenario::SetUp() {
 }
 
 void Scenario::Run(const QString& line) {
-    const auto [command, rest] = Split(line);
-    const auto [first, tail] = Split(rest);
+    // Plain names, not structured bindings: lambdas below capture them.
+    const QString command = Split(line).first, rest = Split(line).second;
+    const QString first = Split(rest).first, tail = Split(rest).second;
     if (command == u"expect") return Expect(rest);
     if (const auto simple = commands_.find(command); simple != commands_.end()) return simple->second(rest);
     if (command == u"ini") {
@@ -588,8 +589,8 @@ void Scenario::Run(const QString& line) {
 }
 
 void Scenario::Expect(const QString& line) {
-    const auto [what, rest] = Split(line);
-    const auto [key, tail] = Split(rest);
+    const QString what = Split(line).first, rest = Split(line).second;
+    const QString key = Split(rest).first, tail = Split(rest).second;
     const QString want = Unescape(rest);
     if (const auto value = values_.find(what); value != values_.end()) {
         EXPECT_EQ(value->second(), want);
