@@ -62,9 +62,11 @@ TBuildText LinkForBuild(TCompiler& compiler) {
     }
     std::size_t at = std::string::npos;
     build.Text = compiler.Link(&at);
+    // A unit kind without a listing in its text leaves CodeList as Link does.
+    if (at == std::string::npos) return build;
     build.Listing = std::move(compiler.Data().CodeList);
     compiler.Data().CodeList.clear();
-    if (at != std::string::npos && TextReadsAlone(std::string_view(build.Text).substr(0, at))) {
+    if (TextReadsAlone(std::string_view(build.Text).substr(0, at))) {
         build.ListingAt = at;
         return build;
     }
@@ -72,14 +74,14 @@ TBuildText LinkForBuild(TCompiler& compiler) {
     std::string whole;
     whole.reserve(build.Text.size() + build.Listing.TextSize() + build.Listing.size() * (kListingIndent + 2));
     const std::string_view text = build.Text;
-    whole.append(text.substr(0, at == std::string::npos ? text.size() : at));
+    whole.append(text.substr(0, at));
     const std::string indent(kListingIndent, ' ');
     build.Listing.Drain([&](std::string_view line) {
         whole += indent;
         whole += line;
         whole += "\r\n";
     });
-    if (at != std::string::npos) whole.append(text.substr(at));
+    whole.append(text.substr(at));
     build.Text = std::move(whole);
     return build;
 }
