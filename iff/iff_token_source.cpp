@@ -43,7 +43,8 @@ bool IffTokenSource::TakeSplice() {
     if (!SplicePending() || inSplice_ || kind_ != tkDelimiter) return false;
     const std::int32_t expected = wrapLines_ ? spliceLine_ % 100000 : spliceLine_;
     const std::size_t at = static_cast<std::size_t>(scanner_->Position());
-    if (scanner_->Line() != expected || at > scanner_->Text().size() || scanner_->Text()[at - 1] != '\r')
+    if (scanner_->Line() != expected || at < 2 || at > scanner_->Text().size() ||
+        scanner_->Text()[at - 1] != '\r')
         return false;
     if (scanner_->Text()[at - 2] != '{') return false;
     spliceTaken_ = inSplice_ = true;
