@@ -9,28 +9,10 @@
 namespace velkor::test {
 namespace {
 
-QString BigUnit(int lines) {
-    QString text;
-    text.reserve(lines * 40);
-    text += QStringLiteral("mission big;\r\n");
-    for (int i = 1; i < lines; ++i) {
-        switch (i % 5) {
-        case 0: text += QStringLiteral("function f%1(a, b);\r\n").arg(i); break;
-        case 1:
-            text += QStringLiteral("begin /* block */ x := $%1 + %1010;\r\n").arg(i, 4, 16, QLatin1Char('0'));
-            break;
-        case 2: text += QStringLiteral("  if a > 2.5E+3 then inc(b); // note\r\n"); break;
-        case 3: text += QStringLiteral("  Msg(\"line %1\");\r\n").arg(i); break;
-        default: text += QStringLiteral("end;\r\n"); break;
-        }
-    }
-    return text;
-}
-
 class EditorPerformance : public EditorTest {};
 
 TEST_F(EditorPerformance, InputMethodsAreGivenTheCaretsLineNotTheWholeUnit) {
-    QString text = BigUnit(50000);
+    QString text = NumberedLines(50000);
     text.insert(text.indexOf(QStringLiteral("line 25003")), QString::fromUtf8("\xC3\xA9\xF0\x9D\x84\x9E"));
     Load(text, 25003);
     const QString line = edit->LineText(25003);
@@ -58,7 +40,7 @@ TEST_F(EditorPerformance, InputMethodsAreGivenTheCaretsLineNotTheWholeUnit) {
 
 TEST_F(EditorPerformance, WithoutAnAssistiveToolTheEditorIsAPlainAccessibleWidget) {
     ASSERT_FALSE(QAccessible::isActive());
-    Load(BigUnit(100));
+    Load(NumberedLines(100));
     QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(edit.get());
     ASSERT_NE(accessible, nullptr);
     EXPECT_EQ(accessible->role(), QAccessible::EditableText);

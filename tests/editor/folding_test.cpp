@@ -28,32 +28,11 @@ std::string Folds(std::string_view text, TFoldState state = {}, TFoldState* end 
     return out;
 }
 
-struct FoldCase {
-    const char* What;
-    const char* Text;
-    const char* Folds;
-};
-
 TEST(Folding, LinesOpenAndCloseBlocks) {
-    const FoldCase cases[] = {
-        {"function body", "function A;\nbegin\n  x := 1;\nend;\n", "0H 1 1 1"},
-        {"declarations without body", "function A; forward;\nfunction B(x); external;\nvar a;\n", "0 0 0"},
-        {"locals, nested begin",
-         "function A;\nvar a;\nbegin\n  if (a) then\n  begin\n    a := 1;\n  end;\nend;\n",
-         "0H 1 1 1 1H 2 2 1"},
-        {"objects", "object A (A) AS SHIP\n  x: 0;\nend;\nobject B (B) AS SHIP x: 0; end;\n", "0H 1 1 0"},
-        {"objective", "objective O\n  hidden: 0;\nEND;\n", "0H 1 1"},
-        {"textual IFF", "IFF \"a.iff\"\n{\n  FORM \"X\"\n  {\n    long 1\n  }\n}\n", "0 0H 1 1H 2 2 1"},
-        {"comments and strings", "// begin\n\"end\" /* { */\nbegin\nend;", "0 0 0H 1"},
-        {"block comment over lines", "/* begin\nend */ begin\nend;\n", "0 0H 1"},
-        {"case of the words", "BEGIN\nEnd;\n", "0H 1"},
-        {"one-line block", "begin end;\n", "0"},
-        {"end else begin", "begin\nx;\nend else begin\ny;\nend;\n", "0H 1 1 1 1"},
-        {"stray end", "end;\nbegin\nend;\n", "0 0H 1"},
-        {"CR LF breaks", "function A;\r\nbegin\r\nend;\r\n", "0H 1 1"},
-        {"words inside identifiers", "beginning := ending;\nobjects := 1;\n", "0 0"},
-    };
-    for (const FoldCase& c : cases) EXPECT_EQ(Folds(c.Text), c.Folds) << c.What;
+    for (const QStringList& row : test::Rows("folds.txt")) {
+        ASSERT_EQ(row.size(), 3);
+        EXPECT_EQ(Folds(test::Unescape(row[1])), row[2].toStdString()) << row[0].toStdString();
+    }
 }
 
 TEST(Folding, StateCarriesFromOneRangeToTheNext) {
@@ -70,26 +49,11 @@ TEST(Folding, StateCarriesFromOneRangeToTheNext) {
     }
 }
 
-struct MatchCase {
-    const char* What;
-    const char* Text; // "|" marks the caret, "^" the start of the expected partner (none: no match)
-};
-
 TEST(Folding, BlockWordsFindTheirPartner) {
-    const MatchCase cases[] = {
-        {"begin forward", "|begin\n  x;\n^end;"},
-        {"end backward, nested", "^begin\n  begin x end;\nend|;"},
-        {"inner pair", "function F;\nbegin\n  if (a) then |begin b; ^end;\nend;"},
-        {"caret inside end", "^object A (A) AS SHIP x: 0; e|nd;"},
-        {"objective", "|objective O hidden: 0; ^end;"},
-        {"end in a comment", "|begin // end\n^end;"},
-        {"end in a string", "|begin \"end\" ^end;"},
-        {"unmatched", "|begin\nbegin\nend;"},
-        {"caret on no block word", "x| := 1; begin end;"},
-        {"block word in a comment", "// |end\nbegin end;"},
-    };
-    for (const MatchCase& c : cases) {
-        std::string text = c.Text;
+    for (const QStringList& row : test::Rows("block_match.txt")) {
+        SCOPED_TRACE(row.join(u'\t').toStdString());
+        ASSERT_EQ(row.size(), 2);
+        std::string text = test::Unescape(row[1]);
         size_t caret = text.find('|');
         size_t partner = text.find('^');
         if (partner != std::string::npos && partner < caret) --caret;
@@ -98,13 +62,13 @@ TEST(Folding, BlockWordsFindTheirPartner) {
         text.erase(std::remove(text.begin(), text.end(), '^'), text.end());
         const std::optional<TBlockMatch> match = MatchBlockWord(text, lsCode, caret);
         if (partner == std::string::npos) {
-            EXPECT_FALSE(match.has_value()) << c.What;
+            EXPECT_FALSE(match.has_value());
             continue;
         }
-        ASSERT_TRUE(match.has_value()) << c.What;
-        EXPECT_EQ(match->Partner.Start, partner) << c.What;
-        EXPECT_LE(match->Word.Start, caret) << c.What;
-        EXPECT_GE(match->Word.Start + match->Word.Length, caret) << c.What;
+        ASSERT_TRUE(match.has_value());
+        EXPECT_EQ(match->Partner.Start, partner);
+        EXPECT_LE(match->Word.Start, caret);
+        EXPECT_GE(match->Word.Start + match->Word.Length, caret);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "editor_test_app.h"
 #include "scanner/scanner.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -23,22 +24,14 @@ std::string Styles(std::string_view text, int state = lsCode, std::vector<int>* 
     return styles;
 }
 
-TEST(Highlighter, TokenClassesOfOneLine) {
-    // clang-format off
-    EXPECT_EQ(Styles("mission m;"),        "kkkkkkkddo");
-    EXPECT_EQ(Styles("MISSION x:=-1"),     "kkkkkkkddooon");
-    EXPECT_EQ(Styles("$1F %1010 2.5E+3 1e5"), "nnndnnnnndnnnnnndnnn");
-    EXPECT_EQ(Styles("12xyz"),             "nnddd");
-    EXPECT_EQ(Styles("\"a//b\" x"),       "ssssssdd");
-    EXPECT_EQ(Styles("#DEFINE X"),         "pppppppdd");
-    EXPECT_EQ(Styles("# ifdef"),           "ppppppp");
-    EXPECT_EQ(Styles("a:=b// c"),          "doodcccc");
-    EXPECT_EQ(Styles("a:=/* c */b"),       "doocccccccd");
-    EXPECT_EQ(Styles("[a.b]{}"),           "ododooo");
-    EXPECT_EQ(Styles("if result then inc(x) else dec(aint)"),
-              "kkdkkkkkkdkkkkdkkkododkkkkdkkkokkkko");
-    EXPECT_EQ(Styles("ifx _if begin END"), "ddddddddkkkkkdkkk");
-    // clang-format on
+TEST(Highlighter, StylesFromTheTable) {
+    const std::map<QString, int> states = {
+        {"code", lsCode}, {"comment", lsBlockComment}, {"string", lsString}};
+    for (const QStringList& row : test::Rows("styles.txt")) {
+        ASSERT_EQ(row.size(), 3);
+        EXPECT_EQ(Styles(test::Unescape(row[1]), states.at(row[0])), row[2].toStdString())
+            << row[1].toStdString();
+    }
 }
 
 TEST(Highlighter, KeywordsAreTheScannersAndTheStatementWords) {
@@ -55,11 +48,6 @@ TEST(Highlighter, CommentsAndStringsRunAcrossLines) {
     EXPECT_EQ(Styles("a /* one\r\ntwo\r\nthree */ b\r\n\"s\r\nt\" c", lsCode, &states),
               "ddcccccccccccccccccccccddddssssssdd");
     EXPECT_EQ(states, (std::vector<int>{lsBlockComment, lsBlockComment, lsCode, lsString}));
-    // A line that starts inside a comment or a string.
-    EXPECT_EQ(Styles("x */ y", lsBlockComment), "ccccdd");
-    EXPECT_EQ(Styles("x\" y", lsString), "ssdd");
-    EXPECT_EQ(Styles("/*/ x", lsCode), "ccccc") << "\"/*/\" does not close";
-    EXPECT_EQ(Styles("// a\nb", lsCode), "ccccdd");
 }
 
 class HighlighterInEditor : public test::EditorTest {

@@ -1,26 +1,20 @@
-// Every default binding in the order it is installed, and keys sent to the editor as real key presses,
-// read from tests/cases/editor/bindings.txt and keys.txt.
+// Every default binding in the order it is installed, keys sent to the editor as real key presses (read
+// from tests/cases/editor/bindings.txt and keys.txt), two-key sequences and bindings changed at run time.
+#include "editor/key_event.h"
 #include "editor_test_app.h"
 
 #include <QClipboard>
-#include <QFile>
+#include <QKeyEvent>
 #include <QKeySequence>
+#include <QSignalSpy>
 #include <QTest>
+
+#include <set>
 
 namespace velkor::test {
 namespace {
 
 class KeyBindings : public EditorTest {};
-
-// The rows of tests/cases/editor/<name>: tab-separated fields; blank lines and "#" lines left out.
-std::vector<QStringList> Rows(const char* name) {
-    QFile file(QStringLiteral(VELKOR_SOURCE_DIR "/tests/cases/editor/") + QLatin1String(name));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
-    std::vector<QStringList> rows;
-    for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n'))
-        if (!line.trimmed().isEmpty() && !line.startsWith(u'#')) rows.push_back(line.split(u'\t'));
-    return rows;
-}
 
 QKeyCombination Key(const QString& name) {
     const QKeySequence seq(name, QKeySequence::PortableText);
@@ -33,33 +27,11 @@ unsigned ShiftOf(Qt::KeyboardModifiers mods) {
            (mods & Qt::AltModifier ? ssAlt : ssNone);
 }
 
-// A text with markers: \n for CR LF, | at the caret, ^ at the selection's other end.
-struct Marked {
-    QString text;
-    std::pair<int, int> caret{-1, -1}, anchor{-1, -1};
-};
-
-Marked Parse(QString s) {
-    s.replace(QStringLiteral("\\n"), QStringLiteral("\n"));
-    Marked m;
-    int line = 0, index = 0;
-    for (QChar c : s) {
-        if (c == u'|')
-            m.caret = {line, index};
-        else if (c == u'^')
-            m.anchor = {line, index};
-        else {
-            m.text += c == u'\n' ? QStringLiteral("\r\n") : QString(c);
-            c == u'\n' ? (++line, index = 0) : ++index;
-        }
-    }
-    return m;
-}
-
 TEST_F(KeyBindings, AllSeventyFourInTheirOrder) {
     const auto rows = Rows("bindings.txt");
     ASSERT_EQ(rows.size(), 74u);
     ASSERT_EQ(edit->KeyStrokes().Count(), 74);
+    std::set<std::pair<int, unsigned>> keys;
     for (int i = 0; i < 74; ++i) {
         const QStringList& row = rows[static_cast<size_t>(i)];
         SCOPED_TRACE(row.join(u' ').toStdString());
@@ -68,6 +40,7 @@ TEST_F(KeyBindings, AllSeventyFourInTheirOrder) {
         const QKeyCombination key = Key(row[1]);
         EXPECT_EQ(stroke.ShortCut, (TShortCut{key.key(), ShiftOf(key.keyboardModifiers())}));
         EXPECT_TRUE(stroke.ShortCut2.IsEmpty());
+        EXPECT_TRUE(keys.insert({stroke.ShortCut.Key, stroke.ShortCut.Shift}).second) << "bound twice";
     }
 }
 
@@ -77,28 +50,16 @@ TEST_F(KeyBindings, KeysDoTheirCommands) {
     for (const QStringList& row : rows) {
         SCOPED_TRACE(row.join(u'\t').toStdString());
         ASSERT_GE(row.size(), 3);
-        const Marked before = Parse(row[1]);
-        Load(before.text, before.caret.first, before.caret.second);
-        if (before.anchor.first >= 0)
-            edit->setSelection(before.anchor.first, before.anchor.second, before.caret.first,
-                               before.caret.second);
+        Load(Parse(row[1]));
         QApplication::clipboard()->setText(QStringLiteral("PASTE"));
         for (const QString& name : row[0].split(u' ')) {
             const QKeyCombination key = Key(name);
             QTest::keyClick(edit.get(), key.key(), key.keyboardModifiers());
         }
-        const Marked after = Parse(row[2]);
-        EXPECT_EQ(edit->text(), after.text);
-        if (after.caret.first >= 0) {
-            EXPECT_EQ(Caret(), after.caret);
-            int l1 = -1, i1 = -1, l2 = -1, i2 = -1;
-            edit->getSelection(&l1, &i1, &l2, &i2);
-            const auto anchor = after.anchor.first < 0             ? std::pair{-1, -1}
-                                : std::pair{l1, i1} == after.caret ? std::pair{l2, i2}
-                                                                   : std::pair{l1, i1};
-            EXPECT_EQ(anchor, after.anchor);
+        ExpectText(Parse(row[2]));
+        if (row.size() > 3) {
+            EXPECT_EQ(QApplication::clipboard()->text(), row[3]);
         }
-        if (row.size() > 3) EXPECT_EQ(QApplication::clipboard()->text(), row[3]);
     }
 }
 
@@ -123,9 +84,7 @@ TEST_F(KeyBindings, PagesAndScrolling) {
         edit->setFirstVisibleLine(r.top);
         const QKeyCombination key = Key(QString::fromLatin1(r.key));
         QTest::keyClick(edit.get(), key.key(), key.keyboardModifiers());
-        const bool selecting = key.keyboardModifiers() == Qt::ShiftModifier ||
-                               key.keyboardModifiers() == (Qt::ShiftModifier | Qt::ControlModifier);
-        EXPECT_EQ(edit->hasSelectedText(), selecting);
+        EXPECT_EQ(edit->hasSelectedText(), (key.keyboardModifiers() & Qt::ShiftModifier) != 0);
         if (r.wantTop >= 0) {
             EXPECT_EQ(Caret(), std::make_pair(r.wantLine, r.index));
             EXPECT_EQ(edit->firstVisibleLine(), r.wantTop);
@@ -148,6 +107,75 @@ TEST_F(KeyBindings, RemovedAndAddedBindings) {
     EXPECT_EQ(edit->text(), QStringLiteral("two"));
     QTest::keyClick(edit.get(), Qt::Key_7, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(edit->markersAtLine(0), 1u << 7) << "a bookmark shows in the margin";
+}
+
+const QString kText = QStringLiteral("first\r\nsecond\r\nthird");
+
+TEST_F(KeyBindings, TwoKeySequences) {
+    Load(kText, 1, 0);
+    edit->KeyStrokes().Add(ecDeleteLine, {Qt::Key_K, ssCtrl}, {Qt::Key_D, ssNone});
+    QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(edit->PendingShortCut(), (TShortCut{Qt::Key_K, ssCtrl}));
+    EXPECT_EQ(edit->text(), kText) << "the first key alone does nothing yet";
+    // Modifier keys pressed in between do not break the sequence.
+    QTest::keyClick(edit.get(), Qt::Key_Shift);
+    QTest::keyClick(edit.get(), Qt::Key_D);
+    EXPECT_EQ(edit->text(), QStringLiteral("first\r\nthird"));
+    EXPECT_TRUE(edit->PendingShortCut().IsEmpty());
+
+    // Sequences sharing a first key are told apart.
+    Load(kText, 1, 0);
+    edit->KeyStrokes().Add(ecEditorBottom, {Qt::Key_K, ssCtrl}, {Qt::Key_B, ssCtrl});
+    QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
+    QTest::keyClick(edit.get(), Qt::Key_B, Qt::ControlModifier);
+    EXPECT_EQ(edit->text(), kText);
+    EXPECT_EQ(Caret(), std::make_pair(2, 5));
+
+    // An unmatched second key acts on its own.
+    Load(kText, 0, 0);
+    QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
+    QTest::keyClick(edit.get(), Qt::Key_X);
+    EXPECT_EQ(Line(0), QStringLiteral("xfirst"));
+    QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
+    QTest::keyClick(edit.get(), Qt::Key_End);
+    EXPECT_EQ(Caret(), std::make_pair(0, 6));
+
+    // A single binding on the first key runs when no sequence follows.
+    Load(kText, 0, 0);
+    edit->KeyStrokes().Add(ecEditorBottom, {Qt::Key_K, ssCtrl});
+    QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(Caret(), std::make_pair(0, 0));
+    QTest::keyClick(edit.get(), Qt::Key_Left);
+    EXPECT_EQ(Caret(), std::make_pair(2, 4)) << "Ctrl+K went to the end, then Left";
+}
+
+TEST_F(KeyBindings, UserCommandsAndGotoAreSignalled) {
+    Load(kText, 0, 0);
+    QSignalSpy user(edit.get(), &TSyntaxEdit::UserCommand);
+    QSignalSpy gotoLine(edit.get(), &TSyntaxEdit::GotoRequested);
+    edit->KeyStrokes().Add(ecUserFirst + 4, {Qt::Key_F9, ssNone});
+    edit->KeyStrokes().Add(ecSelectGoto, {Qt::Key_G, ssCtrl | ssShift});
+    QTest::keyClick(edit.get(), Qt::Key_F9);
+    QTest::keyClick(edit.get(), Qt::Key_G, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_EQ(user.count(), 1);
+    EXPECT_EQ(user.at(0).at(0).toInt(), ecUserFirst + 4);
+    ASSERT_EQ(gotoLine.count(), 1);
+    EXPECT_TRUE(gotoLine.at(0).at(0).toBool());
+    edit->GotoPosition(2, 3, true);
+    EXPECT_EQ(edit->selectedText(), QStringLiteral("first\r\nsecond\r\nthi"));
+}
+
+TEST(KeyEvents, ShortcutOfAKeyEvent) {
+    TestApp();
+    const auto of = [](Qt::Key key, Qt::KeyboardModifiers mods) {
+        return ShortCutFromKeyEvent(QKeyEvent(QEvent::KeyPress, key, mods));
+    };
+    EXPECT_EQ(of(Qt::Key_Enter, Qt::KeypadModifier), (TShortCut{Qt::Key_Return, ssNone}));
+    EXPECT_EQ(of(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier),
+              (TShortCut{Qt::Key_Z, ssShift | ssCtrl}));
+    EXPECT_EQ(of(Qt::Key_Backtab, Qt::ShiftModifier), (TShortCut{Qt::Key_Tab, ssShift}));
+    EXPECT_TRUE(IsModifierKey(Qt::Key_Control));
+    EXPECT_FALSE(IsModifierKey(Qt::Key_A));
 }
 
 } // namespace
