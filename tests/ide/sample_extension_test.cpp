@@ -18,7 +18,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
-#include <filesystem>
 
 namespace velkor::test {
 namespace {
@@ -43,16 +42,14 @@ protected:
         return names;
     }
     static QAction* Item(const TfrmMain& window, const char* name) {
-        return window.findChild<QMenu*>(QStringLiteral("MenuExtensions"))
-            ->findChild<QAction*>(QString::fromLatin1(name));
+        return window.findChild<QMenu*>(QStringLiteral("MenuExtensions"))->findChild<QAction*>(name);
     }
     static QString LastOutput(TfrmMain& window) {
-        const QStringList lines = window.OutputView().Lines();
-        return lines.isEmpty() ? QString() : lines.back();
+        return window.OutputView().Lines().value(-1 + window.OutputView().Lines().size());
     }
 };
 
-TEST_F(SampleExtensionTest, TheExportsHandOutTheLiveObjects) {
+TEST_F(SampleExtensionTest, TheExportsHandOutTheLiveObjectsAndInitExtTheExecutable) {
     EXPECT_EQ(extGetMainForm(), nullptr);
     EXPECT_EQ(extGetActiveEdit(), nullptr);
     TfrmMain window({});
@@ -63,9 +60,7 @@ TEST_F(SampleExtensionTest, TheExportsHandOutTheLiveObjects) {
     window.CloseAll();
     ProcessEvents();
     EXPECT_EQ(extGetActiveEdit(), nullptr);
-}
-
-TEST_F(SampleExtensionTest, InitExtGetsTheExecutablesOwnModuleHandle) {
+    // init_ext gets the executable's own module handle.
     unsetenv("VELKOR_TEST_EXTENSION_HOST");
     ASSERT_EQ(LoadExtension(VELKOR_TEST_EXTENSION), "");
     char self[32];
@@ -155,9 +150,7 @@ TEST_F(SampleExtensionTest, ANameWithoutAFolderIsLookedForBesideTheExecutableAnd
         TfrmMain window({});
         // Written in another letter case, as settings files from Windows are.
         const std::string name = sample.filename().string();
-        std::string upper = name;
-        for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-        EXPECT_EQ(LoadExtension(upper), "");
+        EXPECT_EQ(LoadExtension(QString::fromStdString(name).toUpper().toStdString()), "");
         EXPECT_NE(Item(window, "SampleCountLines"), nullptr);
         EXPECT_EQ(LoadExtension("elsewhere_" + name),
                   "Could not load library \"elsewhere_" + name + "\": not found!");
@@ -182,9 +175,7 @@ TEST_F(SampleExtensionTest, ANameWithoutAFolderIsLookedForBesideTheExecutableAnd
     EXPECT_TRUE(messages_.isEmpty());
 }
 
-class ExtHandlerTest : public IdeTest {};
-
-TEST_F(ExtHandlerTest, FailuresAreMessagesNotCrashes) {
+TEST_F(SampleExtensionTest, LoaderFailuresAreMessagesNotCrashes) {
     EXPECT_EQ(LoadExtension("/no/such/lib.so"), "Could not load library \"/no/such/lib.so\": not found!");
     WriteFile(Dir() / "garbage.so", "not an ELF file");
     EXPECT_EQ(LoadExtension(Path("garbage.so")),
@@ -193,8 +184,7 @@ TEST_F(ExtHandlerTest, FailuresAreMessagesNotCrashes) {
               std::string("Library \"") + VELKOR_NO_ENTRY_EXTENSION + "\" has no entry init_ext");
 }
 
-TEST_F(ExtHandlerTest, TheLoadDialogLoadsAndRemembersTheFolder) {
-    TIniFile(IniPath()).WriteString("main", "sopath", "/so");
+TEST_F(SampleExtensionTest, TheLoadDialogLoadsAndRemembersTheFolder) {
     TfrmMain window({});
     unsetenv("VELKOR_TEST_EXTENSION_HOST");
     openAnswers_ << QString::fromUtf8(VELKOR_TEST_EXTENSION);
