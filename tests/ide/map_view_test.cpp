@@ -1,31 +1,21 @@
 // The map view: the objects of a compiled mission and of a decoded sector, the way back from an object
 // to its text, zooming and fitting, and the picture itself in the light and the dark palette (these last
 // also run under Xvfb, see CMakeLists.txt).
-#include "ide/edit_page.h"
-#include "ide/iff_view.h"
-#include "ide/main_window.h"
 #include "ide/map_canvas.h"
 #include "ide/map_links.h"
 #include "ide/map_view.h"
-#include "ide/output_view.h"
 #include "iff/map_symbols.h"
-#include "platform/executable_path.h"
-#include "platform/ini_file.h"
-#include "tests/ide/ide_test_support.h"
+#include "tests/ide/edit_page_test_support.h"
 #include "tests/ide/screenshot_support.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QHelpEvent>
-#include <QImage>
 #include <QPalette>
-#include <QPixmap>
 #include <QStyle>
 #include <QTest>
 #include <QToolTip>
 #include <QWheelEvent>
-
-#include <filesystem>
 
 namespace velkor::test {
 namespace {
@@ -56,9 +46,10 @@ protected:
     // Compiles the unit in a page of the window and shows the map of it.
     TfrmEdit* CompileAndMap(TfrmMain& window, const std::string& unit) {
         TfrmEdit* page = window.OpenFile(Path(unit), false);
-        EXPECT_NE(page, nullptr);
-        if (!page) return nullptr;
-        EXPECT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
+        if (!page || !page->Compile()) {
+            ADD_FAILURE() << window.OutputView().Lines().join(u'\n').toStdString();
+            return nullptr;
+        }
         window.MapView().show();
         window.MapView().Refresh();
         return page;
@@ -212,17 +203,6 @@ protected:
         MapViewTest::TearDown();
     }
 
-    static QPalette DarkPalette() {
-        QPalette dark;
-        dark.setColor(QPalette::Window, QColor(0x2B, 0x2B, 0x2B));
-        dark.setColor(QPalette::WindowText, QColor(0xE0, 0xE0, 0xE0));
-        dark.setColor(QPalette::Base, QColor(0x1E, 0x1E, 0x1E));
-        dark.setColor(QPalette::Text, QColor(0xE0, 0xE0, 0xE0));
-        dark.setColor(QPalette::Button, QColor(0x35, 0x35, 0x35));
-        dark.setColor(QPalette::ButtonText, QColor(0xE0, 0xE0, 0xE0));
-        return dark;
-    }
-
     // The map of the demo mission as the screen shows it, checked pixel by pixel where it matters.
     void CheckPicture(TMapTheme theme, const char* keepAs) {
         TfrmMain window({});
@@ -269,7 +249,15 @@ TEST_F(MapScreenshotTest, TheMapInTheLightAndTheDarkPalette) {
     light.setColor(QPalette::Window, QColor(0xEF, 0xEF, 0xEF));
     QApplication::setPalette(light);
     CheckPicture(TMapTheme::Light, "map_light.png");
-    QApplication::setPalette(DarkPalette());
+    QPalette dark;
+    for (const auto& [role, rgb] : {std::pair{QPalette::Window, 0x2B2B2B},
+                                    {QPalette::WindowText, 0xE0E0E0},
+                                    {QPalette::Base, 0x1E1E1E},
+                                    {QPalette::Text, 0xE0E0E0},
+                                    {QPalette::Button, 0x353535},
+                                    {QPalette::ButtonText, 0xE0E0E0}})
+        dark.setColor(role, QColor::fromRgb(rgb));
+    QApplication::setPalette(dark);
     CheckPicture(TMapTheme::Dark, "map_dark.png");
 }
 

@@ -1,8 +1,6 @@
 // The toolbar: its buttons run the menu's commands on the active page, Save is there when the page is
 // modified, the icons are drawn at any size, and View › Toolbar hides it for this and the next session.
-#include "ide/edit_page.h"
 #include "ide/iff_view.h"
-#include "ide/main_window.h"
 #include "ide/tool_bar.h"
 #include "tests/ide/edit_page_test_support.h"
 
@@ -10,10 +8,8 @@
 #include <QIcon>
 #include <QImage>
 #include <QMenu>
-#include <QMenuBar>
 #include <QTest>
 
-#include <fstream>
 #include <functional>
 
 namespace velkor::test {
@@ -25,12 +21,6 @@ protected:
         QAction* action = window.ToolBar().Button(QString::fromLatin1(button));
         ASSERT_NE(action, nullptr) << button;
         action->trigger();
-    }
-    static int OpaquePixels(const QImage& image) {
-        int count = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x) count += qAlpha(image.pixel(x, y)) > 128;
-        return count;
     }
 };
 
@@ -49,7 +39,10 @@ TEST_F(ToolBarTest, ButtonsInOrderWithIconsAtEverySize) {
             const QImage image = icon.pixmap(size, size).toImage();
             EXPECT_EQ(image.width(), size) << name.toStdString();
             // A drawing, not an empty square: at least a fifth of the square is covered.
-            EXPECT_GT(OpaquePixels(image), size * size / 5) << name.toStdString() << " at " << size;
+            int opaque = 0;
+            for (int y = 0; y < size; ++y)
+                for (int x = 0; x < size; ++x) opaque += qAlpha(image.pixel(x, y)) > 128;
+            EXPECT_GT(opaque, size * size / 5) << name.toStdString() << " at " << size;
         }
     }
     EXPECT_EQ(window.ToolBar().Button(QStringLiteral("ToolBuild"))->toolTip(),
@@ -99,10 +92,7 @@ TEST_F(ToolBarTest, SaveIsThereForAModifiedPage) {
     ASSERT_TRUE(save->isEnabled());
     save->trigger();
     EXPECT_FALSE(page.Modified());
-    std::ifstream file(demo, std::ios::binary);
-    std::string first;
-    std::getline(file, first);
-    EXPECT_EQ(first, "// saved\r");
+    EXPECT_EQ(ReadFile(demo), "// saved\r\n" + kDemoMission);
     EXPECT_FALSE(save->isEnabled());
     // Without a page only New and Open are left.
     window.CloseAll();
@@ -119,12 +109,9 @@ TEST_F(ToolBarTest, TheViewMenuHidesItForThisAndTheNextSession) {
     {
         TfrmMain window({});
         Show(window);
-        auto* view = window.menuBar()->findChild<QMenu*>(QStringLiteral("MenuView"));
-        ASSERT_NE(view, nullptr);
-        QAction* item = nullptr;
-        for (QAction* action : view->actions())
-            if (action->objectName() == "MenuViewToolBar") item = action;
-        ASSERT_NE(item, nullptr);
+        QAction* item = window.ToolBar().ViewItem();
+        EXPECT_EQ(item->objectName(), QStringLiteral("MenuViewToolBar"));
+        ASSERT_TRUE(window.findChild<QMenu*>(QStringLiteral("MenuView"))->actions().contains(item));
         EXPECT_EQ(item->text(), QStringLiteral("&Toolbar"));
         EXPECT_TRUE(item->isChecked());
         EXPECT_TRUE(window.ToolBar().isVisible());
