@@ -4,11 +4,7 @@
 // offscreen platform. With VELKOR_SCREENSHOT_DIR set it also leaves the pictures there
 // (scripts/screenshots.sh).
 #include "editor/highlighter.h"
-#include "ide/settings_dialog.h"
 #include "tests/ide/edit_page_test_support.h"
-#include "tests/ide/screenshot_support.h"
-
-#include <QComboBox>
 
 namespace velkor::test {
 namespace {

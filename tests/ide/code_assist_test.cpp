@@ -4,13 +4,7 @@
 #include "ide/proc_list.h"
 #include "iff/iff_strings.h"
 #include "tests/ide/edit_page_test_support.h"
-#include "tests/ide/screenshot_support.h"
 
-#include <QAction>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMenu>
-#include <QTest>
 #include <QTreeWidget>
 
 namespace velkor::test {

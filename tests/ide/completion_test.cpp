@@ -3,10 +3,6 @@
 // list shows.
 #include "ide/completion_popup.h"
 #include "tests/ide/edit_page_test_support.h"
-#include "tests/ide/screenshot_support.h"
-
-#include <QListWidget>
-#include <QTest>
 
 namespace velkor::test {
 namespace {

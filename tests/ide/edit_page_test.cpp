@@ -1,15 +1,6 @@
 // An editor page: atomic writing, compiling into the output and IFF views, and
 // building the binary files.
-#include "ide/edit_page.h"
-#include "ide/iff_view.h"
-#include "ide/main_window.h"
-#include "ide/output_view.h"
-#include "ide/reg_mru.h"
-#include "platform/ini_file.h"
 #include "tests/ide/edit_page_test_support.h"
-
-#include <QAction>
-#include <QMenu>
 
 #include <csignal>
 #include <sys/resource.h>

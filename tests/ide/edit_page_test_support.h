@@ -1,21 +1,30 @@
-// Shared by the tests of editor pages: a demo mission with one of each kind of symbol, an include unit
-// with a function, and files in the test's folder.
+// Shared by the tests of editor pages and windows: the units they open (tests/cases/ide/units/), files in
+// the test's folder, and the headers of the IDE and of Qt they all use.
 #pragma once
 
 #include "compiler/symbol_table.h"
 #include "ide/edit_page.h"
+#include "ide/iff_view.h"
 #include "ide/main_window.h"
 #include "ide/output_view.h"
+#include "ide/settings_dialog.h"
 #include "platform/executable_path.h"
 #include "platform/ini_file.h"
 #include "platform/numbers.h"
 #include "platform/strings.h"
 #include "tests/ide/ide_test_support.h"
+#include "tests/ide/screenshot_support.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
 #include <QString>
 #include <QTest>
 
+#include <filesystem>
 #include <ostream>
 #include <string>
 

@@ -1,22 +1,14 @@
 // The find and replace dialog itself: its controls, option bits, rules and history.
 #include "editor/search_options.h"
-#include "ide/edit_page.h"
 #include "ide/find_dialog.h"
-#include "ide/main_window.h"
 #include "tests/ide/edit_page_test_support.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QCheckBox>
-#include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStatusBar>
-
-#include <deque>
 
 namespace velkor::test {
 namespace {
@@ -47,7 +39,8 @@ TEST_F(FindDialogTest, ControlsCaptionsAndOptionBits) {
     for (const QPushButton* button : dialog.findChildren<QPushButton*>()) texts << button->text();
     texts.sort();
     QStringList expected;
-    for (const QStringList& row : ReadCases("find_dialog_captions.txt")) expected << row[0].mid(1, row[0].size() - 2);
+    for (const QStringList& row : ReadCases("find_dialog_captions.txt"))
+        expected << row[0].mid(1, row[0].size() - 2);
     EXPECT_EQ(texts, expected);
     EXPECT_TRUE(dialog.OkButton()->isDefault());
     EXPECT_NE(dialog.findChild<QStatusBar*>(), nullptr);

@@ -6,14 +6,10 @@
 #include "ide/map_view.h"
 #include "iff/map_symbols.h"
 #include "tests/ide/edit_page_test_support.h"
-#include "tests/ide/screenshot_support.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QHelpEvent>
 #include <QPalette>
 #include <QStyle>
-#include <QTest>
 #include <QToolTip>
 #include <QWheelEvent>
 

@@ -1,19 +1,9 @@
 // Extensions end to end in a running main window: the sample library's menu items with and without an
 // open page, the exports it reaches the IDE through, the start list, the Plugins tab, the load dialog and
 // the loader's failure messages.
-#include "ide/edit_page.h"
 #include "ide/ext_handler.h"
-#include "ide/main_window.h"
-#include "ide/output_view.h"
-#include "ide/settings_dialog.h"
 #include "ide/velkor_extension.h"
-#include "platform/executable_path.h"
-#include "platform/ini_file.h"
-#include "tests/ide/ide_test_support.h"
-
-#include <QAction>
-#include <QListWidget>
-#include <QMenu>
+#include "tests/ide/edit_page_test_support.h"
 
 #include <cstdio>
 #include <cstdlib>

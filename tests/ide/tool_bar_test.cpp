@@ -1,14 +1,10 @@
 // The toolbar: its buttons run the menu's commands on the active page, Save is there when the page is
 // modified, the icons are drawn at any size, and View › Toolbar hides it for this and the next session.
-#include "ide/iff_view.h"
 #include "ide/tool_bar.h"
 #include "tests/ide/edit_page_test_support.h"
 
-#include <QAction>
 #include <QIcon>
 #include <QImage>
-#include <QMenu>
-#include <QTest>
 
 #include <functional>
 

@@ -2,14 +2,10 @@
 // every screen or too small to use, dialogs are as large as their contents at any font size, the find box
 // completes only in its drop-down, the string list keeps its selected row in view, the hint comes quickly.
 #include "ide/find_dialog.h"
-#include "ide/iff_view.h"
 #include "ide/window_placement.h"
 #include "tests/ide/edit_page_test_support.h"
 
-#include <QComboBox>
-#include <QLineEdit>
 #include <QScreen>
-#include <QTest>
 
 namespace velkor::test {
 namespace {
