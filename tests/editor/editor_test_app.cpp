@@ -45,18 +45,10 @@ std::vector<QStringList> Rows(const char* name) {
     return rows;
 }
 
-std::string Unescape(const QString& field) {
-    std::string out;
-    const std::string in = field.toStdString();
-    for (std::size_t i = 0; i < in.size(); ++i) {
-        if (in[i] != '\\' || i + 1 == in.size()) {
-            out += in[i];
-            continue;
-        }
-        const char c = in[++i];
-        out += c == 'n' ? '\n' : c == 'r' ? '\r' : c == 't' ? '\t' : c;
-    }
-    return out;
+std::string Unescape(QString field) {
+    return field.replace(QStringLiteral("\\n"), QStringLiteral("\n"))
+        .replace(QStringLiteral("\\r"), QStringLiteral("\r"))
+        .toStdString();
 }
 
 Marked Parse(QString s) {

@@ -19,8 +19,8 @@ QApplication& TestApp();
 // The rows of tests/cases/editor/<name>: tab-separated fields; blank lines and "#" lines left out.
 std::vector<QStringList> Rows(const char* name);
 
-// `\n`, `\r`, `\t` and `\\` in a field of a table.
-std::string Unescape(const QString& field);
+// A field of a table with `\n` for LF and `\r` for CR.
+std::string Unescape(QString field);
 
 // A text with markers: \n for CR LF, | at the caret, ^ at the selection's other end.
 struct Marked {

@@ -30,16 +30,6 @@ std::string Styles(std::string_view text, int state = lsCode, std::vector<int>* 
     return styles;
 }
 
-TEST(Highlighter, StylesFromTheTable) {
-    const std::map<QString, int> states = {
-        {"code", lsCode}, {"comment", lsBlockComment}, {"string", lsString}};
-    for (const QStringList& row : test::Rows("styles.txt")) {
-        ASSERT_EQ(row.size(), 3);
-        EXPECT_EQ(Styles(test::Unescape(row[1]), states.at(row[0])), row[2].toStdString())
-            << row[1].toStdString();
-    }
-}
-
 TEST(Highlighter, KeywordsAreTheScannersAndTheStatementWords) {
     for (const auto& k : ScannerKeywords()) EXPECT_TRUE(IsSourceKeyword(k.word)) << k.word;
     for (const char* w : {"if", "then", "else", "while", "do", "until", "for", "to", "break", "inc", "dec",
@@ -65,20 +55,22 @@ protected:
     }
 };
 
-TEST_F(HighlighterInEditor, StylesASampleUnit) {
-    Load(QStringLiteral("mission demo;\r\n#include x\r\nvar a := $FF; // count\r\n/* long\r\ncomment */ "
-                        "b := \"text\";"));
-    EXPECT_EQ(StyleAt(0, 0), hsKeyword);
-    EXPECT_EQ(StyleAt(0, 8), hsDefault);
-    EXPECT_EQ(StyleAt(1, 0), hsDirective);
-    EXPECT_EQ(StyleAt(1, 5), hsDirective);
-    EXPECT_EQ(StyleAt(2, 6), hsOperator);
-    EXPECT_EQ(StyleAt(2, 9), hsNumber);
-    EXPECT_EQ(StyleAt(2, 16), hsComment);
-    EXPECT_EQ(StyleAt(3, 3), hsComment);
-    EXPECT_EQ(StyleAt(4, 2), hsComment);
-    EXPECT_EQ(StyleAt(4, 11), hsDefault);
-    EXPECT_EQ(StyleAt(4, 16), hsString);
+// Each row of the table styled on its own and, where it starts in code, as the whole text of an editor.
+TEST_F(HighlighterInEditor, StylesFromTheTable) {
+    const std::map<QString, int> states = {
+        {"code", lsCode}, {"comment", lsBlockComment}, {"string", lsString}};
+    for (const QStringList& row : test::Rows("styles.txt")) {
+        ASSERT_EQ(row.size(), 3);
+        const std::string text = test::Unescape(row[1]);
+        EXPECT_EQ(Styles(text, states.at(row[0])), row[2].toStdString()) << row[1].toStdString();
+        if (row[0] != u"code") continue;
+        Load(QString::fromStdString(text));
+        std::string shown;
+        edit->SendScintilla(QsciScintillaBase::SCI_COLOURISE, 0L, -1L);
+        for (long i = 0; i < edit->SendScintilla(QsciScintillaBase::SCI_GETLENGTH); ++i)
+            shown += "dcknspo?"[std::min(edit->SendScintilla(QsciScintillaBase::SCI_GETSTYLEAT, i), 7L)];
+        EXPECT_EQ(shown, row[2].toStdString()) << "in the editor: " << row[1].toStdString();
+    }
 }
 
 TEST_F(HighlighterInEditor, OpeningAndClosingACommentFarAboveRestylesBelow) {

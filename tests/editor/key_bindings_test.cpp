@@ -17,8 +17,6 @@
 namespace velkor::test {
 namespace {
 
-class KeyBindings : public EditorTest {};
-
 QKeyCombination Key(const QString& name) {
     const QKeySequence seq(name, QKeySequence::PortableText);
     EXPECT_EQ(seq.count(), 1) << name.toStdString();
@@ -29,6 +27,23 @@ unsigned ShiftOf(Qt::KeyboardModifiers mods) {
     return (mods & Qt::ShiftModifier ? ssShift : ssNone) | (mods & Qt::ControlModifier ? ssCtrl : ssNone) |
            (mods & Qt::AltModifier ? ssAlt : ssNone);
 }
+
+TShortCut ShortCutOf(QKeyCombination key) {
+    return {key.key(), ShiftOf(key.keyboardModifiers())};
+}
+
+class KeyBindings : public EditorTest {
+protected:
+    // Presses the keys (names separated by blanks) in the marked text before and checks the text after.
+    void Press(const QString& keys, const QString& before, const QString& after) {
+        Load(Parse(before));
+        for (const QString& name : keys.split(u' ')) {
+            const QKeyCombination key = Key(name);
+            QTest::keyClick(edit.get(), key.key(), key.keyboardModifiers());
+        }
+        ExpectText(Parse(after));
+    }
+};
 
 TEST_F(KeyBindings, AllSeventyFourInTheirOrder) {
     const auto rows = Rows("bindings.txt");
@@ -41,7 +56,7 @@ TEST_F(KeyBindings, AllSeventyFourInTheirOrder) {
         const TKeyStroke& stroke = edit->KeyStrokes()[i];
         EXPECT_EQ(stroke.Command, EditorCommandFromName(row[0].toStdString()).value_or(-1));
         const QKeyCombination key = Key(row[1]);
-        EXPECT_EQ(stroke.ShortCut, (TShortCut{key.key(), ShiftOf(key.keyboardModifiers())}));
+        EXPECT_EQ(stroke.ShortCut, ShortCutOf(key));
         EXPECT_TRUE(stroke.ShortCut2.IsEmpty());
         EXPECT_TRUE(keys.insert({stroke.ShortCut.Key, stroke.ShortCut.Shift}).second) << "bound twice";
     }
@@ -53,13 +68,8 @@ TEST_F(KeyBindings, KeysDoTheirCommands) {
     for (const QStringList& row : rows) {
         SCOPED_TRACE(row.join(u'\t').toStdString());
         ASSERT_GE(row.size(), 3);
-        Load(Parse(row[1]));
         QApplication::clipboard()->setText(QStringLiteral("PASTE"));
-        for (const QString& name : row[0].split(u' ')) {
-            const QKeyCombination key = Key(name);
-            QTest::keyClick(edit.get(), key.key(), key.keyboardModifiers());
-        }
-        ExpectText(Parse(row[2]));
+        Press(row[0], row[1], row[2]);
         if (row.size() > 3) {
             EXPECT_EQ(QApplication::clipboard()->text(), row[3]);
         }
@@ -100,57 +110,30 @@ TEST_F(KeyBindings, PagesAndScrolling) {
     }
 }
 
-TEST_F(KeyBindings, RemovedAndAddedBindings) {
-    Load(QStringLiteral("one\r\ntwo"), 0, 0);
-    edit->KeyStrokes().Delete(edit->KeyStrokes().FindShortcut({Qt::Key_Y, ssCtrl}));
-    QTest::keyClick(edit.get(), Qt::Key_Y, Qt::ControlModifier);
-    EXPECT_EQ(edit->text(), QStringLiteral("one\r\ntwo"));
-    edit->KeyStrokes().Add(ecDeleteLine, {Qt::Key_L, ssCtrl});
-    QTest::keyClick(edit.get(), Qt::Key_L, Qt::ControlModifier);
-    EXPECT_EQ(edit->text(), QStringLiteral("two"));
+TEST_F(KeyBindings, SequencesAndChangedBindings) {
+    for (const QStringList& row : Rows("sequences.txt")) {
+        SCOPED_TRACE(row.join(u'\t').toStdString());
+        ASSERT_EQ(row.size(), 4);
+        TearDown();
+        SetUp();
+        for (const QString& binding : row[0].split(u' ')) {
+            const QStringList parts = binding.split(u'=');
+            if (binding.startsWith(u'-') && binding.size() > 1) {
+                edit->KeyStrokes().Delete(edit->KeyStrokes().FindShortcut(ShortCutOf(Key(binding.mid(1)))));
+            } else if (parts.size() == 2) {
+                const QKeySequence keys(parts[1], QKeySequence::PortableText);
+                edit->KeyStrokes().Add(EditorCommandFromName(parts[0].toStdString()).value_or(-1),
+                                       ShortCutOf(keys[0]),
+                                       keys.count() > 1 ? ShortCutOf(keys[1]) : TShortCut{});
+            }
+        }
+        Press(row[1], row[2], row[3]);
+    }
     QTest::keyClick(edit.get(), Qt::Key_7, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(edit->markersAtLine(0), 1u << 7) << "a bookmark shows in the margin";
 }
 
 const QString kText = QStringLiteral("first\r\nsecond\r\nthird");
-
-TEST_F(KeyBindings, TwoKeySequences) {
-    Load(kText, 1, 0);
-    edit->KeyStrokes().Add(ecDeleteLine, {Qt::Key_K, ssCtrl}, {Qt::Key_D, ssNone});
-    QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
-    EXPECT_EQ(edit->PendingShortCut(), (TShortCut{Qt::Key_K, ssCtrl}));
-    EXPECT_EQ(edit->text(), kText) << "the first key alone does nothing yet";
-    // Modifier keys pressed in between do not break the sequence.
-    QTest::keyClick(edit.get(), Qt::Key_Shift);
-    QTest::keyClick(edit.get(), Qt::Key_D);
-    EXPECT_EQ(edit->text(), QStringLiteral("first\r\nthird"));
-    EXPECT_TRUE(edit->PendingShortCut().IsEmpty());
-
-    // Sequences sharing a first key are told apart.
-    Load(kText, 1, 0);
-    edit->KeyStrokes().Add(ecEditorBottom, {Qt::Key_K, ssCtrl}, {Qt::Key_B, ssCtrl});
-    QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
-    QTest::keyClick(edit.get(), Qt::Key_B, Qt::ControlModifier);
-    EXPECT_EQ(edit->text(), kText);
-    EXPECT_EQ(Caret(), std::make_pair(2, 5));
-
-    // An unmatched second key acts on its own.
-    Load(kText, 0, 0);
-    QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
-    QTest::keyClick(edit.get(), Qt::Key_X);
-    EXPECT_EQ(Line(0), QStringLiteral("xfirst"));
-    QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
-    QTest::keyClick(edit.get(), Qt::Key_End);
-    EXPECT_EQ(Caret(), std::make_pair(0, 6));
-
-    // A single binding on the first key runs when no sequence follows.
-    Load(kText, 0, 0);
-    edit->KeyStrokes().Add(ecEditorBottom, {Qt::Key_K, ssCtrl});
-    QTest::keyClick(edit.get(), Qt::Key_K, Qt::ControlModifier);
-    EXPECT_EQ(Caret(), std::make_pair(0, 0));
-    QTest::keyClick(edit.get(), Qt::Key_Left);
-    EXPECT_EQ(Caret(), std::make_pair(2, 4)) << "Ctrl+K went to the end, then Left";
-}
 
 TEST_F(KeyBindings, UserCommandsAndGotoAreSignalled) {
     Load(kText, 0, 0);
