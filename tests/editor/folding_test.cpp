@@ -83,12 +83,30 @@ protected:
         return static_cast<int>(edit->SendScintilla(QsciScintillaBase::SCI_GETFOLDLEVEL, line));
     }
     bool IsHeader(int line) const { return (Level(line) & QsciScintillaBase::SC_FOLDLEVELHEADERFLAG) != 0; }
-    bool Visible(int line) const {
-        return edit->SendScintilla(QsciScintillaBase::SCI_GETLINEVISIBLE, line) != 0;
+    // One letter per line: "H" for a fold header, "v" for another line; "h" and "." where hidden.
+    std::string Lines() const {
+        std::string out;
+        for (int line = 0; line < edit->lines(); ++line) {
+            const bool shown = edit->SendScintilla(QsciScintillaBase::SCI_GETLINEVISIBLE, line) != 0;
+            out += IsHeader(line) ? (shown ? 'H' : 'h') : (shown ? 'v' : '.');
+        }
+        return out;
     }
-    bool Marked(long position) const {
-        return edit->SendScintilla(QsciScintillaBase::SCI_INDICATORVALUEAT, TSyntaxEdit::kBlockMatchIndicator,
-                                   position) != 0;
+    // The runs of text the block match marks, as "line:text".
+    std::string MarkedWords() const {
+        std::string out;
+        const auto marked = [this](long at) {
+            return at >= 0 && edit->SendScintilla(QsciScintillaBase::SCI_INDICATORVALUEAT,
+                                                  TSyntaxEdit::kBlockMatchIndicator, at) != 0;
+        };
+        for (long at = 0; at < edit->SendScintilla(QsciScintillaBase::SCI_GETLENGTH); ++at) {
+            if (!marked(at)) continue;
+            if (!marked(at - 1))
+                out += (out.empty() ? "" : " ") +
+                       std::to_string(edit->SendScintilla(QsciScintillaBase::SCI_LINEFROMPOSITION, at)) + ':';
+            out += static_cast<char>(edit->SendScintilla(QsciScintillaBase::SCI_GETCHARAT, at));
+        }
+        return out;
     }
     void Settle() {
         QCoreApplication::processEvents();
@@ -111,36 +129,20 @@ constexpr const char* kUnit = "mission M;\r\n"           // 0
 TEST_F(FoldingEditorTest, FoldsBlockMatchesAndBracketsInTheEditor) {
     Load(QString::fromLatin1(kUnit));
     Settle();
-    for (int line : {1, 4, 8}) EXPECT_TRUE(IsHeader(line)) << line;
-    for (int line : {0, 2, 3, 5, 6, 7, 9, 10}) EXPECT_FALSE(IsHeader(line)) << line;
+    EXPECT_EQ(Lines(), "vHvvHvvvHvvv");
     // Clicking the fold box of the function hides its body, the next declaration stays.
     edit->foldLine(1);
-    for (int line = 2; line <= 7; ++line) EXPECT_FALSE(Visible(line)) << line;
-    EXPECT_TRUE(Visible(1));
-    EXPECT_TRUE(Visible(8));
+    EXPECT_EQ(Lines(), "vH..h...Hvvv");
     edit->foldLine(1);
-    for (int line = 2; line <= 7; ++line) EXPECT_TRUE(Visible(line)) << line;
+    EXPECT_EQ(Lines(), "vHvvHvvvHvvv");
 
-    // The caret on a block word marks it and its partner.
-    edit->SetCaret(4, 3);
-    Settle();
-    const long innerBegin = edit->positionFromLineIndex(4, 2);
-    const long innerEnd = edit->positionFromLineIndex(6, 2);
-    const long outerEnd = edit->positionFromLineIndex(7, 0);
-    EXPECT_TRUE(Marked(innerBegin));
-    EXPECT_TRUE(Marked(innerEnd));
-    EXPECT_FALSE(Marked(outerEnd));
-    // On the object's end: the object word and the end.
-    edit->SetCaret(10, 3);
-    Settle();
-    EXPECT_FALSE(Marked(innerBegin));
-    EXPECT_TRUE(Marked(edit->positionFromLineIndex(8, 0)));
-    EXPECT_TRUE(Marked(edit->positionFromLineIndex(10, 0)));
-    // Elsewhere nothing is marked.
-    edit->SetCaret(5, 5);
-    Settle();
-    EXPECT_FALSE(Marked(edit->positionFromLineIndex(8, 0)));
-    EXPECT_FALSE(Marked(edit->positionFromLineIndex(10, 0)));
+    // The caret on a block word marks it and its partner: the inner pair, the object and its end.
+    for (const auto& [line, index, marked] :
+         {std::tuple{4, 3, "4:begin 6:end"}, {10, 3, "8:object 10:end"}, {5, 5, ""}}) {
+        edit->SetCaret(line, index);
+        Settle();
+        EXPECT_EQ(MarkedWords(), marked) << line;
+    }
 
     // Brackets match only in code.
     edit->SetCaret(9, 5);
