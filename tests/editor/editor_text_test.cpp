@@ -93,21 +93,17 @@ TEST_F(EditorText, FilesKeepTheirEncodingAndLineBreaks) {
     EXPECT_THROW(edit->LoadFromFile(dir.path() / "missing.pas"), EInOutError);
 }
 
-// Whatever the editor opens it saves back byte for byte: NUL bytes (shown as marks), a byte-order mark,
-// binary data that is no valid UTF-8.
+// Whatever the editor opens it saves back byte for byte: the files of tests/cases/editor/files/ (NUL bytes,
+// shown as marks, a byte-order mark, binary data) and data that is no valid UTF-8.
 TEST_F(EditorText, EveryByteReadIsSavedBack) {
     TempDir dir;
     std::string binary;
     for (int i = 0; i < 151 * 1024; ++i) binary += static_cast<char>((i * 37 + i / 256) & 0xFF);
-    const std::vector<std::string> files = {
-        std::string("unit u;\r\n// a\0b\r\nvar x;\r\n\0\0end\r\n", 32),
-        "\xEF\xBB\xBFunit u;\r\n// caf\xC3\xA9\r\n",
-        std::string("FORM\0\0\0\x0C"
-                    "TEST"
-                    "DATA\0\0\0\0",
-                    20),
-        binary,
-    };
+    std::vector<std::string> files = {binary};
+    for (const auto& entry :
+         std::filesystem::directory_iterator(VELKOR_SOURCE_DIR "/tests/cases/editor/files"))
+        files.push_back(ReadFile(entry.path()));
+    ASSERT_GE(files.size(), 4u);
     for (std::size_t i = 0; i < files.size(); ++i) {
         SCOPED_TRACE(i);
         const auto path = dir.path() / "f.pas";
