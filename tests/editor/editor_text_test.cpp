@@ -39,14 +39,11 @@ TEST_F(EditorText, LinesCaretWordAndErrorLine) {
     EXPECT_EQ(Caret(), std::make_pair(0, 1));
 
     // The word at the cursor is made of identifier characters.
-    Load(QStringLiteral("x := Ship_1.speed + 2;"), 0, 7);
-    EXPECT_EQ(edit->WordAtCursor(), QStringLiteral("Ship_1"));
-    edit->setCursorPosition(0, 11); // just behind the word
-    EXPECT_EQ(edit->WordAtCursor(), QStringLiteral("Ship_1"));
-    edit->setCursorPosition(0, 12);
-    EXPECT_EQ(edit->WordAtCursor(), QStringLiteral("speed"));
-    edit->setCursorPosition(0, 18);
-    EXPECT_EQ(edit->WordAtCursor(), QString());
+    Load(QStringLiteral("x := Ship_1.speed + 2;"));
+    for (const auto& [index, word] : {std::pair{7, "Ship_1"}, {11, "Ship_1"}, {12, "speed"}, {18, ""}}) {
+        edit->setCursorPosition(0, index); // 11: just behind the word
+        EXPECT_EQ(edit->WordAtCursor(), QString::fromLatin1(word)) << index;
+    }
 
     // The error line is one full-line mark.
     Load(NumberedLines(20));

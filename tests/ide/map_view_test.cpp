@@ -53,17 +53,17 @@ protected:
 
     static int IndexNamed(TMapCanvas& canvas, const std::string& name) {
         const auto& objects = canvas.Objects();
-        for (std::size_t i = 0; i < objects.size(); ++i)
-            if (objects[i].Name == name) return static_cast<int>(i);
-        return -1;
+        const auto found =
+            std::find_if(objects.begin(), objects.end(), [&](auto& o) { return o.Name == name; });
+        return found == objects.end() ? -1 : static_cast<int>(found - objects.begin());
     }
 
     // The line (from 0) of the first line of the page's text that contains `text`.
     static int LineContaining(const TfrmEdit& page, const QString& text) {
         const QStringList lines = page.Text().split(u'\n');
-        for (int i = 0; i < lines.size(); ++i)
-            if (lines[i].contains(text)) return i;
-        return -1;
+        return static_cast<int>(
+            std::find_if(lines.begin(), lines.end(), [&](auto& l) { return l.contains(text); }) -
+            lines.begin());
     }
 
     static void DoubleClick(TMapCanvas& canvas, int object) {

@@ -34,8 +34,10 @@ protected:
     static QAction* Item(const TfrmMain& window, const char* name) {
         return window.findChild<QMenu*>(QStringLiteral("MenuExtensions"))->findChild<QAction*>(name);
     }
-    static QString LastOutput(TfrmMain& window) {
-        return window.OutputView().Lines().value(-1 + window.OutputView().Lines().size());
+    // Runs an item of the Extensions menu and gives the last line of the output view after it.
+    static QString Run(TfrmMain& window, const char* item) {
+        if (item) Item(window, item)->trigger();
+        return window.OutputView().Lines().value(window.OutputView().Lines().size() - 1);
     }
 };
 
@@ -64,15 +66,14 @@ TEST_F(SampleExtensionTest, ItsItemsWorkOnThePageComeOnceAndSayWhenNoPageIsOpen)
     ASSERT_EQ(LoadExtension(VELKOR_SAMPLE_EXTENSION), "");
     EXPECT_EQ(ExtensionMenuItems(window),
               (QStringList{"MenuExtLoad", "SampleCountLines", "SampleInsertTemplate"}));
-    EXPECT_EQ(LastOutput(window),
+    EXPECT_EQ(Run(window, nullptr),
               QStringLiteral("Sample extension: Extensions > Count Lines and Insert Template are ready"));
 
     TfrmEdit* page = window.ActivePage();
     ASSERT_NE(page, nullptr);
     page->Memo()->SetText(QStringLiteral("mission m;\r\n\r\nvar\r\n  kills = 0;"));
     window.OutputView().hide();
-    Item(window, "SampleCountLines")->trigger();
-    EXPECT_EQ(LastOutput(window), QStringLiteral("Count Lines: 4 lines"));
+    EXPECT_EQ(Run(window, "SampleCountLines"), QStringLiteral("Count Lines: 4 lines"));
     // The count is brought into view.
     EXPECT_FALSE(window.OutputView().isHidden());
 
@@ -85,8 +86,7 @@ TEST_F(SampleExtensionTest, ItsItemsWorkOnThePageComeOnceAndSayWhenNoPageIsOpen)
                                                    "end;\r\n"
                                                    "\r\nvar\r\n  kills = 0;"));
     EXPECT_TRUE(page->Modified());
-    Item(window, "SampleCountLines")->trigger();
-    EXPECT_EQ(LastOutput(window), QStringLiteral("Count Lines: 7 lines"));
+    EXPECT_EQ(Run(window, "SampleCountLines"), QStringLiteral("Count Lines: 7 lines"));
     // One undo takes the whole template out again.
     page->Memo()->undo();
     EXPECT_EQ(page->Memo()->Text(), QStringLiteral("mission m;\r\n\r\nvar\r\n  kills = 0;"));
@@ -102,20 +102,17 @@ TEST_F(SampleExtensionTest, ItsItemsWorkOnThePageComeOnceAndSayWhenNoPageIsOpen)
     window.CloseAll();
     ProcessEvents();
     ASSERT_EQ(window.ActivePage(), nullptr);
-    Item(window, "SampleCountLines")->trigger();
-    EXPECT_EQ(LastOutput(window), QStringLiteral("Count Lines: no active editor"));
-    Item(window, "SampleInsertTemplate")->trigger();
-    EXPECT_EQ(LastOutput(window), QStringLiteral("Insert Template: no active editor"));
+    EXPECT_EQ(Run(window, "SampleCountLines"), QStringLiteral("Count Lines: no active editor"));
+    EXPECT_EQ(Run(window, "SampleInsertTemplate"), QStringLiteral("Insert Template: no active editor"));
     EXPECT_TRUE(messages_.isEmpty());
 }
 
 TEST_F(SampleExtensionTest, TheStartListLoadsInFileOrderAndGoesOnPastAMissingLibrary) {
     const std::string missing = Path("no such extension.so");
-    TIniFile ini(IniPath());
-    ini.WriteString("autoloadext", VELKOR_ORDER_SECOND_EXTENSION, "1");
-    ini.WriteString("autoloadext", missing, "1");
-    ini.WriteString("autoloadext", VELKOR_ORDER_FIRST_EXTENSION, "1");
-    ini.WriteString("autoloadext", VELKOR_SAMPLE_EXTENSION, "1");
+    for (const std::string& name :
+         {std::string(VELKOR_ORDER_SECOND_EXTENSION), missing, std::string(VELKOR_ORDER_FIRST_EXTENSION),
+          std::string(VELKOR_SAMPLE_EXTENSION)})
+        TIniFile(IniPath()).WriteString("autoloadext", name, "1");
     TfrmMain window({});
     EXPECT_EQ(std::getenv("VELKOR_TEST_INIT_ORDER"), nullptr);
     window.show();
@@ -124,8 +121,7 @@ TEST_F(SampleExtensionTest, TheStartListLoadsInFileOrderAndGoesOnPastAMissingLib
     EXPECT_EQ(messages_,
               QStringList{QString::fromStdString("Could not load library \"" + missing + "\": not found!")});
     // The IDE went on: the library after the failure is there and works.
-    Item(window, "SampleCountLines")->trigger();
-    EXPECT_EQ(LastOutput(window), QStringLiteral("Count Lines: 1 line"));
+    EXPECT_EQ(Run(window, "SampleCountLines"), QStringLiteral("Count Lines: 1 line"));
     // A manual load of a library already started starts it again.
     openAnswers_ << QString::fromUtf8(VELKOR_ORDER_FIRST_EXTENSION);
     window.LoadExtensionDialog();
