@@ -97,7 +97,7 @@ TEST_F(FindDialogTest, EnablingRules) {
     EXPECT_TRUE(dialog.FindTextComboBox()->hasFocus() || dialog.FindTextComboBox()->lineEdit()->hasFocus());
 }
 
-TEST_F(FindDialogTest, HistoryHoldsEachTextOnceMostRecentFirst) {
+TEST_F(FindDialogTest, HistoryHoldsEachTextOnceMostRecentFirstAndTheBoxCompletesInItsDropDown) {
     TSyntaxFindDialog dialog;
     for (const char* text : {"alpha", "beta", "alpha", "gamma", "alpha"}) {
         dialog.SetFindText(QString::fromLatin1(text));
@@ -110,6 +110,17 @@ TEST_F(FindDialogTest, HistoryHoldsEachTextOnceMostRecentFirst) {
     EXPECT_EQ(Press(dialog, dialog.ReplaceAllButton()), TSyntaxFindDialog::kReplaceAllResult);
     EXPECT_EQ(dialog.FindHistory(), (QStringList{"beta", "alpha", "gamma"}));
     EXPECT_EQ(Press(dialog, dialog.CancelButton()), QDialog::Rejected);
+
+    // The find box completes only in its drop-down, not in the text typed.
+    dialog.show();
+    QComboBox* box = dialog.FindTextComboBox();
+    box->addItem(QStringLiteral("Foe(\\d)"));
+    box->setEditText(QString());
+    QTest::keyClicks(box->lineEdit(), QStringLiteral("Foe"));
+    EXPECT_EQ(box->currentText(), QStringLiteral("Foe"));
+    EXPECT_EQ(box->lineEdit()->selectedText(), QString());
+    QTest::keyClicks(box->lineEdit(), QStringLiteral("x"));
+    EXPECT_EQ(box->currentText(), QStringLiteral("Foex"));
 }
 
 } // namespace

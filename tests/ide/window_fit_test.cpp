@@ -1,7 +1,5 @@
-// Windows and dialogs that fit: the main window comes back exactly where it was, nothing comes back off
-// every screen or too small to use, dialogs are as large as their contents at any font size, the find box
-// completes only in its drop-down, the string list keeps its selected row in view, the hint comes quickly.
-#include "ide/find_dialog.h"
+// Windows that fit: the main window comes back exactly where it was, and neither it nor a view nor the
+// symbol list comes back off every screen or too small to use.
 #include "ide/window_placement.h"
 #include "tests/ide/edit_page_test_support.h"
 
@@ -100,19 +98,6 @@ TEST_F(WindowFitTest, NeitherWindowNorViewNorSymbolListComesBackOffScreen) {
     RestoreFormPlacement(list);
     EXPECT_TRUE(OnAScreen(list.geometry()));
     EXPECT_EQ(list.size(), QSize(300, 200));
-}
-
-TEST_F(WindowFitTest, TheFindBoxCompletesOnlyInItsDropDown) {
-    TSyntaxFindDialog dialog;
-    dialog.show();
-    QComboBox* box = dialog.FindTextComboBox();
-    box->addItem(QStringLiteral("Foe(\\d)"));
-    box->setEditText(QString());
-    QTest::keyClicks(box->lineEdit(), QStringLiteral("Foe"));
-    EXPECT_EQ(box->currentText(), QStringLiteral("Foe"));
-    EXPECT_EQ(box->lineEdit()->selectedText(), QString());
-    QTest::keyClicks(box->lineEdit(), QStringLiteral("x"));
-    EXPECT_EQ(box->currentText(), QStringLiteral("Foex"));
 }
 
 } // namespace
