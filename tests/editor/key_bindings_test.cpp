@@ -11,7 +11,6 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <fstream>
 #include <set>
 
 namespace velkor::test {
@@ -141,19 +140,12 @@ TEST_F(KeyBindings, UserCommandsAndGotoAreSignalled) {
 }
 
 // The command table, written out independently of the implementation's: one "name number" per line.
-std::vector<std::pair<std::string, TEditorCommand>> CommandTable() {
-    std::ifstream in(std::string(VELKOR_SOURCE_DIR) + "/tests/cases/editor/commands.txt");
-    std::vector<std::pair<std::string, TEditorCommand>> table;
-    std::string name;
-    TEditorCommand value = 0;
-    while (in >> name >> value) table.emplace_back(name, value);
-    return table;
-}
-
 TEST(EditorCommandNames, EveryCommandConvertsBothWays) {
-    const auto table = CommandTable();
+    const auto table = Rows("commands.txt");
     EXPECT_EQ(table.size(), 83u);
-    for (const auto& [name, value] : table) {
+    for (const QStringList& row : table) {
+        const std::string name = row[0].section(u' ', 0, 0).toStdString();
+        const TEditorCommand value = row[0].section(u' ', 1).toInt();
         EXPECT_EQ(EditorCommandToName(value).value_or("?"), name);
         EXPECT_EQ(EditorCommandFromName(name).value_or(-1), value) << name;
     }

@@ -176,20 +176,14 @@ TEST(MapLinks, ObjectFormsAndGameNamesAreFoundInTheText) {
     const std::string text =
         "IFF \"a.sec\"\r\n{\r\n  FORM \"OBJS\"\r\n  {\r\n    FORM \"OBJ_\"\r\n    {\r\n"
         "    }\r\n    form   \"OBJ_\" {}\r\n    // FORM \"OBJ_\"\r\n    FORM \"OBJ_\"\n}";
-    EXPECT_EQ(ObjectFormLine(text, 0), 4);
-    EXPECT_EQ(ObjectFormLine(text, 1), 7);
-    EXPECT_EQ(ObjectFormLine(text, 2), 9);
-    EXPECT_EQ(ObjectFormLine(text, 3), -1);
-    struct Case {
-        std::string line, name;
-    };
-    const Case cases[] = {
-        {"object Station (OutpostStation) AS CAPSHIP", "OutpostStation"},
-        {"object Gate ( \"JumpGate\" ) AS JUMPPOINT", "JumpGate"},
-        {"object Alpha1;", ""},
-        {"object Broken (Open AS SHIP", ""},
-    };
-    for (const Case& c : cases) EXPECT_EQ(GameNameOfDeclaration(c.line), c.name) << c.line;
+    for (const auto& [object, line] : {std::pair{0, 4}, {1, 7}, {2, 9}, {3, -1}})
+        EXPECT_EQ(ObjectFormLine(text, object), line) << object;
+    for (const auto& [line, name] :
+         {std::pair{"object Station (OutpostStation) AS CAPSHIP", "OutpostStation"},
+          {"object Gate ( \"JumpGate\" ) AS JUMPPOINT", "JumpGate"},
+          {"object Alpha1;", ""},
+          {"object Broken (Open AS SHIP", ""}})
+        EXPECT_EQ(GameNameOfDeclaration(line), name) << line;
 }
 
 class MapScreenshotTest : public MapViewTest {
