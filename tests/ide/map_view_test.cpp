@@ -19,11 +19,10 @@ namespace {
 const std::filesystem::path kSource(VELKOR_SOURCE_DIR);
 const std::filesystem::path kCampaign = kSource / "examples/campaign";
 
-class MapViewTest : public IdeTest {
+class MapViewTest : public PageTest {
 protected:
     void SetUp() override {
-        IdeTest::SetUp();
-        TIniFile(IniPath()).WriteString("main", "sopath", "/so");
+        PageTest::SetUp();
         // The mission with the units it includes and the string file it reads, in a folder of its own.
         for (const char* unit : {"patrol.pas", "common.pas", "frontier.pas"})
             std::filesystem::copy_file(kCampaign / unit, Dir() / unit);
@@ -32,11 +31,6 @@ protected:
         ASSERT_EQ(r.exitCode, 0) << r.err;
         // The library units the missions include, where "$compiler$\lib" points.
         std::filesystem::copy(kSource / "lib", Dir() / "lib", std::filesystem::copy_options::recursive);
-        SetExecutableFolderForTesting(Dir().string());
-    }
-    void TearDown() override {
-        SetExecutableFolderForTesting("");
-        IdeTest::TearDown();
     }
 
     // Compiles the unit in a page of the window and shows the map of it.
@@ -75,8 +69,7 @@ protected:
 
 TEST_F(MapViewTest, ACompiledMissionShowsItsObjectsLeadsToTheirDeclarationsAndZooms) {
     TfrmMain window({});
-    window.resize(1100, 800);
-    window.show();
+    Show(window, 1100, 800);
     TfrmEdit* page = CompileAndMap(window, "patrol.pas");
     ASSERT_NE(page, nullptr);
     TMapCanvas& canvas = *window.MapView().Canvas();
@@ -110,8 +103,7 @@ TEST_F(MapViewTest, ACompiledMissionShowsItsObjectsLeadsToTheirDeclarationsAndZo
     QTest::mousePress(&canvas, Qt::LeftButton, {}, middle.toPoint());
     QTest::mouseMove(&canvas, (middle + QPointF(30, -20)).toPoint());
     QTest::mouseRelease(&canvas, Qt::LeftButton, {}, (middle + QPointF(30, -20)).toPoint());
-    const TMapTransform moved = canvas.Scene().panels.at(0).transform;
-    EXPECT_NE(moved.originX, fitted.originX);
+    EXPECT_NE(canvas.Scene().panels.at(0).transform.originX, fitted.originX);
     window.MapView().findChild<QAction*>(QStringLiteral("MapFit"))->trigger();
     EXPECT_DOUBLE_EQ(canvas.Scene().panels.at(0).transform.scale, fitted.scale);
     EXPECT_DOUBLE_EQ(canvas.Scene().panels.at(0).transform.originX, fitted.originX);
@@ -196,9 +188,7 @@ protected:
     // The map of the demo mission as the screen shows it, checked pixel by pixel where it matters.
     void CheckPicture(TMapTheme theme, const char* keepAs) {
         TfrmMain window({});
-        window.resize(1100, 800);
-        window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        Show(window, 1100, 800);
         ASSERT_NE(CompileAndMap(window, "patrol.pas"), nullptr);
         TMapCanvas& canvas = *window.MapView().Canvas();
         ASSERT_EQ(canvas.Theme(), theme);
