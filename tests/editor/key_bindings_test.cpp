@@ -22,13 +22,11 @@ QKeyCombination Key(const QString& name) {
     return seq[0];
 }
 
-unsigned ShiftOf(Qt::KeyboardModifiers mods) {
-    return (mods & Qt::ShiftModifier ? ssShift : ssNone) | (mods & Qt::ControlModifier ? ssCtrl : ssNone) |
-           (mods & Qt::AltModifier ? ssAlt : ssNone);
-}
-
 TShortCut ShortCutOf(QKeyCombination key) {
-    return {key.key(), ShiftOf(key.keyboardModifiers())};
+    const Qt::KeyboardModifiers mods = key.keyboardModifiers();
+    return {key.key(), (mods & Qt::ShiftModifier ? ssShift : ssNone) |
+                           (mods & Qt::ControlModifier ? ssCtrl : ssNone) |
+                           (mods & Qt::AltModifier ? ssAlt : ssNone)};
 }
 
 class KeyBindings : public EditorTest {

@@ -12,17 +12,11 @@
 namespace velkor::test {
 namespace {
 
-class SampleExtensionTest : public IdeTest {
+class SampleExtensionTest : public PageTest {
 protected:
     void SetUp() override {
-        IdeTest::SetUp();
-        // A game folder, so that the first show does not open the settings dialog.
-        TIniFile(IniPath()).WriteString("main", "sopath", "/so");
+        PageTest::SetUp();
         unsetenv("VELKOR_TEST_INIT_ORDER");
-    }
-    void TearDown() override {
-        SetExecutableFolderForTesting("");
-        IdeTest::TearDown();
     }
 
     static QStringList ExtensionMenuItems(const TfrmMain& window) {

@@ -49,30 +49,23 @@ TEST_F(ToolBarTest, ButtonsRunTheMenuCommands) {
     TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
     const std::string demo = MakeFile("Demo.pas", kDemoMission);
     const std::string other = MakeFile("Other.pas", "unit Other;\r\n");
-    struct Case {
-        const char* Button;
-        std::function<void()> Before;
-        std::function<void(TfrmMain&)> Check;
+    openAnswers_ << QString::fromStdString(other); // for Open, the only button that asks
+    const std::pair<const char*, std::function<void(TfrmMain&)>> cases[] = {
+        {"ToolNew", [](TfrmMain& w) { EXPECT_EQ(w.Pages().size(), 2); }},
+        {"ToolOpen", [&](TfrmMain& w) { EXPECT_EQ(w.ActivePage(), w.FindPage(other)); }},
+        {"ToolCompile", [](TfrmMain& w) { EXPECT_TRUE(w.IffView().Text().contains("Attack")); }},
+        {"ToolFind", [&](TfrmMain&) { EXPECT_EQ(modalDialogNames_, QStringList{"SyntaxFindDialog"}); }},
+        {"ToolSymbolBrowser", [&](TfrmMain&) { EXPECT_EQ(modalDialogNames_, QStringList{"frmProcList"}); }},
     };
-    const Case cases[] = {
-        {"ToolNew", {}, [](TfrmMain& w) { EXPECT_EQ(w.Pages().size(), 2); }},
-        {"ToolOpen", [&] { openAnswers_ << QString::fromStdString(other); },
-         [&](TfrmMain& w) { EXPECT_EQ(w.ActivePage(), w.FindPage(other)); }},
-        {"ToolCompile", {}, [](TfrmMain& w) { EXPECT_TRUE(w.IffView().Text().contains("Attack")); }},
-        {"ToolFind", {}, [&](TfrmMain&) { EXPECT_EQ(modalDialogNames_, QStringList{"SyntaxFindDialog"}); }},
-        {"ToolSymbolBrowser",
-         {},
-         [&](TfrmMain&) { EXPECT_EQ(modalDialogNames_, QStringList{"frmProcList"}); }},
-    };
-    for (const Case& c : cases) {
+    for (const auto& [button, check] : cases) {
+        SCOPED_TRACE(button);
         modalDialogNames_.clear();
         TfrmMain window({QString::fromStdString(demo)});
-        if (c.Before) c.Before();
-        Press(window, c.Button);
+        Press(window, button);
         ProcessEvents();
-        SCOPED_TRACE(c.Button);
-        c.Check(window);
+        check(window);
     }
+    EXPECT_TRUE(openAnswers_.isEmpty());
 }
 
 TEST_F(ToolBarTest, SaveIsThereForAModifiedPage) {
