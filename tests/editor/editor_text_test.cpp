@@ -16,7 +16,7 @@ namespace {
 
 class EditorText : public EditorTest {};
 
-TEST_F(EditorText, LinesCaretWordAndErrorLine) {
+TEST_F(EditorText, LinesCaretWordErrorLineAndFont) {
     Load(QStringLiteral("a\r\nb\nc\rd"));
     EXPECT_EQ(edit->Lines(), (QStringList{"a", "b", "c", "d"}));
     EXPECT_EQ(edit->LineText(1), QStringLiteral("b"));
@@ -57,6 +57,10 @@ TEST_F(EditorText, LinesCaretWordAndErrorLine) {
     EXPECT_EQ(edit->ErrorLine(), -1);
     edit->SetErrorLine(500); // past the end: nothing, no crash
     EXPECT_EQ(edit->ErrorLine(), -1);
+
+    // A fixed-pitch font, keywords in bold.
+    EXPECT_TRUE(QFontInfo(edit->Highlighter()->defaultFont(hsDefault)).fixedPitch());
+    EXPECT_TRUE(edit->Highlighter()->defaultFont(hsKeyword).bold());
 }
 
 TEST_F(EditorText, FilesKeepTheirEncodingAndLineBreaks) {
@@ -112,12 +116,6 @@ TEST_F(EditorText, EveryByteReadIsSavedBack) {
         EXPECT_EQ(back.size(), files[i].size());
         EXPECT_TRUE(back == files[i]);
     }
-}
-
-TEST_F(EditorText, FixedPitchFont) {
-    const QFont font = edit->Highlighter()->defaultFont(hsDefault);
-    EXPECT_TRUE(QFontInfo(font).fixedPitch()) << font.family().toStdString();
-    EXPECT_TRUE(edit->Highlighter()->defaultFont(hsKeyword).bold());
 }
 
 // What would make a keystroke cost time in proportion to a 50,000-line unit: input methods and

@@ -99,9 +99,8 @@ TEST_F(CodeAssistTest, TheStringListOpensOnTheTableAndInsertsTheChosenString) {
 
 TEST_F(CodeAssistTest, ContextMenuCaptions) {
     TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
     const auto expected = ReadCases("context_menu.txt");
-    const QList<QAction*> actions = page->PopupMenu1()->actions();
+    const QList<QAction*> actions = window.ActivePage()->PopupMenu1()->actions();
     ASSERT_EQ(actions.size(), static_cast<qsizetype>(expected.size()));
     for (qsizetype i = 0; i < actions.size(); ++i) {
         const QStringList& row = expected[static_cast<std::size_t>(i)];

@@ -29,9 +29,7 @@ TEST_F(EditPageTest, AFailedSaveLeavesTheOldFileIntact) {
     page = window.OpenFile(file, false);
     ASSERT_NE(page, nullptr);
     // The disk fills up part-way through the write.
-    QString big = QStringLiteral("unit big;\r\n");
-    for (int i = 0; i < 20000; ++i) big += QStringLiteral("var v%1;\r\n").arg(i);
-    page->Memo()->SetText(big);
+    page->Memo()->SetText(QStringLiteral("unit big;\r\n") + QStringLiteral("var v;\r\n").repeated(20000));
     rlimit old{};
     getrlimit(RLIMIT_FSIZE, &old);
     const auto oldSignal = std::signal(SIGXFSZ, SIG_IGN);
