@@ -109,6 +109,7 @@ TEST_F(KeyBindings, SequencesAndChangedBindings) {
             } else if (parts.size() == 2) {
                 const bool refused = parts[1].endsWith(u'!');
                 const QKeySequence keys(refused ? parts[1].chopped(1) : parts[1], QKeySequence::PortableText);
+                const int count = edit->KeyStrokes().Count();
                 try {
                     edit->KeyStrokes().Add(EditorCommandFromName(parts[0].toStdString()).value_or(-1),
                                            ShortCutOf(keys[0]),
@@ -117,6 +118,7 @@ TEST_F(KeyBindings, SequencesAndChangedBindings) {
                 } catch (const EKeyStrokeError& e) {
                     EXPECT_TRUE(refused) << binding.toStdString();
                     EXPECT_STREQ(e.what(), "Shortcut already exists");
+                    EXPECT_EQ(edit->KeyStrokes().Count(), count);
                 }
             }
         }
