@@ -117,7 +117,7 @@ double Contrast(const QColor& a, const QColor& b) {
     return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
 }
 
-TEST(EditorTheme, SettingAndDesktopChooseTheTable) {
+TEST(EditorTheme, SettingAndDesktopChooseTheTableAndEveryColourIsReadable) {
     for (const QStringList& row : Rows("themes.txt")) {
         const TThemeChoice choice =
             ThemeChoiceFromName(row[0] == u"-" ? std::string() : row[0].toStdString());
@@ -126,9 +126,7 @@ TEST(EditorTheme, SettingAndDesktopChooseTheTable) {
     }
     for (TThemeChoice choice : {TThemeChoice::System, TThemeChoice::Light, TThemeChoice::Dark})
         EXPECT_EQ(ThemeChoiceFromName(ThemeChoiceName(choice)), choice);
-}
-
-TEST(EditorTheme, EveryColourIsReadableOnItsPage) {
+    // Every colour of both tables is readable on its page.
     for (const TEditorTheme* theme : {&LightEditorTheme(), &DarkEditorTheme()}) {
         const std::string name = theme->Name;
         for (int style = 0; style < hsStyleCount; ++style)

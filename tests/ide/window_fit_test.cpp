@@ -10,7 +10,6 @@ namespace {
 
 class WindowFitTest : public PageTest {
 protected:
-    static QRect Screen() { return QGuiApplication::primaryScreen()->availableGeometry(); }
     static bool OnAScreen(const QRect& rect) {
         for (const QScreen* screen : QGuiApplication::screens())
             if (screen->availableGeometry().contains(rect.topLeft())) return true;
@@ -19,7 +18,7 @@ protected:
 };
 
 TEST_F(WindowFitTest, TheMainWindowComesBackExactlyWhereItWas) {
-    const QRect area = Screen();
+    const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
     const QRect wanted(area.left() + 40, area.top() + 50, std::min(640, area.width() - 60),
                        std::min(420, area.height() - 70));
     // Placed once, then restart after restart the window stays put.
