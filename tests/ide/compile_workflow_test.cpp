@@ -1,5 +1,4 @@
-// Compiling beside the window: it stays usable and can stop the work; the messages are the compiler's own;
-// every error can be reached from the output list (double click, F8, Shift+F8).
+// Compiling beside the window: it stays usable and can stop the work; the messages are the compiler's own.
 #include "ide/background_job.h"
 #include "ide/edit_page.h"
 #include "ide/iff_view.h"
@@ -9,11 +8,7 @@
 #include "tests/ide/edit_page_test_support.h"
 
 #include <QAction>
-#include <QListView>
-#include <QMouseEvent>
 #include <QProgressBar>
-#include <QRegularExpression>
-#include <QTest>
 #include <QTimer>
 #include <QToolButton>
 
@@ -147,55 +142,6 @@ TEST_F(CompileWorkflowTest, TheMessagesAreVelkorcsWithoutTheDiagnosticBelowVerbo
         EXPECT_GE(shown.filter(QStringLiteral("] ERROR: ")).size(), 4);
         EXPECT_EQ(shown.filter(QStringLiteral("]   raised in ")).isEmpty(), verbosity < 3);
     }
-}
-
-TEST_F(CompileWorkflowTest, EveryErrorIsReachedByADoubleClickAndByF8AndShiftF8) {
-    TIniFile(IniPath()).WriteBool("compiler", "haltonerror", false);
-    TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
-    MakeFile("faulty.pas", kFaulty);
-    TfrmMain window({});
-    ShowActive(window);
-    TfrmEdit* page = window.OpenFile(MakeFile("broken.pas", kBroken), false);
-    ASSERT_NE(page, nullptr);
-    page->Compile();
-    TfrmOutput& output = window.OutputView();
-    output.Flush();
-    const QStringList lines = output.Lines();
-    const int inInclude =
-        static_cast<int>(lines.indexOf(QRegularExpression(QStringLiteral("^\\[Faulty, 5\\] ERROR.*"))));
-    const int inUnit =
-        static_cast<int>(lines.indexOf(QRegularExpression(QStringLiteral("^\\[Broken, 7\\] ERROR.*"))));
-    ASSERT_GE(inInclude, 0) << Output(window);
-    ASSERT_GE(inUnit, 0) << Output(window);
-
-    // The include is not open: it is found along the compile's search path.
-    QListView* list = output.ListBox1();
-    list->scrollTo(output.Model().index(inInclude));
-    const QPoint at = list->visualRect(output.Model().index(inInclude)).center();
-    ASSERT_EQ(list->indexAt(at).row(), inInclude);
-    DoubleClick(*list->viewport(), at);
-    TfrmEdit* opened = window.ActivePage();
-    ASSERT_NE(opened, nullptr);
-    EXPECT_EQ(opened->Caption(), QStringLiteral("faulty.pas"));
-    EXPECT_EQ(opened->Memo()->CaretLine(), 4);
-    EXPECT_EQ(opened->Memo()->ErrorLine(), 4);
-    EXPECT_TRUE(window.GotoMessage(inUnit));
-    EXPECT_EQ(window.ActivePage(), page);
-    EXPECT_EQ(page->Memo()->CaretLine(), 6);
-
-    // F8 and Shift+F8 step in the order of the output list: the include's error first, then the unit's.
-    output.ListBox1()->setCurrentIndex(QModelIndex());
-    QStringList visited;
-    for (const auto mods : {Qt::NoModifier, Qt::NoModifier, Qt::NoModifier, Qt::ShiftModifier}) {
-        QTest::keyClick(window.ActivePage()->Memo(), Qt::Key_F8, mods);
-        visited << window.ActivePage()->Caption() + u':' +
-                       QString::number(window.ActivePage()->Memo()->CaretLine() + 1);
-    }
-    EXPECT_EQ(visited, (QStringList{"faulty.pas:5", "broken.pas:6", "broken.pas:7", "broken.pas:6"}));
-    EXPECT_EQ(window.WindowAction(QStringLiteral("ActionNextMessage"))->shortcut(), QKeySequence(Qt::Key_F8));
-    // A line without a place goes nowhere.
-    window.Output("plain");
-    EXPECT_FALSE(window.GotoMessage(static_cast<int>(output.Lines().size()) - 1));
 }
 
 } // namespace

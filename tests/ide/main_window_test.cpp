@@ -1,13 +1,11 @@
-// The main window: its icon, decoding on open and the first show.
+// The main window: its icon and decoding on open through the decode hook (the rest of decoding on open
+// and the first show are scenarios).
 #include "ide/app_icon.h"
 #include "ide/iff_decode.h"
-#include "ide/iff_view.h"
 #include "ide/reg_mru.h"
-#include "scanner/scanner.h"
 #include "tests/ide/edit_page_test_support.h"
 
 #include <QAction>
-#include <QElapsedTimer>
 #include <QImage>
 #include <QMenu>
 #include <QTabWidget>
@@ -25,12 +23,6 @@ protected:
             captions << window.PageControlEditor()->tabText(i);
         return captions;
     }
-    static void WaitForPage(TfrmMain& window, const QString& caption) {
-        QElapsedTimer clock;
-        clock.start();
-        while (window.ActivePage()->Caption() != caption && clock.elapsed() < 5000)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
 };
 
 // The built-in SVG renders (the icon engine is there) at the sizes desktops and task bars ask for.
@@ -42,54 +34,6 @@ TEST(AppIcon, TheSvgIconRendersAtEverySize) {
         ASSERT_EQ(image.width(), size);
         EXPECT_NE(image.pixel(size / 2, size / 2), image.pixel(0, 0)) << "blank at " << size;
     }
-}
-
-// A binary file opens as its decoded text, modified (its text file is not written). A truncated one opens
-// as far as its items go and the output view says that the text is not exact, inline and from a decode
-// thread alike.
-TEST_F(MainWindowTest, ABinaryFileOpensAsItsDecodedText) {
-    const QString text = QStringLiteral("IFF \"Cut.iff\"\r\n{\r\n  FORM \"TEST\"\r\n  {\r\n"
-                                        "    CHUNK \"DATA\"\r\n    {\r\n      BYTE [2] $0A $FF\r\n"
-                                        "    }\r\n  }\r\n}\r\n");
-    const QString note =
-        QStringLiteral(": the file is truncated: form TEST at offset 00000000 ends at 00000028, "
-                       "the data at 00000016: the decode is not exact");
-    for (const bool truncated : {false, true}) {
-        for (const bool thread : {false, true}) {
-            SCOPED_TRACE(std::to_string(truncated) + std::to_string(thread));
-            TIniFile(IniPath()).WriteBool("iffd", "UseSeparateThread", thread);
-            const std::string iff =
-                MakeFile("Cut.iff", std::string("FORM\0\0\0", 7) + (truncated ? ' ' : '\x0E') +
-                                        std::string("TESTDATA\0\0\0\x02\x0A\xFF", 14));
-            TfrmMain window({});
-            window.DecodeFile(iff);
-            WaitForPage(window, QStringLiteral("Cut.iff.pas"));
-            ASSERT_EQ(window.ActivePage()->Caption(), QStringLiteral("Cut.iff.pas"));
-            EXPECT_EQ(window.ActivePage()->Text(), text);
-            EXPECT_TRUE(window.ActivePage()->Modified());
-            EXPECT_FALSE(std::filesystem::exists(iff + ".pas"));
-            EXPECT_EQ(window.OutputView().Lines().contains(QString::fromStdString(iff) + note), truncated);
-            EXPECT_TRUE(messages_.isEmpty());
-        }
-    }
-}
-
-TEST_F(MainWindowTest, AMissionOpensWithItsScriptFunctionsAsListingsUnlessTheSettingsSayBytes) {
-    const std::string mission = MakeFile("Patrol.mis", ReadFile(std::filesystem::path(VELKOR_SOURCE_DIR) /
-                                                                "tests/golden/campaign/patrol.mis"));
-    {
-        TfrmMain window({QString::fromStdString(mission)});
-        ASSERT_EQ(window.Pages().size(), 1);
-        const QString text = window.ActivePage()->Text();
-        EXPECT_TRUE(text.contains(QStringLiteral("      WCP_ASM\r\n      {\r\n        func ")));
-        EXPECT_TRUE(text.contains(QStringLiteral("          movv v15 v8;\r\n")));
-        EXPECT_TRUE(text.contains(QStringLiteral("CHUNK $56A0F92F // OBJ_PROP_TYPE\r\n")));
-    }
-    TIniFile(IniPath()).WriteBool("iffd", "disassemble", false);
-    TfrmMain window({QString::fromStdString(mission)});
-    ASSERT_EQ(window.Pages().size(), 1);
-    EXPECT_FALSE(window.ActivePage()->Text().contains(QStringLiteral("WCP_ASM")));
-    EXPECT_FALSE(window.ActivePage()->Text().contains(QStringLiteral("OBJ_PROP_TYPE")));
 }
 
 TEST_F(MainWindowTest, ShortFilesAreTextAndFormFilesAreDecodedInline) {
@@ -149,28 +93,6 @@ TEST_F(MainWindowTest, DecodeDialogDecodesEveryFileAndRemembersTheFirstFolder) {
     EXPECT_EQ(Captions(window), (QStringList{"one.iff.pas", "two.iff.pas"}));
     EXPECT_EQ(TIniFile(IniPath()).ReadString("main", "DirDecodeIff", ""), (Dir() / "sub").string());
     SetDecodeFunctionForTesting({});
-}
-
-TEST_F(MainWindowTest, FirstShowAsksForAnEmptyGameFolderSelectsTheScannerAndLoadsExtensions) {
-    {
-        TfrmMain window({});
-        window.show();
-        EXPECT_EQ(modalDialogs_, 0);
-        EXPECT_EQ(window.SoPath(), Dir().string());
-        window.ActivePage()->SetModified(false);
-    }
-    TIniFile ini(IniPath());
-    ini.WriteString("main", "sopath", "");
-    ini.WriteBool("compiler", "fast_scanner", true);
-    ini.WriteString("autoloadext", Path("nothere.so"), "1");
-    TfrmMain window({});
-    window.show();
-    EXPECT_EQ(modalDialogNames_, QStringList{"frmSettings"});
-    window.show();
-    EXPECT_EQ(modalDialogs_, 1);
-    EXPECT_EQ(GetScannerClass(), ScannerClass::Fast);
-    EXPECT_EQ(messages_, QStringList{QString::fromStdString("Could not load library \"" + Path("nothere.so") +
-                                                            "\": not found!")});
 }
 
 } // namespace

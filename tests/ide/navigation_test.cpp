@@ -1,14 +1,7 @@
-// Back and forward (Alt+Left, Alt+Right) through the places the caret jumped from: Find Declaration, Go
-// to Line, the symbol lists and the messages, across pages.
-#include "compiler/symbol_table.h"
-#include "ide/edit_page.h"
-#include "ide/main_window.h"
+// The jump history behind Back and Forward (Alt+Left, Alt+Right); the keys across pages are a scenario.
 #include "ide/nav_history.h"
-#include "ide/output_view.h"
-#include "tests/ide/edit_page_test_support.h"
 
-#include <QAction>
-#include <QTest>
+#include <gtest/gtest.h>
 
 namespace velkor::test {
 namespace {
@@ -61,57 +54,6 @@ TEST(NavHistoryTest, KeepsAtMostItsLimitAndForgetsGoneFiles) {
     ASSERT_TRUE(to);
     EXPECT_EQ(*to, (TNavPlace{"a.pas", 7, 0}));
     EXPECT_FALSE(history.CanGoBack());
-}
-
-class NavigationTest : public PageTest {};
-
-TEST_F(NavigationTest, AltLeftAndAltRightGoBackAndForwardAcrossPages) {
-    TfrmMain window({});
-    ShowActive(window);
-    TfrmEdit* demo = OpenDemo(window);
-    ASSERT_NE(demo, nullptr);
-    const auto place = [&] {
-        TfrmEdit* page = window.ActivePage();
-        return page->Caption() + u':' + QString::number(page->Memo()->CaretLine() + 1) + u':' +
-               QString::number(page->Memo()->CaretColumn());
-    };
-
-    // Go to Line from line 2 to 17 (its dialog asked with its caption), then Find Declaration of Boost there
-    // into the include.
-    QString asked;
-    DialogHooks().AskInteger = [&](QWidget*, const QString& caption, const QString& label,
-                                   int) -> std::optional<int> {
-        asked = caption + u'|' + label;
-        return 17;
-    };
-    demo->Memo()->SetCaret(1, 4);
-    window.MenuItem(QStringLiteral("MenuEditFindGotoLine"))->trigger();
-    EXPECT_EQ(asked, QStringLiteral("Go to Line Number|Enter new line number:"));
-    ASSERT_EQ(place(), QStringLiteral("Demo.pas:17:0"));
-    demo->Memo()->SetCaret(16, 22); // in "Boost"
-    demo->FindDeclaration();
-    ASSERT_EQ(place(), QStringLiteral("helpers.pas:6:0"));
-    // A symbol-list jump back into the mission: Attack on line 9.
-    TfrmEdit* helpers = window.ActivePage();
-    helpers->Memo()->SetCaret(7, 2);
-    const auto attack = demo->SymbolNamed(QStringLiteral("Attack"));
-    ASSERT_TRUE(attack);
-    helpers->GotoDeclaration(*attack);
-    ASSERT_EQ(place(), QStringLiteral("Demo.pas:9:0"));
-
-    const auto key = [&](Qt::Key k) {
-        QTest::keyClick(window.ActivePage()->Memo(), k, Qt::AltModifier);
-        return place();
-    };
-    EXPECT_EQ(key(Qt::Key_Left), QStringLiteral("helpers.pas:8:2"));
-    EXPECT_EQ(key(Qt::Key_Left), QStringLiteral("Demo.pas:17:22"));
-    EXPECT_EQ(key(Qt::Key_Left), QStringLiteral("Demo.pas:2:4"));
-    EXPECT_EQ(key(Qt::Key_Left), QStringLiteral("Demo.pas:2:4")); // nothing further back
-    EXPECT_EQ(key(Qt::Key_Right), QStringLiteral("Demo.pas:17:22"));
-    EXPECT_EQ(key(Qt::Key_Right), QStringLiteral("helpers.pas:8:2"));
-    EXPECT_EQ(key(Qt::Key_Right), QStringLiteral("Demo.pas:9:0"));
-    EXPECT_EQ(window.WindowAction(QStringLiteral("ActionNavigateBack"))->shortcut(),
-              QKeySequence(QStringLiteral("Alt+Left")));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
-// The output list: lines in batches, their kinds and colours, the context menu, stepping through messages,
-// and where a message points.
+// The output list: lines in batches, their kinds and where a message points (colours, the context menu and
+// stepping through messages are scenarios).
+#include "ide/iff_view.h"
 #include "ide/main_window.h"
 #include "ide/message_location.h"
 #include "ide/output_model.h"
@@ -8,12 +9,8 @@
 
 #include <map>
 
-#include <QAction>
-#include <QApplication>
-#include <QBrush>
-#include <QClipboard>
 #include <QListView>
-#include <QMenu>
+#include <Qsci/qsciscintilla.h>
 
 namespace velkor::test {
 namespace {
@@ -62,43 +59,19 @@ TEST_F(OutputViewTest, AHundredThousandLinesArriveAsOneBatch) {
     EXPECT_TRUE(output.ListBox1()->viewport()->rect().intersects(last));
 }
 
-TEST_F(OutputViewTest, ErrorsAndHintsAreColoured) {
-    TfrmMain window({});
-    for (const char* line :
-         {"[d, 1] ERROR: bad", "[d, 2] HINT: odd", "[d, 3] plain", "[d, 4] ** d.mis ** (1 bytes)"})
-        window.Output(line);
-    TfrmOutput& output = window.OutputView();
-    output.Flush();
-    const auto colour = [&](int row) { return output.Model().index(row).data(Qt::ForegroundRole); };
-    ASSERT_TRUE(colour(0).canConvert<QBrush>());
-    ASSERT_TRUE(colour(1).canConvert<QBrush>());
-    EXPECT_FALSE(colour(2).isValid());
-    EXPECT_NE(colour(0).value<QBrush>().color(), colour(1).value<QBrush>().color());
-    EXPECT_GT(colour(0).value<QBrush>().color().red(), 150);
-    EXPECT_GT(colour(1).value<QBrush>().color().blue(), 150);
-    EXPECT_NE(colour(3).value<QBrush>().color(), colour(0).value<QBrush>().color());
-}
-
-TEST_F(OutputViewTest, CopyAndClearInTheContextMenu) {
+TEST_F(OutputViewTest, TheListKeepsItsLastLineCurrentAndTheIffViewItsBytes) {
     TfrmMain window({});
     TfrmOutput& output = window.OutputView();
-    for (const char* line : {"one", "two", "three"}) window.Output(line);
-    output.Flush();
-    QMenu* menu = output.ContextMenu();
-    QAction* copy = menu->findChild<QAction*>(QStringLiteral("OutputCopy"));
-    QAction* clear = menu->findChild<QAction*>(QStringLiteral("OutputClear"));
-    ASSERT_NE(copy, nullptr);
-    ASSERT_NE(clear, nullptr);
-    EXPECT_EQ(copy->text(), QStringLiteral("&Copy"));
-    EXPECT_EQ(clear->text(), QStringLiteral("C&lear"));
-    QItemSelectionModel* selection = output.ListBox1()->selectionModel();
-    selection->select(output.Model().index(0), QItemSelectionModel::ClearAndSelect);
-    selection->select(output.Model().index(2), QItemSelectionModel::Select);
-    copy->trigger();
-    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("one\nthree"));
-    clear->trigger();
+    for (int i = 0; i < 200; ++i) output.AppendLine(QStringLiteral("line %1").arg(i));
+    EXPECT_EQ(output.CurrentRow(), 199);
+    output.Clear();
     EXPECT_TRUE(output.Lines().isEmpty());
-    EXPECT_EQ(output.CurrentRow(), -1);
+    // Tab stops of two dialog units: as close as whole characters come, one character.
+    EXPECT_EQ(window.IffView().MemoIff()->tabWidth(), 1);
+    // What a compile puts there comes back byte for byte, a zero byte and text after it included.
+    const std::string text("IFF \"a\"\r\n{ CSTRING \"\0\xC3\xA9\" }\r\n", 28);
+    window.IffView().SetTextUtf8(text);
+    EXPECT_EQ(window.IffView().TextUtf8(), text);
 }
 
 } // namespace

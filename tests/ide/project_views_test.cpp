@@ -1,11 +1,8 @@
-// The project at hand: the Files view of the unit's folder and search path, Find in Files over it, and the
-// last session's pages, carets and docks brought back at start.
+// The project at hand: the Files view of the unit's folder and search path, and Find in Files over it.
 #include "ide/edit_page.h"
 #include "ide/file_tree_view.h"
 #include "ide/find_in_files.h"
 #include "ide/main_window.h"
-#include "ide/session.h"
-#include "ide/settings_dialog.h"
 #include "tests/ide/edit_page_test_support.h"
 
 #include <QAction>
@@ -144,63 +141,6 @@ TEST_F(ProjectViewsTest, FindInFilesListsTheMatchesAndOpensThem) {
     ASSERT_TRUE(window.NavigateBack());
     EXPECT_EQ(window.ActivePage(), demo);
     EXPECT_EQ(demo->Memo()->CaretLine(), 16);
-}
-
-TEST_F(ProjectViewsTest, TheLastSessionComesBackAtStart) {
-    const std::string demoFile = MakeFile("Demo.pas", kDemoMission);
-    {
-        TfrmMain window({});
-        Show(window);
-        TfrmEdit* demo = window.OpenFile(demoFile, false);
-        TfrmEdit* helpers = window.OpenFile(Path("helpers.pas"), false);
-        ASSERT_TRUE(demo && helpers);
-        demo->Memo()->SetCaret(16, 7);
-        helpers->Memo()->SetCaret(5, 3);
-        window.NewPage(); // never saved: not part of the session
-        window.ActivatePage(*demo);
-        window.FileTreeView().show();
-        window.ActivePage()->SetModified(false);
-        for (TfrmEdit* page : window.Pages()) page->SetModified(false);
-        ASSERT_TRUE(window.close());
-    }
-    const TSession saved = ReadSession();
-    ASSERT_EQ(saved.Pages.size(), 2u);
-    EXPECT_EQ(saved.Pages[0], (TSessionPage{demoFile, 16, 7, saved.Pages[0].TopLine}));
-    EXPECT_EQ(saved.Active, 0);
-    {
-        TfrmMain window({});
-        Show(window);
-        ASSERT_EQ(window.Pages().size(), 2);
-        EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("Demo.pas"));
-        EXPECT_EQ(window.ActivePage()->Memo()->CaretLine(), 16);
-        EXPECT_EQ(window.ActivePage()->Memo()->CaretColumn(), 7);
-        EXPECT_EQ(window.Pages()[1]->Memo()->CaretLine(), 5);
-        EXPECT_TRUE(window.FileTreeView().isVisible());
-    }
-    {
-        // Files named at start are opened instead of the session's pages.
-        TfrmMain window({QString::fromStdString(Path("helpers.pas"))});
-        ASSERT_EQ(window.Pages().size(), 1);
-        EXPECT_EQ(window.ActivePage()->Caption(), QStringLiteral("helpers.pas"));
-    }
-    TIniFile(IniPath()).WriteBool("main", "restore_session", false);
-    TfrmMain window({});
-    ASSERT_EQ(window.Pages().size(), 1);
-    EXPECT_TRUE(window.ActivePage()->Caption().startsWith(QStringLiteral("Untitled")));
-}
-
-TEST_F(ProjectViewsTest, TheSettingsDialogTurnsSessionRestoreOff) {
-    {
-        TfrmSettings settings;
-        auto* box = settings.findChild<QCheckBox*>(QStringLiteral("cbRestoreSession"));
-        ASSERT_NE(box, nullptr);
-        EXPECT_TRUE(box->isChecked());
-        box->setChecked(false);
-        settings.WriteSettings();
-    }
-    EXPECT_FALSE(SessionRestoreEnabled());
-    TfrmSettings settings;
-    EXPECT_FALSE(settings.findChild<QCheckBox*>(QStringLiteral("cbRestoreSession"))->isChecked());
 }
 
 } // namespace
