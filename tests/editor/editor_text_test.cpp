@@ -48,15 +48,11 @@ TEST_F(EditorText, LinesCaretWordErrorLineAndFont) {
     // The error line is one full-line mark.
     Load(NumberedLines(20));
     EXPECT_EQ(edit->ErrorLine(), -1);
-    edit->SetErrorLine(7);
-    EXPECT_EQ(edit->ErrorLine(), 7);
-    edit->SetErrorLine(3);
-    EXPECT_EQ(edit->ErrorLine(), 3);
-    EXPECT_EQ(edit->markersAtLine(7), 0u);
-    edit->ClearErrorLine();
-    EXPECT_EQ(edit->ErrorLine(), -1);
-    edit->SetErrorLine(500); // past the end: nothing, no crash
-    EXPECT_EQ(edit->ErrorLine(), -1);
+    for (const auto& [set, shown] : {std::pair{7, 7}, {3, 3}, {-1, -1}, {500, -1}}) { // -1: cleared
+        set < 0 ? edit->ClearErrorLine() : edit->SetErrorLine(set);
+        EXPECT_EQ(edit->ErrorLine(), shown) << set;
+        EXPECT_EQ(edit->markersAtLine(7) != 0, shown == 7) << set; // 500: past the end, nothing
+    }
 
     // A fixed-pitch font, keywords in bold.
     EXPECT_TRUE(QFontInfo(edit->Highlighter()->defaultFont(hsDefault)).fixedPitch());

@@ -11,14 +11,7 @@
 namespace velkor::test {
 namespace {
 
-class ToolBarTest : public PageTest {
-protected:
-    static void Press(TfrmMain& window, const char* button) {
-        QAction* action = window.ToolBar().Button(QString::fromLatin1(button));
-        ASSERT_NE(action, nullptr) << button;
-        action->trigger();
-    }
-};
+using ToolBarTest = PageTest;
 
 TEST_F(ToolBarTest, ButtonsInOrderWithIconsAtEverySize) {
     TfrmMain window({});
@@ -61,7 +54,9 @@ TEST_F(ToolBarTest, ButtonsRunTheMenuCommands) {
         SCOPED_TRACE(button);
         modalDialogNames_.clear();
         TfrmMain window({QString::fromStdString(demo)});
-        Press(window, button);
+        QAction* action = window.ToolBar().Button(QString::fromLatin1(button));
+        ASSERT_NE(action, nullptr);
+        action->trigger();
         ProcessEvents();
         check(window);
     }
