@@ -61,9 +61,9 @@ TEST_F(CodeAssistTest, TheStringListOpensOnTheTableAndInsertsTheChosenString) {
     table.InfoText1 = "English";
     table.InfoText2 = "Default";
     table.SaveToFile(Dir() / "texts.eng");
-    const std::string unit = "mission Talk;\r\n#STRINGS texts;\r\nvar x;\r\n";
     TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(MakeFile("talk.pas", unit), false);
+    TfrmEdit* page =
+        window.OpenFile(MakeFile("talk.pas", "mission Talk;\r\n#STRINGS texts;\r\nvar x;\r\n"), false);
     ASSERT_NE(page, nullptr);
     ASSERT_TRUE(page->Compile()) << Output(window);
     window.show();

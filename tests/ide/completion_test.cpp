@@ -66,10 +66,9 @@ TEST_F(CompletionTest, ScreenshotTheListOpensBelowTheWord) {
     TPageEditor* memo = page->Memo();
     memo->setFocus();
     QTest::keyClicks(memo, QStringLiteral("sh"));
-    TCompletionPopup& popup = page->Completion();
-    ASSERT_TRUE(popup.IsOpen());
+    ASSERT_TRUE(page->Completion().IsOpen());
     ProcessEvents();
-    QListWidget* list = popup.List();
+    QListWidget* list = page->Completion().List();
     // Below the caret's line, starting at the word, every row readable.
     const QPoint word = memo->viewport()->mapToGlobal(TextRect(*memo, 16, 2, 2).topLeft());
     const QRect shown(list->mapToGlobal(QPoint(0, 0)), list->size());
