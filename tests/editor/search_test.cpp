@@ -25,19 +25,13 @@ protected:
 };
 
 unsigned Options(const QString& names) {
-    static const std::map<QString, unsigned> bits = {{"Backwards", ssoBackwards},
-                                                     {"EntireScope", ssoEntireScope},
-                                                     {"IgnoreNonSpacing", ssoIgnoreNonSpacing},
-                                                     {"MatchCase", ssoMatchCase},
-                                                     {"Prompt", ssoPrompt},
-                                                     {"RegExpr", ssoRegExpr},
-                                                     {"Replace", ssoReplace},
-                                                     {"ReplaceAll", ssoReplaceAll},
-                                                     {"SelectedOnly", ssoSelectedOnly},
-                                                     {"WholeWord", ssoWholeWord},
-                                                     {"SpaceCompress", ssoSpaceCompress},
-                                                     {"Repeat", 0},
-                                                     {"-", 0}};
+    // clang-format off
+    static const std::map<QString, unsigned> bits = {
+        {"Backwards", ssoBackwards}, {"EntireScope", ssoEntireScope}, {"IgnoreNonSpacing", ssoIgnoreNonSpacing},
+        {"MatchCase", ssoMatchCase}, {"Prompt", ssoPrompt}, {"RegExpr", ssoRegExpr}, {"Replace", ssoReplace},
+        {"ReplaceAll", ssoReplaceAll}, {"SelectedOnly", ssoSelectedOnly}, {"SpaceCompress", ssoSpaceCompress},
+        {"WholeWord", ssoWholeWord}, {"Repeat", 0}, {"-", 0}};
+    // clang-format on
     unsigned options = 0;
     for (const QString& name : names.split(u'+')) {
         EXPECT_TRUE(bits.count(name)) << name.toStdString();
