@@ -60,6 +60,17 @@ TEST_F(KeyBindings, AllSeventyFourInTheirOrder) {
 }
 
 TEST_F(KeyBindings, KeysDoTheirCommands) {
+    // What shortcut a key event is: keypad Enter is Return, Backtab is Shift+Tab; modifier keys alone are
+    // none.
+    const auto of = [](Qt::Key key, Qt::KeyboardModifiers mods) {
+        return ShortCutFromKeyEvent(QKeyEvent(QEvent::KeyPress, key, mods));
+    };
+    EXPECT_EQ(of(Qt::Key_Enter, Qt::KeypadModifier), (TShortCut{Qt::Key_Return, ssNone}));
+    EXPECT_EQ(of(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier),
+              (TShortCut{Qt::Key_Z, ssShift | ssCtrl}));
+    EXPECT_EQ(of(Qt::Key_Backtab, Qt::ShiftModifier), (TShortCut{Qt::Key_Tab, ssShift}));
+    EXPECT_TRUE(IsModifierKey(Qt::Key_Control));
+    EXPECT_FALSE(IsModifierKey(Qt::Key_A));
     const auto rows = Rows("keys.txt");
     EXPECT_GE(rows.size(), 60u);
     for (const QStringList& row : rows) {
@@ -128,10 +139,8 @@ TEST_F(KeyBindings, SequencesAndChangedBindings) {
     EXPECT_EQ(edit->markersAtLine(Caret().first), 1u << 7) << "a bookmark shows in the margin";
 }
 
-const QString kText = QStringLiteral("first\r\nsecond\r\nthird");
-
 TEST_F(KeyBindings, UserCommandsAndGotoAreSignalled) {
-    Load(kText, 0, 0);
+    Load(QStringLiteral("first\r\nsecond\r\nthird"));
     QSignalSpy user(edit.get(), &TSyntaxEdit::UserCommand);
     QSignalSpy gotoLine(edit.get(), &TSyntaxEdit::GotoRequested);
     edit->KeyStrokes().Add(ecUserFirst + 4, {Qt::Key_F9, ssNone});
@@ -147,7 +156,7 @@ TEST_F(KeyBindings, UserCommandsAndGotoAreSignalled) {
 }
 
 // The command table, written out independently of the implementation's: one "name number" per line.
-TEST(EditorCommandNames, EveryCommandConvertsBothWays) {
+TEST(EditorCommandNames, EveryCommandConvertsBothWaysAndNoOther) {
     const auto table = Rows("commands.txt");
     EXPECT_EQ(table.size(), 83u);
     for (const QStringList& row : table) {
@@ -156,11 +165,8 @@ TEST(EditorCommandNames, EveryCommandConvertsBothWays) {
         EXPECT_EQ(EditorCommandToName(value).value_or("?"), name);
         EXPECT_EQ(EditorCommandFromName(name).value_or(-1), value) << name;
     }
-    // No named command beyond the table.
+    // No named command beyond the table; unknown names and numbers give nothing.
     EXPECT_EQ(NamedEditorCommands().size(), table.size());
-}
-
-TEST(EditorCommandNames, UnknownNamesAndNumbersGiveNothing) {
     for (TEditorCommand c : {-1, 18, 100, 118, 200, 400, 412, 600, 616, 700, 711, 750, 761, 1000, 1002})
         EXPECT_FALSE(EditorCommandToName(c).has_value()) << c;
     for (const char* name : {"", "ec", "ecFoo", "ecGotoMarker10", "Left", "ecLeft "})
@@ -194,19 +200,6 @@ TEST(KeyStrokes, FindsByShortcutPairAndByCommand) {
     strokes.Delete(74);
     EXPECT_FALSE(strokes.StartsSequence({Qt::Key_K, ssCtrl}));
     EXPECT_THROW(strokes.Delete(74), ERangeError);
-}
-
-TEST(KeyEvents, ShortcutOfAKeyEvent) {
-    TestApp();
-    const auto of = [](Qt::Key key, Qt::KeyboardModifiers mods) {
-        return ShortCutFromKeyEvent(QKeyEvent(QEvent::KeyPress, key, mods));
-    };
-    EXPECT_EQ(of(Qt::Key_Enter, Qt::KeypadModifier), (TShortCut{Qt::Key_Return, ssNone}));
-    EXPECT_EQ(of(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier),
-              (TShortCut{Qt::Key_Z, ssShift | ssCtrl}));
-    EXPECT_EQ(of(Qt::Key_Backtab, Qt::ShiftModifier), (TShortCut{Qt::Key_Tab, ssShift}));
-    EXPECT_TRUE(IsModifierKey(Qt::Key_Control));
-    EXPECT_FALSE(IsModifierKey(Qt::Key_A));
 }
 
 } // namespace

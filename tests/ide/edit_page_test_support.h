@@ -11,7 +11,6 @@
 #include "platform/executable_path.h"
 #include "platform/ini_file.h"
 #include "platform/numbers.h"
-#include "platform/strings.h"
 #include "tests/ide/ide_test_support.h"
 #include "tests/ide/screenshot_support.h"
 

@@ -22,7 +22,7 @@ protected:
         return child;
     }
 
-    // Sets the text to find and presses a button the way the user would.
+    // Presses a button the way the user would and gives the dialog's result.
     static int Press(TSyntaxFindDialog& dialog, QPushButton* button) {
         dialog.setResult(QDialog::Rejected);
         button->click();

@@ -35,9 +35,8 @@ TEST_F(WindowFitTest, TheMainWindowComesBackExactlyWhereItWas) {
         window.ActivePage()->SetModified(false);
         window.close();
     }
-    const TIniFile ini(IniPath());
-    EXPECT_EQ(ini.ReadInteger("frmMain", "Left", 0), wanted.left());
-    EXPECT_EQ(ini.ReadInteger("frmMain", "Top", 0), wanted.top());
+    EXPECT_EQ(TIniFile(IniPath()).ReadInteger("frmMain", "Left", 0), wanted.left());
+    EXPECT_EQ(TIniFile(IniPath()).ReadInteger("frmMain", "Top", 0), wanted.top());
 }
 
 TEST(WindowPlacement, RectanglesAreKeptOnAScreenAndUsable) {
