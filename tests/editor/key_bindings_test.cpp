@@ -60,8 +60,7 @@ TEST_F(KeyBindings, AllSeventyFourInTheirOrder) {
 }
 
 TEST_F(KeyBindings, KeysDoTheirCommands) {
-    // What shortcut a key event is: keypad Enter is Return, Backtab is Shift+Tab; modifier keys alone are
-    // none.
+    // The shortcut of a key event: keypad Enter is Return, Backtab is Shift+Tab; Ctrl is a modifier key.
     const auto of = [](Qt::Key key, Qt::KeyboardModifiers mods) {
         return ShortCutFromKeyEvent(QKeyEvent(QEvent::KeyPress, key, mods));
     };

@@ -27,10 +27,10 @@ protected:
 unsigned Options(const QString& names) {
     // clang-format off
     static const std::map<QString, unsigned> bits = {
-        {"Backwards", ssoBackwards}, {"EntireScope", ssoEntireScope}, {"IgnoreNonSpacing", ssoIgnoreNonSpacing},
-        {"MatchCase", ssoMatchCase}, {"Prompt", ssoPrompt}, {"RegExpr", ssoRegExpr}, {"Replace", ssoReplace},
-        {"ReplaceAll", ssoReplaceAll}, {"SelectedOnly", ssoSelectedOnly}, {"SpaceCompress", ssoSpaceCompress},
-        {"WholeWord", ssoWholeWord}, {"Repeat", 0}, {"-", 0}};
+        {"Backwards", ssoBackwards}, {"EntireScope", ssoEntireScope}, {"MatchCase", ssoMatchCase},
+        {"IgnoreNonSpacing", ssoIgnoreNonSpacing}, {"Prompt", ssoPrompt}, {"RegExpr", ssoRegExpr},
+        {"Replace", ssoReplace}, {"ReplaceAll", ssoReplaceAll}, {"SelectedOnly", ssoSelectedOnly},
+        {"SpaceCompress", ssoSpaceCompress}, {"WholeWord", ssoWholeWord}, {"Repeat", 0}, {"-", 0}};
     // clang-format on
     unsigned options = 0;
     for (const QString& name : names.split(u'+')) {
