@@ -1,11 +1,14 @@
-// Text access, files, caret, word at cursor, error line and the font of the editor.
+// Text access, files, caret, word at cursor, error line, the font of the editor, and what it hands to
+// input methods and accessibility.
 #include "editor_test_app.h"
 
 #include "editor/highlighter.h"
 #include "platform/text_file.h"
 #include "support/run_tool.h"
 
+#include <QAccessible>
 #include <QFontInfo>
+#include <QInputMethodQueryEvent>
 #include <QTest>
 
 namespace velkor::test {
@@ -13,7 +16,7 @@ namespace {
 
 class EditorText : public EditorTest {};
 
-TEST_F(EditorText, LinesCaretWordAndErrorLine) {
+TEST_F(EditorText, LinesCaretWordErrorLineAndFont) {
     Load(QStringLiteral("a\r\nb\nc\rd"));
     EXPECT_EQ(edit->Lines(), (QStringList{"a", "b", "c", "d"}));
     EXPECT_EQ(edit->LineText(1), QStringLiteral("b"));
@@ -36,27 +39,24 @@ TEST_F(EditorText, LinesCaretWordAndErrorLine) {
     EXPECT_EQ(Caret(), std::make_pair(0, 1));
 
     // The word at the cursor is made of identifier characters.
-    Load(QStringLiteral("x := Ship_1.speed + 2;"), 0, 7);
-    EXPECT_EQ(edit->WordAtCursor(), QStringLiteral("Ship_1"));
-    edit->setCursorPosition(0, 11); // just behind the word
-    EXPECT_EQ(edit->WordAtCursor(), QStringLiteral("Ship_1"));
-    edit->setCursorPosition(0, 12);
-    EXPECT_EQ(edit->WordAtCursor(), QStringLiteral("speed"));
-    edit->setCursorPosition(0, 18);
-    EXPECT_EQ(edit->WordAtCursor(), QString());
+    Load(QStringLiteral("x := Ship_1.speed + 2;"));
+    for (const auto& [index, word] : {std::pair{7, "Ship_1"}, {11, "Ship_1"}, {12, "speed"}, {18, ""}}) {
+        edit->setCursorPosition(0, index); // 11: just behind the word
+        EXPECT_EQ(edit->WordAtCursor(), QString::fromLatin1(word)) << index;
+    }
 
     // The error line is one full-line mark.
     Load(NumberedLines(20));
     EXPECT_EQ(edit->ErrorLine(), -1);
-    edit->SetErrorLine(7);
-    EXPECT_EQ(edit->ErrorLine(), 7);
-    edit->SetErrorLine(3);
-    EXPECT_EQ(edit->ErrorLine(), 3);
-    EXPECT_EQ(edit->markersAtLine(7), 0u);
-    edit->ClearErrorLine();
-    EXPECT_EQ(edit->ErrorLine(), -1);
-    edit->SetErrorLine(500); // past the end: nothing, no crash
-    EXPECT_EQ(edit->ErrorLine(), -1);
+    for (const auto& [set, shown] : {std::pair{7, 7}, {3, 3}, {-1, -1}, {500, -1}}) { // -1: cleared
+        set < 0 ? edit->ClearErrorLine() : edit->SetErrorLine(set);
+        EXPECT_EQ(edit->ErrorLine(), shown) << set;
+        EXPECT_EQ(edit->markersAtLine(7) != 0, shown == 7) << set; // 500: past the end, nothing
+    }
+
+    // A fixed-pitch font, keywords in bold.
+    EXPECT_TRUE(QFontInfo(edit->Highlighter()->defaultFont(hsDefault)).fixedPitch());
+    EXPECT_TRUE(edit->Highlighter()->defaultFont(hsKeyword).bold());
 }
 
 TEST_F(EditorText, FilesKeepTheirEncodingAndLineBreaks) {
@@ -90,21 +90,17 @@ TEST_F(EditorText, FilesKeepTheirEncodingAndLineBreaks) {
     EXPECT_THROW(edit->LoadFromFile(dir.path() / "missing.pas"), EInOutError);
 }
 
-// Whatever the editor opens it saves back byte for byte: NUL bytes (shown as marks), a byte-order mark,
-// binary data that is no valid UTF-8.
+// Whatever the editor opens it saves back byte for byte: the files of tests/cases/editor/files/ (NUL bytes,
+// shown as marks, a byte-order mark, binary data) and data that is no valid UTF-8.
 TEST_F(EditorText, EveryByteReadIsSavedBack) {
     TempDir dir;
     std::string binary;
     for (int i = 0; i < 151 * 1024; ++i) binary += static_cast<char>((i * 37 + i / 256) & 0xFF);
-    const std::vector<std::string> files = {
-        std::string("unit u;\r\n// a\0b\r\nvar x;\r\n\0\0end\r\n", 32),
-        "\xEF\xBB\xBFunit u;\r\n// caf\xC3\xA9\r\n",
-        std::string("FORM\0\0\0\x0C"
-                    "TEST"
-                    "DATA\0\0\0\0",
-                    20),
-        binary,
-    };
+    std::vector<std::string> files = {binary};
+    for (const auto& entry :
+         std::filesystem::directory_iterator(VELKOR_SOURCE_DIR "/tests/cases/editor/files"))
+        files.push_back(ReadFile(entry.path()));
+    ASSERT_GE(files.size(), 4u);
     for (std::size_t i = 0; i < files.size(); ++i) {
         SCOPED_TRACE(i);
         const auto path = dir.path() / "f.pas";
@@ -118,10 +114,45 @@ TEST_F(EditorText, EveryByteReadIsSavedBack) {
     }
 }
 
-TEST_F(EditorText, FixedPitchFont) {
-    const QFont font = edit->Highlighter()->defaultFont(hsDefault);
-    EXPECT_TRUE(QFontInfo(font).fixedPitch()) << font.family().toStdString();
-    EXPECT_TRUE(edit->Highlighter()->defaultFont(hsKeyword).bold());
+// What would make a keystroke cost time in proportion to a 50,000-line unit: input methods and
+// accessibility asking for the whole text.
+class EditorPerformance : public EditorTest {};
+
+TEST_F(EditorPerformance, InputMethodsAreGivenTheCaretsLineNotTheWholeUnit) {
+    QString text = NumberedLines(50000);
+    text.insert(text.indexOf(QStringLiteral("line 25003")), QString::fromUtf8("\xC3\xA9\xF0\x9D\x84\x9E"));
+    Load(text, 25003);
+    const QString line = edit->LineText(25003);
+    ASSERT_TRUE(line.contains(QString::fromUtf8("\xF0\x9D\x84\x9E")));
+    const auto query = [&](Qt::InputMethodQuery what) {
+        QInputMethodQueryEvent event(what);
+        QApplication::sendEvent(edit.get(), &event);
+        return event.value(what);
+    };
+    // The caret after the two characters put in front of "line": "é" and a character of two UTF-16 units.
+    const int at = static_cast<int>(line.indexOf(QStringLiteral("line 25003")));
+    edit->SendScintilla(QsciScintillaBase::SCI_SETSEL,
+                        edit->SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE, 25003UL),
+                        edit->SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE, 25003UL) +
+                            static_cast<long>(line.left(at).toUtf8().size()));
+    EXPECT_EQ(query(Qt::ImSurroundingText).toString(), line);
+    EXPECT_EQ(query(Qt::ImCursorPosition).toInt(), at);
+    EXPECT_EQ(query(Qt::ImAnchorPosition).toInt(), 0);
+    EXPECT_EQ(query(Qt::ImTextBeforeCursor).toString(), line.left(at));
+    EXPECT_EQ(query(Qt::ImTextAfterCursor).toString(), line.mid(at));
+    // An anchor on another line stands at the caret.
+    edit->SendScintilla(QsciScintillaBase::SCI_SETANCHOR, 0L);
+    EXPECT_EQ(query(Qt::ImAnchorPosition).toInt(), at);
+}
+
+TEST_F(EditorPerformance, WithoutAnAssistiveToolTheEditorIsAPlainAccessibleWidget) {
+    ASSERT_FALSE(QAccessible::isActive());
+    Load(NumberedLines(100));
+    QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(edit.get());
+    ASSERT_NE(accessible, nullptr);
+    EXPECT_EQ(accessible->role(), QAccessible::EditableText);
+    // No text interface: nothing counts characters from the start of the text at every caret move.
+    EXPECT_EQ(accessible->textInterface(), nullptr);
 }
 
 } // namespace

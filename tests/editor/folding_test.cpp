@@ -28,32 +28,11 @@ std::string Folds(std::string_view text, TFoldState state = {}, TFoldState* end 
     return out;
 }
 
-struct FoldCase {
-    const char* What;
-    const char* Text;
-    const char* Folds;
-};
-
 TEST(Folding, LinesOpenAndCloseBlocks) {
-    const FoldCase cases[] = {
-        {"function body", "function A;\nbegin\n  x := 1;\nend;\n", "0H 1 1 1"},
-        {"declarations without body", "function A; forward;\nfunction B(x); external;\nvar a;\n", "0 0 0"},
-        {"locals, nested begin",
-         "function A;\nvar a;\nbegin\n  if (a) then\n  begin\n    a := 1;\n  end;\nend;\n",
-         "0H 1 1 1 1H 2 2 1"},
-        {"objects", "object A (A) AS SHIP\n  x: 0;\nend;\nobject B (B) AS SHIP x: 0; end;\n", "0H 1 1 0"},
-        {"objective", "objective O\n  hidden: 0;\nEND;\n", "0H 1 1"},
-        {"textual IFF", "IFF \"a.iff\"\n{\n  FORM \"X\"\n  {\n    long 1\n  }\n}\n", "0 0H 1 1H 2 2 1"},
-        {"comments and strings", "// begin\n\"end\" /* { */\nbegin\nend;", "0 0 0H 1"},
-        {"block comment over lines", "/* begin\nend */ begin\nend;\n", "0 0H 1"},
-        {"case of the words", "BEGIN\nEnd;\n", "0H 1"},
-        {"one-line block", "begin end;\n", "0"},
-        {"end else begin", "begin\nx;\nend else begin\ny;\nend;\n", "0H 1 1 1 1"},
-        {"stray end", "end;\nbegin\nend;\n", "0 0H 1"},
-        {"CR LF breaks", "function A;\r\nbegin\r\nend;\r\n", "0H 1 1"},
-        {"words inside identifiers", "beginning := ending;\nobjects := 1;\n", "0 0"},
-    };
-    for (const FoldCase& c : cases) EXPECT_EQ(Folds(c.Text), c.Folds) << c.What;
+    for (const QStringList& row : test::Rows("folds.txt")) {
+        ASSERT_EQ(row.size(), 3);
+        EXPECT_EQ(Folds(test::Unescape(row[1])), row[2].toStdString()) << row[0].toStdString();
+    }
 }
 
 TEST(Folding, StateCarriesFromOneRangeToTheNext) {
@@ -70,26 +49,11 @@ TEST(Folding, StateCarriesFromOneRangeToTheNext) {
     }
 }
 
-struct MatchCase {
-    const char* What;
-    const char* Text; // "|" marks the caret, "^" the start of the expected partner (none: no match)
-};
-
 TEST(Folding, BlockWordsFindTheirPartner) {
-    const MatchCase cases[] = {
-        {"begin forward", "|begin\n  x;\n^end;"},
-        {"end backward, nested", "^begin\n  begin x end;\nend|;"},
-        {"inner pair", "function F;\nbegin\n  if (a) then |begin b; ^end;\nend;"},
-        {"caret inside end", "^object A (A) AS SHIP x: 0; e|nd;"},
-        {"objective", "|objective O hidden: 0; ^end;"},
-        {"end in a comment", "|begin // end\n^end;"},
-        {"end in a string", "|begin \"end\" ^end;"},
-        {"unmatched", "|begin\nbegin\nend;"},
-        {"caret on no block word", "x| := 1; begin end;"},
-        {"block word in a comment", "// |end\nbegin end;"},
-    };
-    for (const MatchCase& c : cases) {
-        std::string text = c.Text;
+    for (const QStringList& row : test::Rows("block_match.txt")) {
+        SCOPED_TRACE(row.join(u'\t').toStdString());
+        ASSERT_EQ(row.size(), 2);
+        std::string text = test::Unescape(row[1]);
         size_t caret = text.find('|');
         size_t partner = text.find('^');
         if (partner != std::string::npos && partner < caret) --caret;
@@ -98,13 +62,13 @@ TEST(Folding, BlockWordsFindTheirPartner) {
         text.erase(std::remove(text.begin(), text.end(), '^'), text.end());
         const std::optional<TBlockMatch> match = MatchBlockWord(text, lsCode, caret);
         if (partner == std::string::npos) {
-            EXPECT_FALSE(match.has_value()) << c.What;
+            EXPECT_FALSE(match.has_value());
             continue;
         }
-        ASSERT_TRUE(match.has_value()) << c.What;
-        EXPECT_EQ(match->Partner.Start, partner) << c.What;
-        EXPECT_LE(match->Word.Start, caret) << c.What;
-        EXPECT_GE(match->Word.Start + match->Word.Length, caret) << c.What;
+        ASSERT_TRUE(match.has_value());
+        EXPECT_EQ(match->Partner.Start, partner);
+        EXPECT_LE(match->Word.Start, caret);
+        EXPECT_GE(match->Word.Start + match->Word.Length, caret);
     }
 }
 
@@ -119,12 +83,30 @@ protected:
         return static_cast<int>(edit->SendScintilla(QsciScintillaBase::SCI_GETFOLDLEVEL, line));
     }
     bool IsHeader(int line) const { return (Level(line) & QsciScintillaBase::SC_FOLDLEVELHEADERFLAG) != 0; }
-    bool Visible(int line) const {
-        return edit->SendScintilla(QsciScintillaBase::SCI_GETLINEVISIBLE, line) != 0;
+    // One letter per line: "H" for a fold header, "v" for another line; "h" and "." where hidden.
+    std::string Lines() const {
+        std::string out;
+        for (int line = 0; line < edit->lines(); ++line) {
+            const bool shown = edit->SendScintilla(QsciScintillaBase::SCI_GETLINEVISIBLE, line) != 0;
+            out += IsHeader(line) ? (shown ? 'H' : 'h') : (shown ? 'v' : '.');
+        }
+        return out;
     }
-    bool Marked(long position) const {
-        return edit->SendScintilla(QsciScintillaBase::SCI_INDICATORVALUEAT, TSyntaxEdit::kBlockMatchIndicator,
-                                   position) != 0;
+    // The runs of text the block match marks, as "line:text".
+    std::string MarkedWords() const {
+        std::string out;
+        const auto marked = [this](long at) {
+            return at >= 0 && edit->SendScintilla(QsciScintillaBase::SCI_INDICATORVALUEAT,
+                                                  TSyntaxEdit::kBlockMatchIndicator, at) != 0;
+        };
+        for (long at = 0; at < edit->SendScintilla(QsciScintillaBase::SCI_GETLENGTH); ++at) {
+            if (!marked(at)) continue;
+            if (!marked(at - 1))
+                out += (out.empty() ? "" : " ") +
+                       std::to_string(edit->SendScintilla(QsciScintillaBase::SCI_LINEFROMPOSITION, at)) + ':';
+            out += static_cast<char>(edit->SendScintilla(QsciScintillaBase::SCI_GETCHARAT, at));
+        }
+        return out;
     }
     void Settle() {
         QCoreApplication::processEvents();
@@ -147,36 +129,20 @@ constexpr const char* kUnit = "mission M;\r\n"           // 0
 TEST_F(FoldingEditorTest, FoldsBlockMatchesAndBracketsInTheEditor) {
     Load(QString::fromLatin1(kUnit));
     Settle();
-    for (int line : {1, 4, 8}) EXPECT_TRUE(IsHeader(line)) << line;
-    for (int line : {0, 2, 3, 5, 6, 7, 9, 10}) EXPECT_FALSE(IsHeader(line)) << line;
+    EXPECT_EQ(Lines(), "vHvvHvvvHvvv");
     // Clicking the fold box of the function hides its body, the next declaration stays.
     edit->foldLine(1);
-    for (int line = 2; line <= 7; ++line) EXPECT_FALSE(Visible(line)) << line;
-    EXPECT_TRUE(Visible(1));
-    EXPECT_TRUE(Visible(8));
+    EXPECT_EQ(Lines(), "vH..h...Hvvv");
     edit->foldLine(1);
-    for (int line = 2; line <= 7; ++line) EXPECT_TRUE(Visible(line)) << line;
+    EXPECT_EQ(Lines(), "vHvvHvvvHvvv");
 
-    // The caret on a block word marks it and its partner.
-    edit->SetCaret(4, 3);
-    Settle();
-    const long innerBegin = edit->positionFromLineIndex(4, 2);
-    const long innerEnd = edit->positionFromLineIndex(6, 2);
-    const long outerEnd = edit->positionFromLineIndex(7, 0);
-    EXPECT_TRUE(Marked(innerBegin));
-    EXPECT_TRUE(Marked(innerEnd));
-    EXPECT_FALSE(Marked(outerEnd));
-    // On the object's end: the object word and the end.
-    edit->SetCaret(10, 3);
-    Settle();
-    EXPECT_FALSE(Marked(innerBegin));
-    EXPECT_TRUE(Marked(edit->positionFromLineIndex(8, 0)));
-    EXPECT_TRUE(Marked(edit->positionFromLineIndex(10, 0)));
-    // Elsewhere nothing is marked.
-    edit->SetCaret(5, 5);
-    Settle();
-    EXPECT_FALSE(Marked(edit->positionFromLineIndex(8, 0)));
-    EXPECT_FALSE(Marked(edit->positionFromLineIndex(10, 0)));
+    // The caret on a block word marks it and its partner: the inner pair, the object and its end.
+    for (const auto& [line, index, marked] :
+         {std::tuple{4, 3, "4:begin 6:end"}, {10, 3, "8:object 10:end"}, {5, 5, ""}}) {
+        edit->SetCaret(line, index);
+        Settle();
+        EXPECT_EQ(MarkedWords(), marked) << line;
+    }
 
     // Brackets match only in code.
     edit->SetCaret(9, 5);

@@ -1,23 +1,10 @@
-// Code assistance on a compiled page beyond the scenarios in tests/cases/ide/scenarios: the kept range
-// error of Find Declaration, completion into the symbol browser, the string list, the mouse hint and the
+// Code assistance on a compiled page beyond the scenarios in tests/cases/ide/scenarios: the mouse hint,
+// the kept range error of Find Declaration, completion into the symbol browser, the string list and the
 // context menu's captions.
-#include "compiler/symbol_queries.h"
-#include "ide/edit_page.h"
-#include "ide/help_view.h"
-#include "ide/main_window.h"
-#include "ide/output_view.h"
 #include "ide/proc_list.h"
-#include "ide/reg_mru.h"
 #include "iff/iff_strings.h"
 #include "tests/ide/edit_page_test_support.h"
 
-#include <QAction>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMenu>
-#include <QTabWidget>
-#include <QTest>
 #include <QTreeWidget>
 
 namespace velkor::test {
@@ -25,24 +12,31 @@ namespace {
 
 class CodeAssistTest : public PageTest {};
 
-TEST_F(CodeAssistTest, ADeclarationAboveLineFiveIsTheKeptRangeError) {
+TEST_F(CodeAssistTest, OnTheCompiledDemo) {
     TfrmMain window({});
     TfrmEdit* page = OpenDemo(window);
     ASSERT_NE(page, nullptr);
+    Show(window, 900, 700);
+    TSyntaxEdit* memo = page->Memo();
+    // The mouse hint names the symbol under the pointer.
+    memo->setFirstVisibleLine(0);
+    const auto hintAt = [&](int line, int index) {
+        return page->SymbolHintAt(TextRect(*memo, line, index, index).topLeft() + QPoint(2, 4));
+    };
+    EXPECT_EQ(hintAt(8, 11), QStringLiteral("Function Attack (2 parameters) - Demo.pas (9)"));
+    EXPECT_EQ(hintAt(1, 8), QStringLiteral("Constant MAXWAVE = 3 - Demo.pas (2)"));
+    EXPECT_EQ(hintAt(16, 22), QStringLiteral("Function Boost (1 parameter) - helpers.pas (6)"));
+    EXPECT_EQ(page->SymbolHintAt(QPoint(2000, 2000)), QString());
+
+    // A declaration above line five is the kept range error of Find Declaration.
     EXPECT_THROW(page->ShowDeclarationLine(0), ERangeError);
     EXPECT_THROW(page->ShowDeclarationLine(4), ERangeError);
     EXPECT_NO_THROW(page->ShowDeclarationLine(5));
-    EXPECT_EQ(page->Memo()->CaretLine(), 4);
-}
+    EXPECT_EQ(memo->CaretLine(), 4);
 
-// Several matches or none: the symbol browser opens, filtered.
-TEST_F(CodeAssistTest, CompletionWithSeveralOrNoMatchesOpensTheBrowser) {
-    TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
-    ASSERT_NE(page, nullptr);
+    // Completion with several matches or none opens the symbol browser, filtered.
     QString filter;
-    int mask = 0;
-    int rows = -1;
+    int mask = 0, rows = -1;
     DialogHooks().ExecModal = [&](QDialog& dialog) {
         auto& list = static_cast<TfrmProcList&>(dialog);
         filter = list.edtMethods()->text();
@@ -50,19 +44,15 @@ TEST_F(CodeAssistTest, CompletionWithSeveralOrNoMatchesOpensTheBrowser) {
         rows = list.lvProcs()->topLevelItemCount();
         return 0;
     };
-    page->Memo()->SetText(QStringLiteral("ship"));
-    page->Memo()->SetCaret(0, 4);
-    page->CompleteWordAtCursor();
-    EXPECT_EQ(filter, QStringLiteral("ship"));
-    EXPECT_EQ(mask, 15);
-    EXPECT_EQ(rows, 3); // SHIPCOUNT, shipsLeft, shipBonus
-    EXPECT_EQ(page->Text(), QStringLiteral("ship"));
-
-    page->Memo()->SetText(QStringLiteral("nothing"));
-    page->Memo()->SetCaret(0, 3);
-    page->CompleteWordAtCursor();
-    EXPECT_EQ(filter, QStringLiteral("nothing"));
-    EXPECT_EQ(rows, 0);
+    for (const auto& [word, found] : {std::pair{"ship", 3}, std::pair{"nothing", 0}}) {
+        memo->SetText(QString::fromLatin1(word));
+        memo->SetCaret(0, 3);
+        page->CompleteWordAtCursor();
+        EXPECT_EQ(filter, QString::fromLatin1(word));
+        EXPECT_EQ(mask, 15);
+        EXPECT_EQ(rows, found); // SHIPCOUNT, shipsLeft, shipBonus
+        EXPECT_EQ(page->Text(), QString::fromLatin1(word));
+    }
 }
 
 TEST_F(CodeAssistTest, TheStringListOpensOnTheTableAndInsertsTheChosenString) {
@@ -71,9 +61,9 @@ TEST_F(CodeAssistTest, TheStringListOpensOnTheTableAndInsertsTheChosenString) {
     table.InfoText1 = "English";
     table.InfoText2 = "Default";
     table.SaveToFile(Dir() / "texts.eng");
-    const std::string unit = "mission Talk;\r\n#STRINGS texts;\r\nvar x;\r\n";
     TfrmMain window({});
-    TfrmEdit* page = window.OpenFile(MakeFile("talk.pas", unit), false);
+    TfrmEdit* page =
+        window.OpenFile(MakeFile("talk.pas", "mission Talk;\r\n#STRINGS texts;\r\nvar x;\r\n"), false);
     ASSERT_NE(page, nullptr);
     ASSERT_TRUE(page->Compile()) << Output(window);
     window.show();
@@ -107,32 +97,10 @@ TEST_F(CodeAssistTest, TheStringListOpensOnTheTableAndInsertsTheChosenString) {
     EXPECT_EQ(page->Text(), QStringLiteral("texts["));
 }
 
-TEST_F(CodeAssistTest, TheMouseHintNamesTheSymbolUnderThePointer) {
-    TfrmMain window({});
-    TfrmEdit* page = OpenDemo(window);
-    ASSERT_NE(page, nullptr);
-    Show(window, 900, 700);
-    TSyntaxEdit* memo = page->Memo();
-    memo->setFirstVisibleLine(0);
-    const auto pointOf = [memo](int line, int index) {
-        const long at = memo->positionFromLineIndex(line, index);
-        return QPoint(
-            static_cast<int>(memo->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0UL, at)) + 2,
-            static_cast<int>(memo->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0UL, at)) + 4);
-    };
-    EXPECT_EQ(page->SymbolHintAt(pointOf(8, 11)), // inside "Attack" on line 9
-              QStringLiteral("Function Attack (2 parameters) - Demo.pas (9)"));
-    EXPECT_EQ(page->SymbolHintAt(pointOf(1, 8)), QStringLiteral("Constant MAXWAVE = 3 - Demo.pas (2)"));
-    EXPECT_EQ(page->SymbolHintAt(pointOf(16, 22)), // "Boost" on line 17
-              QString::fromStdString("Function Boost (1 parameter) - helpers.pas (6)"));
-    EXPECT_EQ(page->SymbolHintAt(QPoint(2000, 2000)), QString());
-}
-
 TEST_F(CodeAssistTest, ContextMenuCaptions) {
     TfrmMain window({});
-    TfrmEdit* page = window.ActivePage();
     const auto expected = ReadCases("context_menu.txt");
-    const QList<QAction*> actions = page->PopupMenu1()->actions();
+    const QList<QAction*> actions = window.ActivePage()->PopupMenu1()->actions();
     ASSERT_EQ(actions.size(), static_cast<qsizetype>(expected.size()));
     for (qsizetype i = 0; i < actions.size(); ++i) {
         const QStringList& row = expected[static_cast<std::size_t>(i)];

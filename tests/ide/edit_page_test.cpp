@@ -1,15 +1,6 @@
 // An editor page: atomic writing, compiling into the output and IFF views, and
 // building the binary files.
-#include "ide/edit_page.h"
-#include "ide/iff_view.h"
-#include "ide/main_window.h"
-#include "ide/output_view.h"
-#include "ide/reg_mru.h"
-#include "platform/ini_file.h"
 #include "tests/ide/edit_page_test_support.h"
-
-#include <QAction>
-#include <QMenu>
 
 #include <csignal>
 #include <sys/resource.h>
@@ -38,9 +29,7 @@ TEST_F(EditPageTest, AFailedSaveLeavesTheOldFileIntact) {
     page = window.OpenFile(file, false);
     ASSERT_NE(page, nullptr);
     // The disk fills up part-way through the write.
-    QString big = QStringLiteral("unit big;\r\n");
-    for (int i = 0; i < 20000; ++i) big += QStringLiteral("var v%1;\r\n").arg(i);
-    page->Memo()->SetText(big);
+    page->Memo()->SetText(QStringLiteral("unit big;\r\n") + QStringLiteral("var v;\r\n").repeated(20000));
     rlimit old{};
     getrlimit(RLIMIT_FSIZE, &old);
     const auto oldSignal = std::signal(SIGXFSZ, SIG_IGN);

@@ -1,21 +1,29 @@
-// Shared by the tests of editor pages: a demo mission with one of each kind of symbol, an include unit
-// with a function, and files in the test's folder.
+// Shared by the tests of editor pages and windows: the units they open (tests/cases/ide/units/), files in
+// the test's folder, and the headers of the IDE and of Qt they all use.
 #pragma once
 
 #include "compiler/symbol_table.h"
 #include "ide/edit_page.h"
+#include "ide/iff_view.h"
 #include "ide/main_window.h"
 #include "ide/output_view.h"
+#include "ide/settings_dialog.h"
 #include "platform/executable_path.h"
 #include "platform/ini_file.h"
 #include "platform/numbers.h"
-#include "platform/strings.h"
 #include "tests/ide/ide_test_support.h"
+#include "tests/ide/screenshot_support.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
 #include <QString>
 #include <QTest>
 
+#include <filesystem>
 #include <ostream>
 #include <string>
 
@@ -26,57 +34,20 @@ inline void PrintTo(const QString& text, std::ostream* out) {
 
 namespace velkor::test {
 
-// Line numbers matter: Attack is declared on line 9, Boost on line 6 of the include unit.
-inline constexpr const char* kDemoMission = "mission Demo;\r\n"                                        // 1
-                                            "const MaxWave = 3, ShipCount = 2;\r\n"                    // 2
-                                            "var kills = 0, shipsLeft;\r\n"                            // 3
-                                            "include \"helpers\";\r\n"                                 // 4
-                                            "function Explode(x, y); external;\r\n"                    // 5
-                                            "function Tick; forward;\r\n"                              // 6
-                                            "\r\n"                                                     // 7
-                                            "// Adds its arguments.\r\n"                               // 8
-                                            "function Attack(ship, target);\r\n"                       // 9
-                                            "begin\r\n"                                                // 10
-                                            "  result := ship + target;\r\n"                           // 11
-                                            "end;\r\n"                                                 // 12
-                                            "\r\n"                                                     // 13
-                                            "function Tick;\r\n"                                       // 14
-                                            "var a;\r\n"                                               // 15
-                                            "begin\r\n"                                                // 16
-                                            "  a := Attack(kills, Boost(a));\r\n"                      // 17
-                                            "end;\r\n"                                                 // 18
-                                            "\r\n"                                                     // 19
-                                            "object Alpha (Alpha1) AS ship x: 0; y: 0; z: 0; end;\r\n" // 20
-                                            "objective FirstWave hidden: 0; type: 1; text: 7; status: 0; "
-                                            "counter: 0; end;\r\n"; // 21
+// A unit of tests/cases/ide/units/ with CR LF line breaks, as units written on Windows have.
+inline std::string TestUnit(const char* name) {
+    std::string text;
+    for (const char c : ReadFile(std::filesystem::path(VELKOR_SOURCE_DIR) / "tests/cases/ide/units" / name))
+        text += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    return text;
+}
 
-inline constexpr const char* kHelpersUnit = "unit Helpers;\r\n"           // 1
-                                            "\r\n"                        // 2
-                                            "var shipBonus;\r\n"          // 3
-                                            "\r\n"                        // 4
-                                            "// Doubles.\r\n"             // 5
-                                            "function Boost(amount);\r\n" // 6
-                                            "begin\r\n"                   // 7
-                                            "  result := amount * 2;\r\n" // 8
-                                            "end;\r\n";                   // 9
-
-// A unit with three errors in three statements and an include whose function has one more.
-inline constexpr const char* kBroken = "mission Broken;\r\n"     // 1
-                                       "include \"faulty\";\r\n" // 2
-                                       "var a;\r\n"              // 3
-                                       "function Main;\r\n"      // 4
-                                       "begin\r\n"               // 5
-                                       "  a := 1 +;\r\n"         // 6
-                                       "  a := );\r\n"           // 7
-                                       "  a := Faulty(1);\r\n"   // 8
-                                       "  nosuchthing(a);\r\n"   // 9
-                                       "end;\r\n";               // 10
-inline constexpr const char* kFaulty = "unit Faulty;\r\n"        // 1
-                                       "\r\n"                    // 2
-                                       "function Faulty(x);\r\n" // 3
-                                       "begin\r\n"               // 4
-                                       "  result := x *;\r\n"    // 5
-                                       "end;\r\n";               // 6
+// The demo mission has one symbol of each kind, Attack declared on line 9, and includes Helpers (Boost on
+// line 6). Broken has three errors in three statements and includes Faulty, whose function has one more.
+inline const std::string kDemoMission = TestUnit("Demo.pas");
+inline const std::string kHelpersUnit = TestUnit("helpers.pas");
+inline const std::string kBroken = TestUnit("broken.pas");
+inline const std::string kFaulty = TestUnit("faulty.pas");
 
 class PageTest : public IdeTest {
 protected:

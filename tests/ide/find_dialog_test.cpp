@@ -1,22 +1,14 @@
 // The find and replace dialog itself: its controls, option bits, rules and history.
 #include "editor/search_options.h"
-#include "ide/edit_page.h"
 #include "ide/find_dialog.h"
-#include "ide/main_window.h"
 #include "tests/ide/edit_page_test_support.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QCheckBox>
-#include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStatusBar>
-
-#include <deque>
 
 namespace velkor::test {
 namespace {
@@ -30,7 +22,7 @@ protected:
         return child;
     }
 
-    // Sets the text to find and presses a button the way the user would.
+    // Presses a button the way the user would and gives the dialog's result.
     static int Press(TSyntaxFindDialog& dialog, QPushButton* button) {
         dialog.setResult(QDialog::Rejected);
         button->click();
@@ -40,19 +32,17 @@ protected:
 
 TEST_F(FindDialogTest, ControlsCaptionsAndOptionBits) {
     TSyntaxFindDialog dialog;
-    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Find or replace text"));
-    QStringList groups;
-    for (const QGroupBox* group : dialog.findChildren<QGroupBox*>()) groups << group->title();
-    groups.sort();
-    EXPECT_EQ(groups, (QStringList{" Direction: ", " Operation: ", " Options: ", " Scope: ", "Origin: "}));
-    QStringList labels;
-    for (const QLabel* label : dialog.findChildren<QLabel*>()) labels << label->text();
-    EXPECT_TRUE(labels.contains(QStringLiteral("Text to find:")));
-    EXPECT_TRUE(labels.contains(QStringLiteral("Text to insert:")));
-    EXPECT_EQ(dialog.OkButton()->text(), QStringLiteral("OK"));
+    // Every caption, sorted: the title, the groups, the labels and the buttons.
+    QStringList texts{dialog.windowTitle()};
+    for (const QGroupBox* group : dialog.findChildren<QGroupBox*>()) texts << group->title();
+    for (const QLabel* label : dialog.findChildren<QLabel*>()) texts << label->text();
+    for (const QPushButton* button : dialog.findChildren<QPushButton*>()) texts << button->text();
+    texts.sort();
+    QStringList expected;
+    for (const QStringList& row : ReadCases("find_dialog_captions.txt"))
+        expected << row[0].mid(1, row[0].size() - 2);
+    EXPECT_EQ(texts, expected);
     EXPECT_TRUE(dialog.OkButton()->isDefault());
-    EXPECT_EQ(dialog.ReplaceAllButton()->text(), QStringLiteral("Replace &all"));
-    EXPECT_EQ(dialog.CancelButton()->text(), QStringLiteral("Cancel"));
     EXPECT_NE(dialog.findChild<QStatusBar*>(), nullptr);
     // Initially: forward, global, from cursor, search only, prompt on replace. Each option box alone adds
     // its bit; the radio buttons add theirs (prompt off).
@@ -74,31 +64,22 @@ TEST_F(FindDialogTest, ControlsCaptionsAndOptionBits) {
 }
 
 TEST_F(FindDialogTest, EnablingRules) {
+    for (const QStringList& row : ReadCases("find_dialog_rules.txt")) {
+        SCOPED_TRACE(row.join(u'\t').toStdString());
+        ASSERT_EQ(row.size(), 5);
+        TSyntaxFindDialog dialog;
+        dialog.SetFindText(row[0] == u'-' ? QString() : row[0]);
+        dialog.SetReplaceMode(row[1] == u"replace");
+        for (const QString& state : row[2].split(u' '))
+            Child<QCheckBox>(dialog, "RECheckBox")->setChecked(state == u"on");
+        for (const int enabled : {1, 0}) {
+            for (const QString& name : row[4 - enabled].split(u' ', Qt::SkipEmptyParts))
+                if (name != u'-')
+                    EXPECT_EQ(Child<QWidget>(dialog, name.toLatin1().constData())->isEnabled(), enabled != 0)
+                        << name.toStdString();
+        }
+    }
     TSyntaxFindDialog dialog;
-    dialog.SetFindText({});
-    EXPECT_FALSE(dialog.OkButton()->isEnabled());
-    EXPECT_FALSE(dialog.ReplaceAllButton()->isEnabled());
-    EXPECT_FALSE(dialog.NewTextComboBox()->isEnabled());
-    EXPECT_FALSE(Child<QCheckBox>(dialog, "PromptCheckBox")->isEnabled());
-    dialog.SetFindText(QStringLiteral("x"));
-    EXPECT_TRUE(dialog.OkButton()->isEnabled());
-    EXPECT_FALSE(dialog.ReplaceAllButton()->isEnabled());
-    dialog.SetReplaceMode(true);
-    EXPECT_TRUE(dialog.ReplaceAllButton()->isEnabled());
-    EXPECT_TRUE(dialog.NewTextComboBox()->isEnabled());
-    EXPECT_TRUE(Child<QCheckBox>(dialog, "PromptCheckBox")->isEnabled());
-    dialog.SetFindText({});
-    EXPECT_FALSE(dialog.ReplaceAllButton()->isEnabled());
-
-    // A regular expression cannot go backward, compress spaces or match whole words.
-    Child<QCheckBox>(dialog, "RECheckBox")->setChecked(true);
-    for (const char* name : {"CompressCheckBox", "WholeWordCheckBox"})
-        EXPECT_FALSE(Child<QCheckBox>(dialog, name)->isEnabled()) << name;
-    EXPECT_FALSE(Child<QRadioButton>(dialog, "BackwardRadioButton")->isEnabled());
-    EXPECT_FALSE(Child<QRadioButton>(dialog, "ForwardRadioButton")->isEnabled());
-    Child<QCheckBox>(dialog, "RECheckBox")->setChecked(false);
-    EXPECT_TRUE(Child<QRadioButton>(dialog, "BackwardRadioButton")->isEnabled());
-
     // On showing, the find box has the focus.
     dialog.SetFindText(QStringLiteral("y"));
     dialog.show();
@@ -107,7 +88,7 @@ TEST_F(FindDialogTest, EnablingRules) {
     EXPECT_TRUE(dialog.FindTextComboBox()->hasFocus() || dialog.FindTextComboBox()->lineEdit()->hasFocus());
 }
 
-TEST_F(FindDialogTest, HistoryHoldsEachTextOnceMostRecentFirst) {
+TEST_F(FindDialogTest, HistoryHoldsEachTextOnceMostRecentFirstAndTheBoxCompletesInItsDropDown) {
     TSyntaxFindDialog dialog;
     for (const char* text : {"alpha", "beta", "alpha", "gamma", "alpha"}) {
         dialog.SetFindText(QString::fromLatin1(text));
@@ -120,6 +101,17 @@ TEST_F(FindDialogTest, HistoryHoldsEachTextOnceMostRecentFirst) {
     EXPECT_EQ(Press(dialog, dialog.ReplaceAllButton()), TSyntaxFindDialog::kReplaceAllResult);
     EXPECT_EQ(dialog.FindHistory(), (QStringList{"beta", "alpha", "gamma"}));
     EXPECT_EQ(Press(dialog, dialog.CancelButton()), QDialog::Rejected);
+
+    // The find box completes only in its drop-down, not in the text typed.
+    dialog.show();
+    QComboBox* box = dialog.FindTextComboBox();
+    box->addItem(QStringLiteral("Foe(\\d)"));
+    box->setEditText(QString());
+    QTest::keyClicks(box->lineEdit(), QStringLiteral("Foe"));
+    EXPECT_EQ(box->currentText(), QStringLiteral("Foe"));
+    EXPECT_EQ(box->lineEdit()->selectedText(), QString());
+    QTest::keyClicks(box->lineEdit(), QStringLiteral("x"));
+    EXPECT_EQ(box->currentText(), QStringLiteral("Foex"));
 }
 
 } // namespace

@@ -1,31 +1,17 @@
 // The map view: the objects of a compiled mission and of a decoded sector, the way back from an object
 // to its text, zooming and fitting, and the picture itself in the light and the dark palette (these last
 // also run under Xvfb, see CMakeLists.txt).
-#include "ide/edit_page.h"
-#include "ide/iff_view.h"
-#include "ide/main_window.h"
 #include "ide/map_canvas.h"
 #include "ide/map_links.h"
 #include "ide/map_view.h"
-#include "ide/output_view.h"
 #include "iff/map_symbols.h"
-#include "platform/executable_path.h"
-#include "platform/ini_file.h"
-#include "tests/ide/ide_test_support.h"
-#include "tests/ide/screenshot_support.h"
+#include "tests/ide/edit_page_test_support.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QHelpEvent>
-#include <QImage>
 #include <QPalette>
-#include <QPixmap>
 #include <QStyle>
-#include <QTest>
 #include <QToolTip>
 #include <QWheelEvent>
-
-#include <filesystem>
 
 namespace velkor::test {
 namespace {
@@ -33,11 +19,10 @@ namespace {
 const std::filesystem::path kSource(VELKOR_SOURCE_DIR);
 const std::filesystem::path kCampaign = kSource / "examples/campaign";
 
-class MapViewTest : public IdeTest {
+class MapViewTest : public PageTest {
 protected:
     void SetUp() override {
-        IdeTest::SetUp();
-        TIniFile(IniPath()).WriteString("main", "sopath", "/so");
+        PageTest::SetUp();
         // The mission with the units it includes and the string file it reads, in a folder of its own.
         for (const char* unit : {"patrol.pas", "common.pas", "frontier.pas"})
             std::filesystem::copy_file(kCampaign / unit, Dir() / unit);
@@ -46,19 +31,15 @@ protected:
         ASSERT_EQ(r.exitCode, 0) << r.err;
         // The library units the missions include, where "$compiler$\lib" points.
         std::filesystem::copy(kSource / "lib", Dir() / "lib", std::filesystem::copy_options::recursive);
-        SetExecutableFolderForTesting(Dir().string());
-    }
-    void TearDown() override {
-        SetExecutableFolderForTesting("");
-        IdeTest::TearDown();
     }
 
     // Compiles the unit in a page of the window and shows the map of it.
     TfrmEdit* CompileAndMap(TfrmMain& window, const std::string& unit) {
         TfrmEdit* page = window.OpenFile(Path(unit), false);
-        EXPECT_NE(page, nullptr);
-        if (!page) return nullptr;
-        EXPECT_TRUE(page->Compile()) << window.OutputView().Lines().join(u'\n').toStdString();
+        if (!page || !page->Compile()) {
+            ADD_FAILURE() << window.OutputView().Lines().join(u'\n').toStdString();
+            return nullptr;
+        }
         window.MapView().show();
         window.MapView().Refresh();
         return page;
@@ -66,17 +47,17 @@ protected:
 
     static int IndexNamed(TMapCanvas& canvas, const std::string& name) {
         const auto& objects = canvas.Objects();
-        for (std::size_t i = 0; i < objects.size(); ++i)
-            if (objects[i].Name == name) return static_cast<int>(i);
-        return -1;
+        const auto found =
+            std::find_if(objects.begin(), objects.end(), [&](auto& o) { return o.Name == name; });
+        return found == objects.end() ? -1 : static_cast<int>(found - objects.begin());
     }
 
     // The line (from 0) of the first line of the page's text that contains `text`.
     static int LineContaining(const TfrmEdit& page, const QString& text) {
         const QStringList lines = page.Text().split(u'\n');
-        for (int i = 0; i < lines.size(); ++i)
-            if (lines[i].contains(text)) return i;
-        return -1;
+        return static_cast<int>(
+            std::find_if(lines.begin(), lines.end(), [&](auto& l) { return l.contains(text); }) -
+            lines.begin());
     }
 
     static void DoubleClick(TMapCanvas& canvas, int object) {
@@ -88,8 +69,7 @@ protected:
 
 TEST_F(MapViewTest, ACompiledMissionShowsItsObjectsLeadsToTheirDeclarationsAndZooms) {
     TfrmMain window({});
-    window.resize(1100, 800);
-    window.show();
+    Show(window, 1100, 800);
     TfrmEdit* page = CompileAndMap(window, "patrol.pas");
     ASSERT_NE(page, nullptr);
     TMapCanvas& canvas = *window.MapView().Canvas();
@@ -123,8 +103,7 @@ TEST_F(MapViewTest, ACompiledMissionShowsItsObjectsLeadsToTheirDeclarationsAndZo
     QTest::mousePress(&canvas, Qt::LeftButton, {}, middle.toPoint());
     QTest::mouseMove(&canvas, (middle + QPointF(30, -20)).toPoint());
     QTest::mouseRelease(&canvas, Qt::LeftButton, {}, (middle + QPointF(30, -20)).toPoint());
-    const TMapTransform moved = canvas.Scene().panels.at(0).transform;
-    EXPECT_NE(moved.originX, fitted.originX);
+    EXPECT_NE(canvas.Scene().panels.at(0).transform.originX, fitted.originX);
     window.MapView().findChild<QAction*>(QStringLiteral("MapFit"))->trigger();
     EXPECT_DOUBLE_EQ(canvas.Scene().panels.at(0).transform.scale, fitted.scale);
     EXPECT_DOUBLE_EQ(canvas.Scene().panels.at(0).transform.originX, fitted.originX);
@@ -189,20 +168,14 @@ TEST(MapLinks, ObjectFormsAndGameNamesAreFoundInTheText) {
     const std::string text =
         "IFF \"a.sec\"\r\n{\r\n  FORM \"OBJS\"\r\n  {\r\n    FORM \"OBJ_\"\r\n    {\r\n"
         "    }\r\n    form   \"OBJ_\" {}\r\n    // FORM \"OBJ_\"\r\n    FORM \"OBJ_\"\n}";
-    EXPECT_EQ(ObjectFormLine(text, 0), 4);
-    EXPECT_EQ(ObjectFormLine(text, 1), 7);
-    EXPECT_EQ(ObjectFormLine(text, 2), 9);
-    EXPECT_EQ(ObjectFormLine(text, 3), -1);
-    struct Case {
-        std::string line, name;
-    };
-    const Case cases[] = {
-        {"object Station (OutpostStation) AS CAPSHIP", "OutpostStation"},
-        {"object Gate ( \"JumpGate\" ) AS JUMPPOINT", "JumpGate"},
-        {"object Alpha1;", ""},
-        {"object Broken (Open AS SHIP", ""},
-    };
-    for (const Case& c : cases) EXPECT_EQ(GameNameOfDeclaration(c.line), c.name) << c.line;
+    for (const auto& [object, line] : {std::pair{0, 4}, {1, 7}, {2, 9}, {3, -1}})
+        EXPECT_EQ(ObjectFormLine(text, object), line) << object;
+    for (const auto& [line, name] :
+         {std::pair{"object Station (OutpostStation) AS CAPSHIP", "OutpostStation"},
+          {"object Gate ( \"JumpGate\" ) AS JUMPPOINT", "JumpGate"},
+          {"object Alpha1;", ""},
+          {"object Broken (Open AS SHIP", ""}})
+        EXPECT_EQ(GameNameOfDeclaration(line), name) << line;
 }
 
 class MapScreenshotTest : public MapViewTest {
@@ -212,23 +185,10 @@ protected:
         MapViewTest::TearDown();
     }
 
-    static QPalette DarkPalette() {
-        QPalette dark;
-        dark.setColor(QPalette::Window, QColor(0x2B, 0x2B, 0x2B));
-        dark.setColor(QPalette::WindowText, QColor(0xE0, 0xE0, 0xE0));
-        dark.setColor(QPalette::Base, QColor(0x1E, 0x1E, 0x1E));
-        dark.setColor(QPalette::Text, QColor(0xE0, 0xE0, 0xE0));
-        dark.setColor(QPalette::Button, QColor(0x35, 0x35, 0x35));
-        dark.setColor(QPalette::ButtonText, QColor(0xE0, 0xE0, 0xE0));
-        return dark;
-    }
-
     // The map of the demo mission as the screen shows it, checked pixel by pixel where it matters.
     void CheckPicture(TMapTheme theme, const char* keepAs) {
         TfrmMain window({});
-        window.resize(1100, 800);
-        window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        Show(window, 1100, 800);
         ASSERT_NE(CompileAndMap(window, "patrol.pas"), nullptr);
         TMapCanvas& canvas = *window.MapView().Canvas();
         ASSERT_EQ(canvas.Theme(), theme);
@@ -269,7 +229,15 @@ TEST_F(MapScreenshotTest, TheMapInTheLightAndTheDarkPalette) {
     light.setColor(QPalette::Window, QColor(0xEF, 0xEF, 0xEF));
     QApplication::setPalette(light);
     CheckPicture(TMapTheme::Light, "map_light.png");
-    QApplication::setPalette(DarkPalette());
+    QPalette dark;
+    for (const auto& [role, rgb] : {std::pair{QPalette::Window, 0x2B2B2B},
+                                    {QPalette::WindowText, 0xE0E0E0},
+                                    {QPalette::Base, 0x1E1E1E},
+                                    {QPalette::Text, 0xE0E0E0},
+                                    {QPalette::Button, 0x353535},
+                                    {QPalette::ButtonText, 0xE0E0E0}})
+        dark.setColor(role, QColor::fromRgb(rgb));
+    QApplication::setPalette(dark);
     CheckPicture(TMapTheme::Dark, "map_dark.png");
 }
 

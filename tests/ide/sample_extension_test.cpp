@@ -1,39 +1,22 @@
 // Extensions end to end in a running main window: the sample library's menu items with and without an
-// open page, the exports it reaches the IDE through, the start list, the Plugins tab, the load dialog and
-// the loader's failure messages.
-#include "ide/edit_page.h"
+// open page, the exports it reaches the IDE through, the start list, the load dialog and the loader's
+// failure messages.
 #include "ide/ext_handler.h"
-#include "ide/main_window.h"
-#include "ide/output_view.h"
-#include "ide/settings_dialog.h"
 #include "ide/velkor_extension.h"
-#include "platform/executable_path.h"
-#include "platform/ini_file.h"
-#include "tests/ide/ide_test_support.h"
-
-#include <QAction>
-#include <QListWidget>
-#include <QMenu>
+#include "tests/ide/edit_page_test_support.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
-#include <filesystem>
 
 namespace velkor::test {
 namespace {
 
-class SampleExtensionTest : public IdeTest {
+class SampleExtensionTest : public PageTest {
 protected:
     void SetUp() override {
-        IdeTest::SetUp();
-        // A game folder, so that the first show does not open the settings dialog.
-        TIniFile(IniPath()).WriteString("main", "sopath", "/so");
+        PageTest::SetUp();
         unsetenv("VELKOR_TEST_INIT_ORDER");
-    }
-    void TearDown() override {
-        SetExecutableFolderForTesting("");
-        IdeTest::TearDown();
     }
 
     static QStringList ExtensionMenuItems(const TfrmMain& window) {
@@ -43,16 +26,16 @@ protected:
         return names;
     }
     static QAction* Item(const TfrmMain& window, const char* name) {
-        return window.findChild<QMenu*>(QStringLiteral("MenuExtensions"))
-            ->findChild<QAction*>(QString::fromLatin1(name));
+        return window.findChild<QMenu*>(QStringLiteral("MenuExtensions"))->findChild<QAction*>(name);
     }
-    static QString LastOutput(TfrmMain& window) {
-        const QStringList lines = window.OutputView().Lines();
-        return lines.isEmpty() ? QString() : lines.back();
+    // Runs an item of the Extensions menu and gives the last line of the output view after it.
+    static QString Run(TfrmMain& window, const char* item) {
+        if (item) Item(window, item)->trigger();
+        return window.OutputView().Lines().value(window.OutputView().Lines().size() - 1);
     }
 };
 
-TEST_F(SampleExtensionTest, TheExportsHandOutTheLiveObjects) {
+TEST_F(SampleExtensionTest, TheExportsHandOutTheLiveObjectsAndInitExtTheExecutable) {
     EXPECT_EQ(extGetMainForm(), nullptr);
     EXPECT_EQ(extGetActiveEdit(), nullptr);
     TfrmMain window({});
@@ -63,9 +46,7 @@ TEST_F(SampleExtensionTest, TheExportsHandOutTheLiveObjects) {
     window.CloseAll();
     ProcessEvents();
     EXPECT_EQ(extGetActiveEdit(), nullptr);
-}
-
-TEST_F(SampleExtensionTest, InitExtGetsTheExecutablesOwnModuleHandle) {
+    // init_ext gets the executable's own module handle.
     unsetenv("VELKOR_TEST_EXTENSION_HOST");
     ASSERT_EQ(LoadExtension(VELKOR_TEST_EXTENSION), "");
     char self[32];
@@ -79,15 +60,14 @@ TEST_F(SampleExtensionTest, ItsItemsWorkOnThePageComeOnceAndSayWhenNoPageIsOpen)
     ASSERT_EQ(LoadExtension(VELKOR_SAMPLE_EXTENSION), "");
     EXPECT_EQ(ExtensionMenuItems(window),
               (QStringList{"MenuExtLoad", "SampleCountLines", "SampleInsertTemplate"}));
-    EXPECT_EQ(LastOutput(window),
+    EXPECT_EQ(Run(window, nullptr),
               QStringLiteral("Sample extension: Extensions > Count Lines and Insert Template are ready"));
 
     TfrmEdit* page = window.ActivePage();
     ASSERT_NE(page, nullptr);
     page->Memo()->SetText(QStringLiteral("mission m;\r\n\r\nvar\r\n  kills = 0;"));
     window.OutputView().hide();
-    Item(window, "SampleCountLines")->trigger();
-    EXPECT_EQ(LastOutput(window), QStringLiteral("Count Lines: 4 lines"));
+    EXPECT_EQ(Run(window, "SampleCountLines"), QStringLiteral("Count Lines: 4 lines"));
     // The count is brought into view.
     EXPECT_FALSE(window.OutputView().isHidden());
 
@@ -100,8 +80,7 @@ TEST_F(SampleExtensionTest, ItsItemsWorkOnThePageComeOnceAndSayWhenNoPageIsOpen)
                                                    "end;\r\n"
                                                    "\r\nvar\r\n  kills = 0;"));
     EXPECT_TRUE(page->Modified());
-    Item(window, "SampleCountLines")->trigger();
-    EXPECT_EQ(LastOutput(window), QStringLiteral("Count Lines: 7 lines"));
+    EXPECT_EQ(Run(window, "SampleCountLines"), QStringLiteral("Count Lines: 7 lines"));
     // One undo takes the whole template out again.
     page->Memo()->undo();
     EXPECT_EQ(page->Memo()->Text(), QStringLiteral("mission m;\r\n\r\nvar\r\n  kills = 0;"));
@@ -117,20 +96,17 @@ TEST_F(SampleExtensionTest, ItsItemsWorkOnThePageComeOnceAndSayWhenNoPageIsOpen)
     window.CloseAll();
     ProcessEvents();
     ASSERT_EQ(window.ActivePage(), nullptr);
-    Item(window, "SampleCountLines")->trigger();
-    EXPECT_EQ(LastOutput(window), QStringLiteral("Count Lines: no active editor"));
-    Item(window, "SampleInsertTemplate")->trigger();
-    EXPECT_EQ(LastOutput(window), QStringLiteral("Insert Template: no active editor"));
+    EXPECT_EQ(Run(window, "SampleCountLines"), QStringLiteral("Count Lines: no active editor"));
+    EXPECT_EQ(Run(window, "SampleInsertTemplate"), QStringLiteral("Insert Template: no active editor"));
     EXPECT_TRUE(messages_.isEmpty());
 }
 
 TEST_F(SampleExtensionTest, TheStartListLoadsInFileOrderAndGoesOnPastAMissingLibrary) {
     const std::string missing = Path("no such extension.so");
-    TIniFile ini(IniPath());
-    ini.WriteString("autoloadext", VELKOR_ORDER_SECOND_EXTENSION, "1");
-    ini.WriteString("autoloadext", missing, "1");
-    ini.WriteString("autoloadext", VELKOR_ORDER_FIRST_EXTENSION, "1");
-    ini.WriteString("autoloadext", VELKOR_SAMPLE_EXTENSION, "1");
+    for (const std::string& name :
+         {std::string(VELKOR_ORDER_SECOND_EXTENSION), missing, std::string(VELKOR_ORDER_FIRST_EXTENSION),
+          std::string(VELKOR_SAMPLE_EXTENSION)})
+        TIniFile(IniPath()).WriteString("autoloadext", name, "1");
     TfrmMain window({});
     EXPECT_EQ(std::getenv("VELKOR_TEST_INIT_ORDER"), nullptr);
     window.show();
@@ -139,15 +115,23 @@ TEST_F(SampleExtensionTest, TheStartListLoadsInFileOrderAndGoesOnPastAMissingLib
     EXPECT_EQ(messages_,
               QStringList{QString::fromStdString("Could not load library \"" + missing + "\": not found!")});
     // The IDE went on: the library after the failure is there and works.
-    Item(window, "SampleCountLines")->trigger();
-    EXPECT_EQ(LastOutput(window), QStringLiteral("Count Lines: 1 line"));
-    // A manual load of a library already started starts it again.
-    openAnswers_ << QString::fromUtf8(VELKOR_ORDER_FIRST_EXTENSION);
+    EXPECT_EQ(Run(window, "SampleCountLines"), QStringLiteral("Count Lines: 1 line"));
+    // A manual load starts a library again if it was started already and puts none on the start list; the
+    // load dialog remembers the folder.
+    unsetenv("VELKOR_TEST_EXTENSION_HOST");
+    openAnswers_ << QString::fromUtf8(VELKOR_ORDER_FIRST_EXTENSION)
+                 << QString::fromUtf8(VELKOR_TEST_EXTENSION);
+    window.LoadExtensionDialog();
     window.LoadExtensionDialog();
     EXPECT_STREQ(std::getenv("VELKOR_TEST_INIT_ORDER"), "second,first,first");
+    EXPECT_NE(std::getenv("VELKOR_TEST_EXTENSION_HOST"), nullptr);
+    EXPECT_EQ(TIniFile(IniPath()).ReadString("main", "DirLoadExt", ""),
+              std::filesystem::path(VELKOR_TEST_EXTENSION).parent_path().string());
+    EXPECT_EQ(TIniFile(IniPath()).ReadSection("autoloadext").size(), 4u);
+    EXPECT_EQ(messages_.size(), 1);
 }
 
-TEST_F(SampleExtensionTest, ANameWithoutAFolderIsLookedForBesideTheExecutableAndThePluginsTabListsIt) {
+TEST_F(SampleExtensionTest, ANameWithoutAFolderIsLookedForBesideTheExecutableAndAStartListEntryThereLoads) {
     // The sample is built beside the velkor executable.
     const std::filesystem::path sample = VELKOR_SAMPLE_EXTENSION;
     SetExecutableFolderForTesting(sample.parent_path().string());
@@ -155,26 +139,13 @@ TEST_F(SampleExtensionTest, ANameWithoutAFolderIsLookedForBesideTheExecutableAnd
         TfrmMain window({});
         // Written in another letter case, as settings files from Windows are.
         const std::string name = sample.filename().string();
-        std::string upper = name;
-        for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-        EXPECT_EQ(LoadExtension(upper), "");
+        EXPECT_EQ(LoadExtension(QString::fromStdString(name).toUpper().toStdString()), "");
         EXPECT_NE(Item(window, "SampleCountLines"), nullptr);
         EXPECT_EQ(LoadExtension("elsewhere_" + name),
                   "Could not load library \"elsewhere_" + name + "\": not found!");
     }
-    {
-        TfrmSettings dialog;
-        const QList<QListWidgetItem*> found =
-            dialog.clbPlugins->findItems(QStringLiteral("sample_extension.so"), Qt::MatchExactly);
-        ASSERT_EQ(found.size(), 1);
-        EXPECT_EQ(found.front()->checkState(), Qt::Unchecked);
-        found.front()->setCheckState(Qt::Checked);
-        dialog.WriteSettings();
-    }
-    const std::string key = ExecutableFolder() + "sample_extension.so";
-    EXPECT_EQ(TIniFile(IniPath()).ReadSection("autoloadext"), std::vector<std::string>{key});
-    EXPECT_EQ(TIniFile(IniPath()).ReadString("autoloadext", key, ""), "1");
-
+    // On the start list under that folder (as the Plugins tab writes it) it loads when the window shows.
+    TIniFile(IniPath()).WriteString("autoloadext", ExecutableFolder() + "sample_extension.so", "1");
     TfrmMain window({});
     EXPECT_EQ(Item(window, "SampleCountLines"), nullptr);
     window.show();
@@ -182,29 +153,13 @@ TEST_F(SampleExtensionTest, ANameWithoutAFolderIsLookedForBesideTheExecutableAnd
     EXPECT_TRUE(messages_.isEmpty());
 }
 
-class ExtHandlerTest : public IdeTest {};
-
-TEST_F(ExtHandlerTest, FailuresAreMessagesNotCrashes) {
+TEST_F(SampleExtensionTest, LoaderFailuresAreMessagesNotCrashes) {
     EXPECT_EQ(LoadExtension("/no/such/lib.so"), "Could not load library \"/no/such/lib.so\": not found!");
     WriteFile(Dir() / "garbage.so", "not an ELF file");
     EXPECT_EQ(LoadExtension(Path("garbage.so")),
               "Could not load library \"" + Path("garbage.so") + "\": not found!");
     EXPECT_EQ(LoadExtension(VELKOR_NO_ENTRY_EXTENSION),
               std::string("Library \"") + VELKOR_NO_ENTRY_EXTENSION + "\" has no entry init_ext");
-}
-
-TEST_F(ExtHandlerTest, TheLoadDialogLoadsAndRemembersTheFolder) {
-    TIniFile(IniPath()).WriteString("main", "sopath", "/so");
-    TfrmMain window({});
-    unsetenv("VELKOR_TEST_EXTENSION_HOST");
-    openAnswers_ << QString::fromUtf8(VELKOR_TEST_EXTENSION);
-    window.LoadExtensionDialog();
-    EXPECT_NE(std::getenv("VELKOR_TEST_EXTENSION_HOST"), nullptr);
-    EXPECT_TRUE(messages_.isEmpty());
-    EXPECT_EQ(TIniFile(IniPath()).ReadString("main", "DirLoadExt", ""),
-              std::filesystem::path(VELKOR_TEST_EXTENSION).parent_path().string());
-    // A manual load does not put the library on the start list.
-    EXPECT_FALSE(TIniFile(IniPath()).SectionExists("autoloadext"));
 }
 
 } // namespace

@@ -1,38 +1,17 @@
 // The toolbar: its buttons run the menu's commands on the active page, Save is there when the page is
 // modified, the icons are drawn at any size, and View › Toolbar hides it for this and the next session.
-#include "ide/edit_page.h"
-#include "ide/iff_view.h"
-#include "ide/main_window.h"
 #include "ide/tool_bar.h"
 #include "tests/ide/edit_page_test_support.h"
 
-#include <QAction>
 #include <QIcon>
 #include <QImage>
-#include <QMenu>
-#include <QMenuBar>
-#include <QTest>
 
-#include <fstream>
 #include <functional>
 
 namespace velkor::test {
 namespace {
 
-class ToolBarTest : public PageTest {
-protected:
-    static void Press(TfrmMain& window, const char* button) {
-        QAction* action = window.ToolBar().Button(QString::fromLatin1(button));
-        ASSERT_NE(action, nullptr) << button;
-        action->trigger();
-    }
-    static int OpaquePixels(const QImage& image) {
-        int count = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x) count += qAlpha(image.pixel(x, y)) > 128;
-        return count;
-    }
-};
+using ToolBarTest = PageTest;
 
 TEST_F(ToolBarTest, ButtonsInOrderWithIconsAtEverySize) {
     TfrmMain window({});
@@ -49,7 +28,10 @@ TEST_F(ToolBarTest, ButtonsInOrderWithIconsAtEverySize) {
             const QImage image = icon.pixmap(size, size).toImage();
             EXPECT_EQ(image.width(), size) << name.toStdString();
             // A drawing, not an empty square: at least a fifth of the square is covered.
-            EXPECT_GT(OpaquePixels(image), size * size / 5) << name.toStdString() << " at " << size;
+            int opaque = 0;
+            for (int y = 0; y < size; ++y)
+                for (int x = 0; x < size; ++x) opaque += qAlpha(image.pixel(x, y)) > 128;
+            EXPECT_GT(opaque, size * size / 5) << name.toStdString() << " at " << size;
         }
     }
     EXPECT_EQ(window.ToolBar().Button(QStringLiteral("ToolBuild"))->toolTip(),
@@ -60,30 +42,25 @@ TEST_F(ToolBarTest, ButtonsRunTheMenuCommands) {
     TIniFile(IniPath()).WriteInteger("compiler", "verbosity", 0);
     const std::string demo = MakeFile("Demo.pas", kDemoMission);
     const std::string other = MakeFile("Other.pas", "unit Other;\r\n");
-    struct Case {
-        const char* Button;
-        std::function<void()> Before;
-        std::function<void(TfrmMain&)> Check;
+    openAnswers_ << QString::fromStdString(other); // for Open, the only button that asks
+    const std::pair<const char*, std::function<void(TfrmMain&)>> cases[] = {
+        {"ToolNew", [](TfrmMain& w) { EXPECT_EQ(w.Pages().size(), 2); }},
+        {"ToolOpen", [&](TfrmMain& w) { EXPECT_EQ(w.ActivePage(), w.FindPage(other)); }},
+        {"ToolCompile", [](TfrmMain& w) { EXPECT_TRUE(w.IffView().Text().contains("Attack")); }},
+        {"ToolFind", [&](TfrmMain&) { EXPECT_EQ(modalDialogNames_, QStringList{"SyntaxFindDialog"}); }},
+        {"ToolSymbolBrowser", [&](TfrmMain&) { EXPECT_EQ(modalDialogNames_, QStringList{"frmProcList"}); }},
     };
-    const Case cases[] = {
-        {"ToolNew", {}, [](TfrmMain& w) { EXPECT_EQ(w.Pages().size(), 2); }},
-        {"ToolOpen", [&] { openAnswers_ << QString::fromStdString(other); },
-         [&](TfrmMain& w) { EXPECT_EQ(w.ActivePage(), w.FindPage(other)); }},
-        {"ToolCompile", {}, [](TfrmMain& w) { EXPECT_TRUE(w.IffView().Text().contains("Attack")); }},
-        {"ToolFind", {}, [&](TfrmMain&) { EXPECT_EQ(modalDialogNames_, QStringList{"SyntaxFindDialog"}); }},
-        {"ToolSymbolBrowser",
-         {},
-         [&](TfrmMain&) { EXPECT_EQ(modalDialogNames_, QStringList{"frmProcList"}); }},
-    };
-    for (const Case& c : cases) {
+    for (const auto& [button, check] : cases) {
+        SCOPED_TRACE(button);
         modalDialogNames_.clear();
         TfrmMain window({QString::fromStdString(demo)});
-        if (c.Before) c.Before();
-        Press(window, c.Button);
+        QAction* action = window.ToolBar().Button(QString::fromLatin1(button));
+        ASSERT_NE(action, nullptr);
+        action->trigger();
         ProcessEvents();
-        SCOPED_TRACE(c.Button);
-        c.Check(window);
+        check(window);
     }
+    EXPECT_TRUE(openAnswers_.isEmpty());
 }
 
 TEST_F(ToolBarTest, SaveIsThereForAModifiedPage) {
@@ -99,10 +76,7 @@ TEST_F(ToolBarTest, SaveIsThereForAModifiedPage) {
     ASSERT_TRUE(save->isEnabled());
     save->trigger();
     EXPECT_FALSE(page.Modified());
-    std::ifstream file(demo, std::ios::binary);
-    std::string first;
-    std::getline(file, first);
-    EXPECT_EQ(first, "// saved\r");
+    EXPECT_EQ(ReadFile(demo), "// saved\r\n" + kDemoMission);
     EXPECT_FALSE(save->isEnabled());
     // Without a page only New and Open are left.
     window.CloseAll();
@@ -119,12 +93,9 @@ TEST_F(ToolBarTest, TheViewMenuHidesItForThisAndTheNextSession) {
     {
         TfrmMain window({});
         Show(window);
-        auto* view = window.menuBar()->findChild<QMenu*>(QStringLiteral("MenuView"));
-        ASSERT_NE(view, nullptr);
-        QAction* item = nullptr;
-        for (QAction* action : view->actions())
-            if (action->objectName() == "MenuViewToolBar") item = action;
-        ASSERT_NE(item, nullptr);
+        QAction* item = window.ToolBar().ViewItem();
+        EXPECT_EQ(item->objectName(), QStringLiteral("MenuViewToolBar"));
+        ASSERT_TRUE(window.findChild<QMenu*>(QStringLiteral("MenuView"))->actions().contains(item));
         EXPECT_EQ(item->text(), QStringLiteral("&Toolbar"));
         EXPECT_TRUE(item->isChecked());
         EXPECT_TRUE(window.ToolBar().isVisible());

@@ -1,0 +1,6 @@
+unit Faulty;
+
+function Faulty(x);
+begin
+  result := x *;
+end;

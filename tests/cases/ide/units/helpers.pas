@@ -1,0 +1,9 @@
+unit Helpers;
+
+var shipBonus;
+
+// Doubles.
+function Boost(amount);
+begin
+  result := amount * 2;
+end;
