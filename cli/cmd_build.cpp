@@ -23,19 +23,19 @@ int RunBuild(const Options& options) {
     c.OnFileWritten = [](const std::filesystem::path& path, std::size_t size) {
         std::cout << WrittenFileLine(path, size) << std::endl;
     };
-    std::optional<std::string> linked = CompileAndLink(c);
+    std::optional<TBuildText> linked = CompileAndLinkForBuild(c);
     if (!linked) return kExitReported;
     // A unit with errors is not assembled: its text may name files it would then overwrite half-made.
     if (c.ErrorCount > 0) return kExitReported;
-    // The unit's listing and lists are in the linked text now: their memory is given back before the
-    // assembler needs its own.
+    // The unit's lists are in the linked text now, and its listing beside it: the compiler's memory is
+    // given back before the assembler needs its own.
     run.compiler.reset();
 
     TIffCompiler assembler;
     assembler.OnMessage = [&](int level, const std::string& line) {
         if (level <= options.verbosity) PrintMessage(line);
     };
-    assembler.TakeInputText(std::move(*linked), run.folder);
+    const auto feed = SetAssemblerInput(assembler, *linked, run.folder);
     try {
         return AssembleFiles(assembler, options, run.policy);
     } catch (const Exception& e) {

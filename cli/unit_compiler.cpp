@@ -39,17 +39,34 @@ UnitCompiler PrepareUnitCompiler(const Options& options, bool symbolsOnly) {
     return run;
 }
 
-std::optional<std::string> CompileAndLink(TCompiler& compiler) {
+namespace {
+
+template <class Linked>
+std::optional<Linked> CompileAndLinkWith(TCompiler& compiler, Linked (*link)(TCompiler&)) {
     try {
         compiler.Compile();
         compiler.Finish();
-        return compiler.Link();
+        return link(compiler);
     } catch (const ECompiler&) {
         return std::nullopt;
     } catch (const Exception& e) {
         PrintMessage(e.what());
         return std::nullopt;
     }
+}
+
+std::string LinkWhole(TCompiler& compiler) {
+    return compiler.Link();
+}
+
+} // namespace
+
+std::optional<std::string> CompileAndLink(TCompiler& compiler) {
+    return CompileAndLinkWith(compiler, LinkWhole);
+}
+
+std::optional<TBuildText> CompileAndLinkForBuild(TCompiler& compiler) {
+    return CompileAndLinkWith(compiler, LinkForBuild);
 }
 
 } // namespace velkor::cli

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "cli/cli.h"
+#include "compiler/build_text.h"
 #include "platform/output_policy.h"
 
 #include <filesystem>
@@ -30,5 +31,7 @@ UnitCompiler PrepareUnitCompiler(const Options& options, bool symbolsOnly);
 // Compile, Finish and Link: the linked text, or nothing when an error ended the run (the compiler has
 // reported its own errors; any other failure's message is printed here).
 std::optional<std::string> CompileAndLink(TCompiler& compiler);
+// The same for a build: the text with the listing left out where it can be read in its place.
+std::optional<TBuildText> CompileAndLinkForBuild(TCompiler& compiler);
 
 } // namespace velkor::cli

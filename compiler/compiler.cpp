@@ -206,7 +206,8 @@ void TCompiler::Compile() {
     }
     default: Expected("unit", first); break;
     }
-    // Only an iff unit passes its source on; the copy of a large mission would be kept to the end for nothing.
+    // Only an iff unit passes its source on; the copy of a large mission would be kept to the end for
+    // nothing.
     std::string().swap(data_->Source);
     UnitName = NextToken();
     Expect(";");
@@ -249,13 +250,23 @@ std::size_t LinkedTextBound(const TCompData& data, std::size_t rooms, std::size_
 } // namespace
 
 std::string TCompiler::Link() {
+    return Link(nullptr);
+}
+
+std::string TCompiler::Link(std::size_t* listingAt) {
     Output(1, "now linking it all together...");
     std::string text;
-    text.reserve(LinkedTextBound(*data_, Rooms->size(), KillBoard->size()));
+    if (listingAt) {
+        *listingAt = std::string::npos;
+        text.reserve(LinkedTextBound(*data_, Rooms->size(), KillBoard->size()) - data_->CodeList.TextSize() -
+                     data_->CodeList.size() * 16);
+    } else {
+        text.reserve(LinkedTextBound(*data_, Rooms->size(), KillBoard->size()));
+    }
     switch (UnitKind) {
-    case ukMission: LinkMission(*this, text); break;
+    case ukMission: LinkMission(*this, text, listingAt); break;
     case ukSector: LinkSector(*this, text); break;
-    case ukSeries: LinkSeries(*this, text); break;
+    case ukSeries: LinkSeries(*this, text, listingAt); break;
     case ukUnit:
     case ukIff:
     case ukProject: break;

@@ -28,6 +28,7 @@ class TCodeGen;
 class TIffStringList;
 class TSourceHost;
 struct TSymbol;
+struct TBuildText;
 struct TSymbolSite;
 
 class ECompiler : public Exception {
@@ -99,6 +100,9 @@ public:
     void Finish();
     // The linked text. The instruction listing moves into it: CodeList is empty afterwards.
     std::string Link();
+    // As Link, leaving the listing in CodeList and out of the text: *listingAt is where its lines would
+    // start, npos for a unit kind without one.
+    std::string Link(std::size_t* listingAt);
     static std::string Version(); // "1.0 R24d"
 
     // --- unit state
@@ -220,7 +224,7 @@ private:
     void IncludeStringFile(const std::string& written);
     void CompileFiles();
     void CompileFile(const std::string& written);
-    void AssembleLinkedText(std::string text, const std::filesystem::path& unitFolder);
+    void AssembleLinkedText(TBuildText text, const std::filesystem::path& unitFolder);
 
     std::unique_ptr<TScanner> scanner_;     // the selected scanner class, made in the constructor
     std::shared_ptr<TSymbolTable> symbols_; // own or the parent's

@@ -1,4 +1,5 @@
 // Included source and string files, #FILE compilations, the search path and the output path.
+#include "compiler/build_text.h"
 #include "compiler/compiler.h"
 #include "compiler/source_host.h"
 #include "compiler/symbol_table.h"
@@ -282,7 +283,7 @@ void TCompiler::CompileFile(const std::string& written) {
         return;
     }
 
-    std::string linked;
+    TBuildText linked;
     {
         TCompiler unit;
         unit.SearchPath = SearchPath;
@@ -305,7 +306,7 @@ void TCompiler::CompileFile(const std::string& written) {
         try {
             unit.Compile();
             unit.Finish();
-            linked = unit.Link();
+            linked = LinkForBuild(unit);
         } catch (...) {
             ErrorCount += unit.ErrorCount;
             throw;
@@ -315,7 +316,7 @@ void TCompiler::CompileFile(const std::string& written) {
     if (!CheckOnly) AssembleLinkedText(std::move(linked), found.parent_path());
 }
 
-void TCompiler::AssembleLinkedText(std::string text, const std::filesystem::path& unitFolder) {
+void TCompiler::AssembleLinkedText(TBuildText text, const std::filesystem::path& unitFolder) {
     try {
         KeepLinkedText(text);
     } catch (const EInOutError& e) {
@@ -337,7 +338,7 @@ void TCompiler::AssembleLinkedText(std::string text, const std::filesystem::path
     assembler.OnMessage = [this](int level, const std::string& line) { Output(level, line); };
     // The assembler takes the text from memory, so that compilers running side by side cannot read each
     // other's file, and finds FILE values beside the unit.
-    assembler.TakeInputText(std::move(text), unitFolder);
+    const auto feed = SetAssemblerInput(assembler, text, unitFolder);
     if (const auto error = AssembleToFiles(assembler, outputs)) {
         // The assembler has reported the error through Output already.
         ++ErrorCount;

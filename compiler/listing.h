@@ -1,12 +1,17 @@
 // The instruction listing of a unit. A large mission has close to a million lines: one string per line would
 // cost as many allocations and twice the memory, and one growing buffer would be copied again and again as
-// it grows. The characters go into blocks of a megabyte that never move, and the lines are views into them.
+// it grows. The characters go into blocks of a megabyte that never move, and each line is a word of eight
+// bytes naming its block, where it starts there and its length.
 #pragma once
 
+#include "iff/iff_token_source.h"
+
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <initializer_list>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,8 +20,36 @@
 namespace velkor {
 
 class TListing {
+    using LineRef = std::uint64_t; // block << 40 | start << 20 | length; a long line's length is its block's
+
 public:
-    using const_iterator = std::deque<std::string_view>::const_iterator;
+    class const_iterator {
+    public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = std::string_view;
+        using difference_type = std::ptrdiff_t;
+        using pointer = void;
+        using reference = std::string_view;
+
+        const_iterator() = default;
+        const_iterator(const TListing* listing, std::deque<LineRef>::const_iterator at)
+            : listing_(listing), at_(at) {}
+        std::string_view operator*() const { return listing_->View(*at_); }
+        const_iterator& operator++() {
+            ++at_;
+            return *this;
+        }
+        const_iterator operator++(int) {
+            const_iterator before = *this;
+            ++at_;
+            return before;
+        }
+        friend bool operator==(const const_iterator& a, const const_iterator& b) { return a.at_ == b.at_; }
+
+    private:
+        const TListing* listing_ = nullptr;
+        std::deque<LineRef>::const_iterator at_;
+    };
 
     TListing() = default;
     TListing(std::initializer_list<std::string_view> lines);
@@ -30,9 +63,9 @@ public:
 
     std::size_t size() const { return lines_.size(); }
     bool empty() const { return lines_.empty(); }
-    std::string_view operator[](std::size_t index) const { return lines_[index]; }
-    const_iterator begin() const { return lines_.begin(); }
-    const_iterator end() const { return lines_.end(); }
+    std::string_view operator[](std::size_t index) const { return View(lines_[index]); }
+    const_iterator begin() const { return {this, lines_.begin()}; }
+    const_iterator end() const { return {this, lines_.end()}; }
     // The characters of all lines together: what a writer of the listing has to reserve.
     std::size_t TextSize() const { return textSize_; }
 
@@ -49,7 +82,11 @@ public:
     // handed over is given back while the taker's copy of them grows, so that both are not held at once.
     void Drain(const std::function<void(std::string_view line)>& take);
 
-    friend bool operator==(const TListing& a, const TListing& b) { return a.lines_ == b.lines_; }
+    friend bool operator==(const TListing& a, const TListing& b);
+
+    // Hands the lines over one by one to a reader that looks back no further than its last Release, and
+    // empties the listing on the way as Drain does.
+    class Feed;
 
 private:
     struct Block {
@@ -58,29 +95,38 @@ private:
         std::size_t capacity = 0;      // characters it holds
     };
     static constexpr std::size_t kBlockSize = std::size_t{1} << 20;
+    // A line this long or longer has a block of its own, and its length is the block's.
+    static constexpr std::size_t kLongLine = (std::size_t{1} << 20) - 1;
 
-    // Room for n more characters of one line, in the last block or a new one.
-    char* Take(std::size_t n);
-    // The block of a line: mostly the block of the line before it, otherwise looked up by address (insert
-    // puts lines of later blocks in front of earlier ones).
-    class BlockFinder {
-    public:
-        explicit BlockFinder(const std::vector<Block>& blocks);
-        std::size_t Find(std::string_view line);
+    // Room for a line of n characters, in the last block or a new one; its reference.
+    LineRef Take(std::size_t n, char*& at);
+    std::string_view View(LineRef line) const;
+    static std::size_t BlockOf(LineRef line) { return static_cast<std::size_t>(line >> 40); }
+    // How many lines each block holds.
+    std::vector<std::size_t> LinesPerBlock() const;
 
-    private:
-        struct Span {
-            const char* begin; // the block's first character
-            const char* end;   // behind its last one taken
-            std::size_t index; // the block's index
-        };
-        std::vector<Span> spans_; // the blocks by address
-        std::size_t last_ = 0;    // the span found last
-    };
+    std::vector<Block> blocks_; // the characters of every line
+    std::deque<LineRef> lines_; // the lines in order
+    std::size_t textSize_ = 0;  // characters of all lines
+};
 
-    std::vector<Block> blocks_;          // the characters of every line
-    std::deque<std::string_view> lines_; // the lines in order, each within one block
-    std::size_t textSize_ = 0;           // characters of all lines
+class TListing::Feed : public SplicedLines {
+public:
+    explicit Feed(TListing& listing);
+    ~Feed() override;
+    Feed(const Feed&) = delete;
+    Feed& operator=(const Feed&) = delete;
+    bool NextLine(std::string_view& line) override;
+    void Release() override;
+    std::size_t CharsLeft() const override { return left_; }
+
+private:
+    TListing& listing_;
+    std::vector<std::size_t> lines_; // lines of each block not handed out yet
+    std::vector<std::size_t> done_;  // blocks all of whose lines are out, not freed yet
+    std::size_t current_ = 0;        // the block of the last line handed out
+    std::size_t left_ = 0;           // characters not handed out yet
+    std::size_t released_ = 0;       // blocks freed so far
 };
 
 } // namespace velkor

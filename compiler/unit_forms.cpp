@@ -65,11 +65,14 @@ void FlagsChunk(IffTextWriter& w, TCompiler& c) {
     w.Close();
 }
 
-void FunctionChunk(IffTextWriter& w, TCompiler& c) {
+void FunctionChunk(IffTextWriter& w, TCompiler& c, std::string& text, std::size_t* listingAt) {
     w.Open("CHUNK \"FUNC\"");
     w.Open("WCP_ASM");
     // The listing is the bulk of a large unit: its memory goes as its lines go into the text.
-    c.Data().CodeList.Drain([&w](std::string_view line) { w.VerbatimLine(line, 8); });
+    if (listingAt)
+        *listingAt = text.size();
+    else
+        c.Data().CodeList.Drain([&w](std::string_view line) { w.VerbatimLine(line, kListingIndent); });
     w.Close();
     w.Close();
 }
@@ -111,7 +114,7 @@ void MissionObjectives(IffTextWriter& w, TCompiler& c) {
 
 } // namespace
 
-void LinkMission(TCompiler& c, std::string& text) {
+void LinkMission(TCompiler& c, std::string& text, std::size_t* listingAt) {
     IffTextWriter w(text);
     auto& data = c.Data();
 
@@ -125,7 +128,7 @@ void LinkMission(TCompiler& c, std::string& text) {
     PropertyForm(w, PropertyChunkHeader(kTypePropertyId, kTypePropertyComment), "long 16");
     w.Close();
     FlagsChunk(w, c);
-    FunctionChunk(w, c);
+    FunctionChunk(w, c, text, listingAt);
     w.Open("FORM \"SCTR\"");
     IdChunk(w, c.SectorFile);
     ObjectsForm(w, c);
@@ -171,7 +174,7 @@ void LinkSector(TCompiler& c, std::string& text) {
     EditorForm(w, c);
 }
 
-void LinkSeries(TCompiler& c, std::string& text) {
+void LinkSeries(TCompiler& c, std::string& text, std::size_t* listingAt) {
     IffTextWriter w(text);
     FileHeader(w, c, ".srs");
     w.Open("FORM \"SERS\"");
@@ -180,7 +183,7 @@ void LinkSeries(TCompiler& c, std::string& text) {
     PropertyForm(w, kMainProcProperty, "cstring \"MCP\"");
     w.Close();
     FlagsChunk(w, c);
-    FunctionChunk(w, c);
+    FunctionChunk(w, c, text, listingAt);
     w.Close();
     EditorForm(w, c);
 }

@@ -42,6 +42,7 @@ void TIffCompiler::SetInputFile(const std::string& fileName) {
     baseFolder_ = inputPath_.parent_path();
     fromMemory_ = false;
     inputText_.clear();
+    spliced_ = nullptr;
 }
 
 void TIffCompiler::SetInputText(std::string_view text, const std::filesystem::path& baseFolder) {
@@ -55,6 +56,21 @@ void TIffCompiler::TakeInputText(std::string text, const std::filesystem::path& 
     inputText_ = std::move(text);
     baseFolder_ = baseFolder;
     fromMemory_ = true;
+    spliced_ = nullptr;
+}
+
+void TIffCompiler::TakeInputText(std::string text, const std::filesystem::path& baseFolder,
+                                 SplicedLines& lines, std::size_t at, std::int32_t count) {
+    std::string rest = text.substr(std::min(at, text.size()));
+    text.resize(std::min(at, text.size()));
+    NormaliseLineBreaksInPlace(text);
+    const auto line = static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\r'));
+    NormaliseLineBreaksInPlace(rest);
+    text += rest;
+    TakeInputText(std::move(text), baseFolder);
+    spliced_ = &lines;
+    splicedLine_ = line;
+    splicedCount_ = count;
 }
 
 void TIffCompiler::Compile() {
@@ -65,6 +81,7 @@ void TIffCompiler::Compile() {
         handingOver_ = false;
     });
     tokens_.Start(fromMemory_ ? std::exchange(inputText_, {}) : LoadTextFile(inputPath_));
+    if (spliced_) tokens_.Splice(*std::exchange(spliced_, nullptr), splicedLine_, splicedCount_);
     types_.clear();
     try {
         Run();
@@ -108,7 +125,7 @@ void TIffCompiler::OutputBlock() {
     constexpr std::size_t kMaxReserve = std::size_t{256} << 20;
     const std::size_t read = static_cast<std::size_t>(std::max(tokens_.Scanner().Position(), 0));
     const std::size_t size = tokens_.Scanner().Text().size();
-    writer_->Reserve(std::min(size - std::min(read, size), kMaxReserve));
+    writer_->Reserve(std::min(size - std::min(read, size) + tokens_.SplicedCharsLeft(), kMaxReserve));
     tokens_.Expect("{");
     while (!tokens_.PeekIs('}')) {
         const std::string_view keyword = tokens_.Peek();
@@ -124,6 +141,8 @@ void TIffCompiler::OutputBlock() {
         }
     }
     tokens_.Expect("}");
+    // The text was cut inside the block that holds the listing: no block may go out without it.
+    if (tokens_.SplicePending()) Error("the instruction listing was not reached");
     if (!OnBinaryOutput) Error("Output callback not assigned!");
     handingOver_ = true;
     OnBinaryOutput(writer_->Bytes(), outputName_);

@@ -41,6 +41,11 @@ public:
     void SetInputText(std::string_view text, const std::filesystem::path& baseFolder = {});
     // As SetInputText, taking over the caller's text instead of copying it.
     void TakeInputText(std::string text, const std::filesystem::path& baseFolder = {});
+    // As TakeInputText, for a text that leaves out `count` lines at `at`, the start of the line behind the
+    // "{" of a WCP_ASM block: `lines` hands them over, and they are read in their place. Messages and bytes
+    // are those of the whole text.
+    void TakeInputText(std::string text, const std::filesystem::path& baseFolder, SplicedLines& lines,
+                       std::size_t at, std::int32_t count);
     const std::string& InputFile() const { return inputName_; }
 
     // Assembles the whole input, handing each output block to OnBinaryOutput. Throws EIffCompiler on the
@@ -96,6 +101,9 @@ private:
     std::filesystem::path inputPath_;    // the input file as found on disk
     std::string inputText_;              // the text when assembling from memory
     bool fromMemory_ = false;            // true when SetInputText gave the text
+    SplicedLines* spliced_ = nullptr;    // lines the text leaves out, or null
+    std::int32_t splicedLine_ = 0;       // the line of the "{" they stand behind
+    std::int32_t splicedCount_ = 0;      // how many they are
     std::filesystem::path baseFolder_;   // where relative FILE names are looked up
     std::string outputName_;             // the output file of the block being assembled
     std::unique_ptr<TIffWriter> writer_; // the writer of the block being assembled

@@ -10,13 +10,29 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velkor {
 
 class TScanner;
+struct LineToken;
+
+// Lines that a text leaves out and hands over in order instead: the instruction listing of a unit, which
+// the build takes from the compiler as it stands rather than from the text it would be written to.
+class SplicedLines {
+public:
+    virtual ~SplicedLines() = default;
+    // The next line, or false after the last. Its text stays valid until Release.
+    virtual bool NextLine(std::string_view& line) = 0;
+    // Nothing handed out before the last line is looked at any more.
+    virtual void Release() = 0;
+    // Characters of the lines not handed out yet.
+    virtual std::size_t CharsLeft() const = 0;
+};
 
 class EIffCompiler : public Exception {
 public:
@@ -38,6 +54,23 @@ public:
     void Start(std::string text);
     // Lets go of the scanner and the constants.
     void Stop();
+
+    // The text leaves out `lines` behind its line `line`, the line of the "{" that opens a WCP_ASM block;
+    // they are read in their place once TakeSplice finds the block there. Set after Start.
+    void Splice(SplicedLines& lines, std::int32_t line, std::int32_t count);
+    // Called behind the "{" of a WCP_ASM block: true when the left-out lines start here, and from here on
+    // the tokens are theirs until the last, then the text's again.
+    bool TakeSplice();
+    // True while left-out lines wait for their place.
+    bool SplicePending() const { return splice_ != nullptr && !spliceTaken_; }
+    // Characters of the left-out lines not read yet.
+    std::size_t SplicedCharsLeft() const;
+    // Lines read before this no longer need to stay in memory.
+    void ReleaseSpliced();
+    // The left-out line whose tokens come next, while none of them has been read: a caller that reads the
+    // whole line by itself then passes it with SkipSplicedLine, as if it had read its tokens.
+    std::optional<std::string_view> FreshSplicedLine();
+    void SkipSplicedLine();
 
     // Views into the scanner's text, which stays put for the whole run.
     std::string_view Next();
@@ -73,6 +106,28 @@ private:
     std::unique_ptr<TScanner> scanner_; // the token reader of the run
     std::int32_t kind_ = 0;             // kind of the last token read or peeked
     TNameTable constants_;              // constant values by name checksum
+
+    // Whether the next token comes from the left-out lines; reads their next line when the last is used up.
+    bool InSplice();
+    // The next left-out line, or false after the last, when the text's tokens follow again.
+    bool FetchSplicedLine();
+    // The line an error names, counted in the whole text.
+    std::int32_t ReportedLine() const;
+
+    SplicedLines* splice_ = nullptr;      // the left-out lines, or null
+    bool spliceTaken_ = false;            // their place was found
+    bool inSplice_ = false;               // tokens come from them now
+    std::int32_t spliceLine_ = 0;         // the line behind which they stand
+    std::int32_t spliceCount_ = 0;        // how many there are
+    std::int32_t lineOffset_ = 0;         // added to the scanner's line once they are read
+    std::int32_t spliceLineNumber_ = 0;   // the line of lineTokens_ in the whole text
+    std::int32_t reportedSpliceLine_ = 0; // the line the scanner would name, while it is theirs
+    bool lineFromSplice_ = false;         // the line an error names is one of theirs
+    bool wrapLines_ = false;              // the scanner reads five-digit line markers
+    std::string_view line_;               // their current line
+    bool tokenized_ = true;               // lineTokens_ are line_'s (true before the first line)
+    std::vector<LineToken> lineTokens_;   // the tokens of their current line
+    std::size_t nextToken_ = 0;           // the next of them
 };
 
 } // namespace velkor

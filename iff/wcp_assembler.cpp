@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <new>
 #include <string>
 #include <vector>
@@ -27,8 +28,19 @@ constexpr std::size_t kDescriptorSlice = std::size_t{1} << 14;
 
 void WcpAssembler::AssembleWcpAsm() {
     tokens_.Expect("{");
+    tokens_.TakeSplice();
     for (int r = 0; r < 32; ++r) tokens_.DefineConstant("v" + std::to_string(r), std::to_string(r));
+    // An earlier constant of the same name (or name checksum) wins, so each register is looked up once.
+    for (int r = 0; r < 32; ++r) {
+        const std::string_view text = tokens_.ResolveConstant("v" + std::to_string(r));
+        for (int kind : {okValue, okConstant, okLabel})
+            registerWords_[static_cast<std::size_t>(kind)][static_cast<std::size_t>(r)] =
+                kind == okConstant && !text.empty() && (text[0] == '+' || text[0] == '-')
+                    ? kNoValue // a sign joins the next token: such a register takes the token path
+                    : OperandWord(kind, text);
+    }
     for (;;) {
+        tokens_.ReleaseSpliced();
         const std::string_view token = tokens_.Next();
         if (token == "}" && tokens_.Kind() == tkDelimiter) return;
         if (SameText(token, "func"))
@@ -87,6 +99,11 @@ void WcpAssembler::AssembleBlock() {
     tokens_.Expect("{");
     int depth = 0;
     for (;;) {
+        tokens_.ReleaseSpliced();
+        if (const auto line = tokens_.FreshSplicedLine(); line && AssembleSimpleLine(*line)) {
+            tokens_.SkipSplicedLine();
+            continue;
+        }
         if (tokens_.NextIs('{')) {
             EmitWord(kWcpBlockBegin);
             ++depth;
@@ -139,20 +156,130 @@ std::uint32_t WcpAssembler::ReadOperand(int kind) {
         joined += tokens_.ResolveConstant(tokens_.Next());
         text = joined;
     }
-    std::uint32_t word;
-    if (kind == okLabel) {
-        if (text.size() == 4) {
-            // The first character in the lowest byte, so that the file shows the label in text order.
-            word = ReadLittleEndian32(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), 4));
-        } else {
-            word = NameHash(text);
-        }
-    } else {
-        std::int32_t value = StrToIntDef(text, kNoValue);
-        word = value == kNoValue ? NameHash(text) : static_cast<std::uint32_t>(value);
-    }
+    const std::uint32_t word = OperandWord(kind, text);
     tokens_.NextIs(',');
     return word;
+}
+
+std::uint32_t WcpAssembler::OperandWord(int kind, std::string_view text) {
+    if (kind == okLabel) {
+        // The first character in the lowest byte, so that the file shows the label in text order.
+        if (text.size() == 4)
+            return ReadLittleEndian32(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), 4));
+        return NameHash(text);
+    }
+    const std::int32_t value = StrToIntDef(text, kNoValue);
+    return value == kNoValue ? NameHash(text) : static_cast<std::uint32_t>(value);
+}
+
+namespace {
+
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+constexpr auto kWordCharacters = [] {
+    std::array<std::uint8_t, 256> kinds{}; // 1: may start a name, 2: may continue one
+    for (int c = 'a'; c <= 'z'; ++c) kinds[static_cast<std::size_t>(c)] = 3;
+    for (int c = 'A'; c <= 'Z'; ++c) kinds[static_cast<std::size_t>(c)] = 3;
+    kinds['_'] = 3;
+    for (int c = '0'; c <= '9'; ++c) kinds[static_cast<std::size_t>(c)] = 2;
+    return kinds;
+}();
+bool IsWordStart(char c) {
+    return (kWordCharacters[static_cast<unsigned char>(c)] & 1) != 0;
+}
+bool IsWordChar(char c) {
+    return kWordCharacters[static_cast<unsigned char>(c)] != 0;
+}
+
+// What may follow an operand or name for its token to end there as the token path reads it.
+bool EndsToken(std::string_view line, std::size_t at) {
+    return at == line.size() || IsBlank(line[at]) || line[at] == ',' || line[at] == ';';
+}
+
+} // namespace
+
+// The token path reads the same tokens here: names, plain numbers and strings, blanks and "," between
+// them, ";" at the end with nothing behind it. Anything else, and any line the token path would refuse or
+// read past its end, is left to it.
+bool WcpAssembler::AssembleSimpleLine(std::string_view line) {
+    std::size_t i = 0;
+    const std::size_t n = line.size();
+    auto skipBlanks = [&] {
+        while (i < n && IsBlank(line[i])) ++i;
+    };
+    // The indentation eight blanks at a time.
+    while (i + 8 <= n && std::memcmp(line.data() + i, "        ", 8) == 0) i += 8;
+    skipBlanks();
+    if (i == n || !IsWordStart(line[i])) return false;
+    const std::size_t nameStart = i;
+    while (i < n && IsWordChar(line[i])) ++i;
+    if (!EndsToken(line, i)) return false;
+    const std::string_view name = line.substr(nameStart, i - nameStart);
+    const WcpMnemonic* m = FindWcpMnemonicNoCase(name);
+    if (m && !m->semicolonRequired) return false; // its ";" may stand on a later line
+    std::array<std::uint32_t, kWcpMaxNativeOperands> words{};
+    std::size_t count = 0;
+    const std::size_t most = m ? m->operandCount : kWcpMaxNativeOperands;
+    for (;;) {
+        skipBlanks();
+        if (i == n) return false;
+        if (line[i] == ';') break;
+        if (count == most) return false;
+        const int kind = m ? m->kinds[count] : okValue;
+        const std::size_t start = i;
+        std::string_view token;
+        if (line[i] == '"') {
+            const std::size_t close = line.find('"', i + 1);
+            if (close == std::string_view::npos) return false;
+            token = line.substr(i + 1, close - i - 1);
+            i = close + 1;
+        } else if (IsWordStart(line[i])) {
+            while (i < n && IsWordChar(line[i])) ++i;
+            token = line.substr(start, i - start);
+            // The registers as written by the code generator.
+            if (token.size() >= 2 && token.size() <= 3 && token[0] == 'v' && token[1] >= '0' &&
+                token[1] <= '9' &&
+                (token.size() == 2 || (token[1] != '0' && token[2] >= '0' && token[2] <= '9'))) {
+                const int r = token.size() == 2 ? token[1] - '0' : (token[1] - '0') * 10 + (token[2] - '0');
+                if (r < 32) {
+                    const std::uint32_t word =
+                        registerWords_[static_cast<std::size_t>(kind)][static_cast<std::size_t>(r)];
+                    if (kind == okConstant && word == static_cast<std::uint32_t>(kNoValue)) return false;
+                    if (!EndsToken(line, i)) return false;
+                    words[count++] = word;
+                    skipBlanks();
+                    if (i < n && line[i] == ',') ++i;
+                    continue;
+                }
+            }
+        } else if (line[i] >= '0' && line[i] <= '9') {
+            while (i < n && line[i] >= '0' && line[i] <= '9') ++i;
+            token = line.substr(start, i - start);
+        } else {
+            return false;
+        }
+        if (!EndsToken(line, i)) return false;
+        const std::string_view text = tokens_.ResolveConstant(token);
+        if (kind == okConstant && !text.empty() && (text[0] == '+' || text[0] == '-')) return false;
+        words[count++] = OperandWord(kind, text);
+        skipBlanks();
+        if (i < n && line[i] == ',') ++i;
+    }
+    if (m && count != m->operandCount) return false;
+    ++i; // the ";"
+    skipBlanks();
+    if (i != n) return false;
+    if (m) {
+        const auto opcodes = WcpOpcodeWords();
+        if (m->index < 0 || static_cast<std::size_t>(m->index) >= opcodes.size()) return false;
+        EmitWord(opcodes[static_cast<std::size_t>(m->index)]);
+    } else {
+        EmitWord((NameHash(name) & 0xFFFFFF00u) | static_cast<std::uint32_t>(4 * count));
+    }
+    for (std::size_t k = 0; k < count; ++k) EmitWord(words[k]);
+    return true;
 }
 
 void WcpAssembler::EmitWord(std::uint32_t word) {

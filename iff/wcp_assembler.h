@@ -3,6 +3,7 @@
 // that source's error path, and writes each finished record into the chunk being assembled.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -31,12 +32,19 @@ private:
     void EmitInstruction(int index, std::span<const std::uint8_t> kinds, bool semicolonRequired);
     void EmitNativeCall(std::string_view name);
     std::uint32_t ReadOperand(int kind);
+    // The word of an operand's text, its constant resolved already.
+    static std::uint32_t OperandWord(int kind, std::string_view text);
+    // A whole line of the usual kind (an instruction or game-function call with its operands and ";"),
+    // assembled as the token path would; false, having written nothing, for any other line.
+    bool AssembleSimpleLine(std::string_view line);
     void EmitWord(std::uint32_t word);
 
     IffTokenSource& tokens_;         // the assembler's token reader, constants and error path
     TIffWriter& writer_;             // the writer of the chunk being assembled
     const TIffCompiler& owner_;      // the textual-IFF assembler, whose output limit holds here too
     std::vector<std::uint8_t> code_; // the function record being assembled
+    // The words of the operands "v0" to "v31" by operand kind, as the registers' constants resolve.
+    std::array<std::array<std::uint32_t, 32>, 3> registerWords_{};
 };
 
 } // namespace velkor

@@ -65,6 +65,23 @@ constexpr std::array<std::uint64_t, kMnemonics.size()> MakePackedNames() {
 }
 constexpr auto kPackedNames = MakePackedNames();
 
+// The mnemonics by packed name in a table of open addressing, so that a look-up compares one or two words.
+constexpr std::size_t kSlots = 64;
+constexpr std::size_t SlotOf(std::uint64_t packed) {
+    return static_cast<std::size_t>((packed * 0x9E3779B97F4A7C15u) >> 58);
+}
+constexpr std::array<std::int8_t, kSlots> MakeSlots() {
+    std::array<std::int8_t, kSlots> slots{};
+    for (auto& slot : slots) slot = -1;
+    for (std::size_t i = 0; i < kMnemonics.size(); ++i) {
+        std::size_t at = SlotOf(kPackedNames[i]);
+        while (slots[at] >= 0) at = (at + 1) % kSlots;
+        slots[at] = static_cast<std::int8_t>(i);
+    }
+    return slots;
+}
+constexpr auto kSlotTable = MakeSlots();
+
 } // namespace
 
 std::span<const std::uint32_t> WcpOpcodeWords() {
@@ -79,8 +96,10 @@ const WcpMnemonic* FindWcpMnemonicNoCase(std::string_view name) {
     constexpr std::size_t kLongest = 6; // "return"
     if (name.empty() || name.size() > kLongest) return nullptr;
     const std::uint64_t packed = PackedName(name);
-    for (std::size_t i = 0; i < kMnemonics.size(); ++i)
+    for (std::size_t at = SlotOf(packed); kSlotTable[at] >= 0; at = (at + 1) % kSlots) {
+        const auto i = static_cast<std::size_t>(kSlotTable[at]);
         if (kPackedNames[i] == packed && kMnemonics[i].name.size() == name.size()) return &kMnemonics[i];
+    }
     return nullptr;
 }
 

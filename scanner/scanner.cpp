@@ -480,6 +480,66 @@ std::unique_ptr<TScanner> CreateScanner() {
     return std::make_unique<TScanner>();
 }
 
+// NextTokenView's branches over a line: every run ends at the line's end, where the line break would stop it.
+bool ReadLineTokens(std::string_view line, std::vector<LineToken>& tokens) {
+    tokens.clear();
+    const char* const text = line.data();
+    const std::size_t n = line.size();
+    std::size_t i = 0;
+    for (;;) {
+        while (i < n && (text[i] == ' ' || text[i] == '\t')) ++i;
+        if (i == n) return true;
+        const char first = text[i];
+        const std::size_t start = i++;
+        std::int32_t kind;
+        if (Is(first, ccLetter | ccUnderscore)) {
+            while (i < n && IsIdentChar(text[i])) ++i;
+            kind = KeywordKind(std::string_view(text + start, i - start));
+        } else if (Is(first, ccDelimiter)) {
+            switch (first) {
+            case ';': kind = tkSemicolon; break;
+            case ',': kind = tkComma; break;
+            case '(': kind = tkOpenParen; break;
+            case ')': kind = tkCloseParen; break;
+            default: kind = tkDelimiter; break;
+            }
+        } else if (Is(first, ccDigit) || first == '$' || first == '%') {
+            while (i < n && Is(text[i], ccNumberTail)) ++i;
+            if (i < n && (text[i] == '+' || text[i] == '-') && (text[i - 1] == 'E' || text[i - 1] == 'e')) {
+                ++i;
+                while (i < n && IsDigit(text[i])) ++i;
+            }
+            kind = tkNumber;
+        } else if (first == '"') {
+            while (i < n && text[i] != '"') {
+                if (text[i] == '/' || text[i] == '#' || text[i] == '\r' || text[i] == '\n' || text[i] == '\0')
+                    return false;
+                ++i;
+            }
+            if (i == n) return false;
+            tokens.push_back({std::string_view(text + start + 1, i - start - 1), tkString});
+            ++i;
+            continue;
+        } else if (first == '/') {
+            if (i == n || text[i] != '/') return false;
+            for (; i < n; ++i)
+                if (text[i] == '\r' || text[i] == '\n' || text[i] == '\0') return false;
+            return true;
+        } else if (Is(first, ccOperator)) {
+            while (i < n && Is(text[i], ccOperator))
+                if (text[i++] == '/') return false;
+            kind = tkOperator;
+        } else {
+            if (Is(first, ccBlank) || first == '\0' || first == '#') return false;
+            while (i < n &&
+                   !Is(text[i], ccBlank | ccLetter | ccDigit | ccUnderscore | ccOperator | ccDelimiter))
+                if (text[i] == '#' || text[i++] == '\0') return false;
+            kind = tkOther;
+        }
+        tokens.push_back({std::string_view(text + start, i - start), kind});
+    }
+}
+
 std::string WithoutLineMarkers(std::string_view token) {
     std::string out;
     out.reserve(token.size());

@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velkor {
 
@@ -153,6 +154,18 @@ enum class ScannerClass { Standard, Fast };
 void SetScannerClass(ScannerClass cls);
 ScannerClass GetScannerClass();
 std::unique_ptr<TScanner> CreateScanner();
+
+// One token of a line read on its own.
+struct LineToken {
+    std::string_view text; // as NextTokenView gives it: a string without its quotes
+    std::int32_t kind;
+};
+
+// The tokens of one line of a text, as either scanner class reads them where the line stands inside a text,
+// with more lines after it. False for a line whose reading depends on the class or on the lines around it:
+// one holding a line break, NUL, "#", "/" other than a "//" that ends the line as a comment, or a string
+// that does not end on the line.
+bool ReadLineTokens(std::string_view line, std::vector<LineToken>& tokens);
 
 // The token's text without the line markers TScanner put behind each line break inside it (a string that
 // spans lines holds them).

@@ -23,6 +23,8 @@ TEST(Listing, DrainHandsOverEveryLineInOrderAndEmptiesTheListing) {
         {"with lines inserted before earlier ones", 300'000, 11, 997},
         {"with lines longer than a block", 5, (std::size_t{1} << 20) + 3, 2},
         {"empty lines", 1000, 0, 7},
+        {"lines that fill their blocks", 20, (std::size_t{1} << 19) - 2, 3},
+        {"lines of exactly the long length", 4, (std::size_t{1} << 20) - 3, 0},
         {"nothing", 0, 5, 0},
     };
     for (const Case& c : cases) {
@@ -42,6 +44,17 @@ TEST(Listing, DrainHandsOverEveryLineInOrderAndEmptiesTheListing) {
                 want.push_back("  " + line);
             }
         }
+        // A feed hands over the same lines, given back as it goes.
+        TListing copy = listing;
+        EXPECT_TRUE(copy == listing);
+        std::vector<std::string> fed;
+        {
+            TListing::Feed feed(copy);
+            for (std::string_view line; feed.NextLine(line); feed.Release()) fed.emplace_back(line);
+            EXPECT_EQ(feed.CharsLeft(), 0u);
+        }
+        EXPECT_TRUE(fed == want);
+        EXPECT_TRUE(copy.empty());
         std::vector<std::string> got;
         listing.Drain([&](std::string_view line) { got.emplace_back(line); });
         EXPECT_TRUE(got == want);

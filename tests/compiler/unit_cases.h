@@ -1,9 +1,11 @@
 // A unit's compilation as a case: the unit's lines in, its listing, lists and messages out.
 #pragma once
 
+#include "compiler/build_text.h"
 #include "compiler/compiler.h"
 #include "compiler/defines.h"
 #include "compiler/symbol_table.h"
+#include "iff/iff_compiler.h"
 #include "iff/iff_strings.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
@@ -15,6 +17,42 @@
 #include <sstream>
 
 namespace velkor::test {
+
+// The files and messages of an assembly, or where the two assemblies of one unit part.
+inline std::vector<std::string> AssembledFiles(TIffCompiler& assembler) {
+    std::vector<std::string> out;
+    assembler.OnMessage = [&](int, const std::string& line) { out.push_back("message " + line); };
+    assembler.OnBinaryOutput = [&](const std::vector<std::uint8_t>& bytes, const std::string& name) {
+        out.push_back("file " + name + " " + std::string(bytes.begin(), bytes.end()));
+    };
+    try {
+        assembler.Compile();
+    } catch (const Exception& e) {
+        out.push_back(std::string("failure ") + e.what());
+    }
+    return out;
+}
+
+// A build reads the listing in its place instead of from the linked text: both give the same files and
+// messages. The listing is the one the unit had before linking.
+inline std::optional<std::string> StructuredBuildDiffers(TCompiler& compiler, const std::string& linked,
+                                                         const TListing& listing) {
+    TIffCompiler whole;
+    whole.SetInputText(linked);
+    const auto expected = AssembledFiles(whole);
+    compiler.Data().CodeList = listing;
+    const auto onOutput = std::exchange(compiler.OnOutput, nullptr); // "now linking" was shown once
+    TBuildText build = LinkForBuild(compiler);
+    compiler.OnOutput = onOutput;
+    TIffCompiler structured;
+    const auto feed = SetAssemblerInput(structured, build, {});
+    const auto actual = AssembledFiles(structured);
+    if (actual == expected) return std::nullopt;
+    for (std::size_t i = 0; i < std::min(actual.size(), expected.size()); ++i)
+        if (actual[i] != expected[i])
+            return "structured build differs: " + VisibleBytes(actual[i]).substr(0, 200);
+    return "structured build differs in its count of files and messages";
+}
 
 // A case's first input line may set up the run: `@ verbosity=N nohalt finish optimize objects state link
 // raw symbolsonly`. objects shows the object and objective texts, state the unit's settings and symbols, link
@@ -148,7 +186,9 @@ inline std::vector<std::string> CompileCase(const Case& c) {
     if (!data.MainProc.empty()) out.push_back("mainproc " + data.MainProc);
     if (!data.GfProc.empty()) out.push_back("gfproc " + data.GfProc);
     if (link && (messages.empty() || !messages.back().starts_with("failure "))) {
+        const TListing listing = compiler.Data().CodeList;
         const std::string linked = compiler.Link();
+        if (auto differs = StructuredBuildDiffers(compiler, linked, listing)) out.push_back(*differs);
         for (std::size_t at = 0, end; (end = linked.find("\r\n", at)) != std::string::npos; at = end + 2)
             out.push_back("link " + linked.substr(at, end - at));
         if (!linked.ends_with("\r\n")) out.push_back("linked text ends without CR LF");

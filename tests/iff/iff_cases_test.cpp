@@ -4,6 +4,7 @@
 #include "iff/iff_decoder.h"
 #include "iff/iff_items.h"
 #include "iff/iff_reader.h"
+#include "platform/strings.h"
 #include "tests/compiler/case_file.h"
 #include "tests/support/decode_roundtrip.h"
 #include "tests/support/run_tool.h"
@@ -25,6 +26,41 @@ std::vector<std::string> Render(const Assembled& a) {
     return out;
 }
 
+// The text of a WCP_ASM block laid out as the compiler lays out a listing, one instruction a line, and the
+// listing's lines read in their place as a build reads them: both give the same files and messages, under
+// either scanner. Texts without such a block, or with a line that would not read alone, give nothing.
+std::vector<std::string> ListingInPlace(const std::string& text) {
+    const std::size_t block = text.find("WCP_ASM {");
+    if (block == std::string::npos || text.find_first_of("\r\n") != std::string::npos) return {};
+    const std::size_t at = block + 9;
+    std::string rest = text.substr(at);
+    for (const char* cut : {"; ", "{ ", " }"})
+        for (std::size_t i = 0; (i = rest.find(cut, i)) != std::string::npos; i += 3)
+            rest.replace(i, 2, cut[0] == ' ' ? std::string("\r\n}") : std::string(1, cut[0]) + "\r\n");
+    std::vector<std::string> lines = SplitLines(rest);
+    std::vector<LineToken> tokens;
+    for (const auto& line : lines)
+        if (!ReadLineTokens(line, tokens)) return {};
+    const std::string last = lines.empty() ? std::string() : lines.back();
+    if (!lines.empty()) lines.pop_back();
+    const std::string before = text.substr(0, at) + "\r\n";
+    std::string whole = before;
+    for (const auto& line : lines) whole += line + "\r\n";
+    whole += last;
+    std::vector<std::string> out;
+    for (ScannerClass scanner : {ScannerClass::Standard, ScannerClass::Fast}) {
+        const std::vector<std::string> expected = Render(Assemble(whole, scanner));
+        const std::vector<std::string> got =
+            Render(AssembleSpliced(before + last, before.size(), lines, scanner));
+        if (got == expected) continue;
+        out.push_back(
+            std::string(scanner == ScannerClass::Fast ? "the fast scanner" : "the standard scanner") +
+            " reading the listing in its place gives:");
+        out.insert(out.end(), got.begin(), got.end());
+    }
+    return out;
+}
+
 // Both scanners must read every text alike; the cases' input lines are joined as they stand.
 TEST(IffCases, Assemble) {
     RunCaseFolder(kCases / "assemble", [](const Case& c) {
@@ -41,6 +77,8 @@ TEST(IffCases, Assemble) {
         also("the fast scanner", Assemble(text, ScannerClass::Fast));
         also("the general value path", Assemble(text, ScannerClass::Standard, {}, false));
         also("the fast scanner's general value path", Assemble(text, ScannerClass::Fast, {}, false));
+        const std::vector<std::string> inPlace = ListingInPlace(text);
+        out.insert(out.end(), inPlace.begin(), inPlace.end());
         return out;
     });
 }

@@ -23,8 +23,9 @@ struct Assembled {
 };
 
 // fastValueRows off reads every BYTE, WORD and LONG item through the general token path.
-inline Assembled Assemble(std::string_view text, ScannerClass scanner = ScannerClass::Standard,
-                          const std::filesystem::path& base = {}, bool fastValueRows = true) {
+// Runs an assembler that `setUp` has given its input.
+template <class SetUp>
+Assembled AssembleWith(ScannerClass scanner, bool fastValueRows, const SetUp& setUp) {
     Assembled result;
     SetScannerClass(scanner);
     TIffCompiler assembler;
@@ -36,7 +37,7 @@ inline Assembled Assemble(std::string_view text, ScannerClass scanner = ScannerC
     assembler.OnBinaryOutput = [&](const Bytes& bytes, const std::string& name) {
         result.files.emplace_back(name, bytes);
     };
-    assembler.SetInputText(text, base);
+    setUp(assembler);
     try {
         assembler.Compile();
     } catch (const EIffCompiler& e) {
@@ -44,6 +45,37 @@ inline Assembled Assemble(std::string_view text, ScannerClass scanner = ScannerC
     }
     SetScannerClass(ScannerClass::Standard);
     return result;
+}
+
+inline Assembled Assemble(std::string_view text, ScannerClass scanner = ScannerClass::Standard,
+                          const std::filesystem::path& base = {}, bool fastValueRows = true) {
+    return AssembleWith(scanner, fastValueRows, [&](TIffCompiler& a) { a.SetInputText(text, base); });
+}
+
+// Lines handed over in place of a part of the text, as a build hands over a unit's listing.
+class LinesInPlace : public SplicedLines {
+public:
+    explicit LinesInPlace(std::vector<std::string> lines) : lines_(std::move(lines)) {}
+    bool NextLine(std::string_view& line) override {
+        if (next_ == lines_.size()) return false;
+        line = lines_[next_++];
+        return true;
+    }
+    void Release() override {}
+    std::size_t CharsLeft() const override { return 0; }
+
+private:
+    std::vector<std::string> lines_;
+    std::size_t next_ = 0;
+};
+
+// As Assemble, with `lines` left out of the text at `at` and read in their place.
+inline Assembled AssembleSpliced(std::string text, std::size_t at, const std::vector<std::string>& lines,
+                                 ScannerClass scanner) {
+    LinesInPlace feed(lines);
+    return AssembleWith(scanner, true, [&](TIffCompiler& a) {
+        a.TakeInputText(std::move(text), {}, feed, at, static_cast<std::int32_t>(lines.size()));
+    });
 }
 
 inline Bytes B(std::string_view s) {
