@@ -6,8 +6,11 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
+
+#include "iff/wcp_opcodes.h"
 
 namespace velkor {
 
@@ -37,7 +40,22 @@ private:
     // A whole line of the usual kind (an instruction or game-function call with its operands and ";"),
     // assembled as the token path would; false, having written nothing, for any other line.
     bool AssembleSimpleLine(std::string_view line);
+    // The words of such a line, its indentation already passed, into `words`; false for any other line.
+    bool ReadSimpleLine(std::string_view line, std::span<std::uint32_t, kWcpMaxNativeOperands + 1> words,
+                        std::size_t& count) const;
     void EmitWord(std::uint32_t word);
+    void EmitWords(std::span<const std::uint32_t> words);
+
+    // A listing repeats its lines over and over ("movv v9 v8;"), and within one block the constants and
+    // registers stay as they are, so a line's words are kept: a table of fixed size, each line in the slot
+    // of its hash, a later line of the same hash taking the slot over.
+    struct RememberedLine {
+        std::string text;                                           // without its indentation
+        std::array<std::uint32_t, kWcpMaxNativeOperands + 1> words; // the instruction word and its operands
+        std::size_t count = 0;                                      // 0: the slot is empty
+    };
+    static constexpr std::size_t kRememberedLines = 4096;
+    std::vector<RememberedLine> remembered_;
 
     IffTokenSource& tokens_;         // the assembler's token reader, constants and error path
     TIffWriter& writer_;             // the writer of the chunk being assembled
