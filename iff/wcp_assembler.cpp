@@ -212,18 +212,17 @@ bool WcpAssembler::AssembleSimpleLine(std::string_view line) {
     while (from < line.size() && IsBlank(line[from])) ++from;
     line.remove_prefix(from);
     if (line.empty() || !IsWordStart(line[0])) return false;
-    RememberedLine& slot = remembered_[std::hash<std::string_view>{}(line) % remembered_.size()];
-    if (slot.count != 0 && slot.text == line) {
-        EmitWords(std::span(slot.words).first(slot.count));
-        return true;
+    RememberedLine& slot = remembered_[QuickLineHash(line) % remembered_.size()];
+    if (slot.size == 0 || slot.text != line) {
+        std::array<std::uint32_t, kWcpMaxNativeOperands + 1> words;
+        std::size_t count = 0;
+        if (!ReadSimpleLine(line, words, count)) return false;
+        slot.text.assign(line);
+        for (std::size_t k = 0; k < count; ++k) PutLittleEndian32(slot.bytes, 4 * k, words[k]);
+        slot.size = 4 * count;
     }
-    std::array<std::uint32_t, kWcpMaxNativeOperands + 1> words;
-    std::size_t count = 0;
-    if (!ReadSimpleLine(line, words, count)) return false;
-    slot.text.assign(line);
-    slot.words = words;
-    slot.count = count;
-    EmitWords(std::span(words).first(count));
+    code_.insert(code_.end(), slot.bytes.begin(),
+                 slot.bytes.begin() + static_cast<std::ptrdiff_t>(slot.size));
     return true;
 }
 
@@ -308,12 +307,6 @@ bool WcpAssembler::ReadSimpleLine(std::string_view line,
 void WcpAssembler::EmitWord(std::uint32_t word) {
     const auto bytes = LittleEndian32(word);
     code_.insert(code_.end(), bytes.begin(), bytes.end());
-}
-
-void WcpAssembler::EmitWords(std::span<const std::uint32_t> words) {
-    const std::size_t at = code_.size();
-    code_.resize(at + 4 * words.size());
-    for (std::size_t k = 0; k < words.size(); ++k) PutLittleEndian32(code_, at + 4 * k, words[k]);
 }
 
 } // namespace velkor

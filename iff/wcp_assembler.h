@@ -44,15 +44,14 @@ private:
     bool ReadSimpleLine(std::string_view line, std::span<std::uint32_t, kWcpMaxNativeOperands + 1> words,
                         std::size_t& count) const;
     void EmitWord(std::uint32_t word);
-    void EmitWords(std::span<const std::uint32_t> words);
 
     // A listing repeats its lines over and over ("movv v9 v8;"), and within one block the constants and
     // registers stay as they are, so a line's words are kept: a table of fixed size, each line in the slot
     // of its hash, a later line of the same hash taking the slot over.
     struct RememberedLine {
-        std::string text;                                           // without its indentation
-        std::array<std::uint32_t, kWcpMaxNativeOperands + 1> words; // the instruction word and its operands
-        std::size_t count = 0;                                      // 0: the slot is empty
+        std::string text;                                                // without its indentation
+        std::array<std::uint8_t, 4 * (kWcpMaxNativeOperands + 1)> bytes; // its words as the record holds them
+        std::size_t size = 0;                                            // bytes used; 0: the slot is empty
     };
     static constexpr std::size_t kRememberedLines = 4096;
     std::vector<RememberedLine> remembered_;
