@@ -26,7 +26,6 @@ bool IsTextualIff(std::string_view text) {
     return SameText(word, "IFF") && (at + 3 == text.size() || IsBlank(text[at + 3]) || text[at + 3] == '"');
 }
 
-
 TMapSource MapObjectsFromText(std::string text, const std::filesystem::path& baseFolder) {
     TMapSource source;
     TMapNames names;

@@ -1,8 +1,8 @@
 #include "iff/wcp_disassembler.h"
 
 #include "iff/value_lines.h"
-#include "platform/byte_order.h"
 #include "iff/wcp_opcodes.h"
+#include "platform/byte_order.h"
 #include "platform/numbers.h"
 
 #include <algorithm>

@@ -5,9 +5,9 @@
 #include "lsp/language_server.h"
 #include "lsp/source_words.h"
 
-#include "scanner/scanner.h"
 #include "compiler/symbol_queries.h"
 #include "platform/strings.h"
+#include "scanner/scanner.h"
 
 #include <nlohmann/json.hpp>
 
