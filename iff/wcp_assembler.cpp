@@ -29,8 +29,7 @@ constexpr std::size_t kDescriptorSlice = std::size_t{1} << 14;
 void WcpAssembler::AssembleWcpAsm() {
     tokens_.Expect("{");
     tokens_.TakeSplice();
-    // Constants defined since an earlier block may read other words.
-    remembered_.assign(kRememberedLines, RememberedLine{});
+    memo_.BeginBlock();
     for (int r = 0; r < 32; ++r) tokens_.DefineConstant("v" + std::to_string(r), std::to_string(r));
     // An earlier constant of the same name (or name checksum) wins, so each register is looked up once.
     for (int r = 0; r < 32; ++r) {
@@ -212,14 +211,12 @@ bool WcpAssembler::AssembleSimpleLine(std::string_view line) {
     while (from < line.size() && IsBlank(line[from])) ++from;
     line.remove_prefix(from);
     if (line.empty() || !IsWordStart(line[0])) return false;
-    RememberedLine& slot = remembered_[QuickLineHash(line) % remembered_.size()];
-    if (slot.size == 0 || slot.text != line) {
+    WcpLineMemo::Line& slot = memo_.SlotOf(line);
+    if (!memo_.Holds(slot, line)) {
         std::array<std::uint32_t, kWcpMaxNativeOperands + 1> words;
         std::size_t count = 0;
         if (!ReadSimpleLine(line, words, count)) return false;
-        slot.text.assign(line);
-        for (std::size_t k = 0; k < count; ++k) PutLittleEndian32(slot.bytes, 4 * k, words[k]);
-        slot.size = 4 * count;
+        memo_.Keep(slot, line, std::span(words).first(count));
     }
     code_.insert(code_.end(), slot.bytes.begin(),
                  slot.bytes.begin() + static_cast<std::ptrdiff_t>(slot.size));

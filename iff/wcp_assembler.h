@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "iff/wcp_line_memo.h"
 #include "iff/wcp_opcodes.h"
 
 namespace velkor {
@@ -20,8 +21,8 @@ class TIffCompiler;
 
 class WcpAssembler {
 public:
-    WcpAssembler(IffTokenSource& tokens, TIffWriter& writer, const TIffCompiler& owner)
-        : tokens_(tokens), writer_(writer), owner_(owner) {}
+    WcpAssembler(IffTokenSource& tokens, TIffWriter& writer, const TIffCompiler& owner, WcpLineMemo& memo)
+        : tokens_(tokens), writer_(writer), owner_(owner), memo_(memo) {}
 
     // Called after the keyword WCP_ASM: the braced block of "func" definitions. Defines the register names
     // v0 to v31 as constants, which stay defined for the rest of the text.
@@ -45,20 +46,10 @@ private:
                         std::size_t& count) const;
     void EmitWord(std::uint32_t word);
 
-    // A listing repeats its lines over and over ("movv v9 v8;"), and within one block the constants and
-    // registers stay as they are, so a line's words are kept: a table of fixed size, each line in the slot
-    // of its hash, a later line of the same hash taking the slot over.
-    struct RememberedLine {
-        std::string text;                                                // without its indentation
-        std::array<std::uint8_t, 4 * (kWcpMaxNativeOperands + 1)> bytes; // its words as the record holds them
-        std::size_t size = 0;                                            // bytes used; 0: the slot is empty
-    };
-    static constexpr std::size_t kRememberedLines = 4096;
-    std::vector<RememberedLine> remembered_;
-
     IffTokenSource& tokens_;         // the assembler's token reader, constants and error path
     TIffWriter& writer_;             // the writer of the chunk being assembled
     const TIffCompiler& owner_;      // the textual-IFF assembler, whose output limit holds here too
+    WcpLineMemo& memo_;              // the words of lines assembled before, kept for the whole run
     std::vector<std::uint8_t> code_; // the function record being assembled
     // The words of the operands "v0" to "v31" by operand kind, as the registers' constants resolve.
     std::array<std::array<std::uint32_t, 32>, 3> registerWords_{};
