@@ -187,6 +187,8 @@ void TCodeGen::CompileFactor() {
         compiler_.Expected("<symbol>", std::string(token));
         return;
     }
+    // Loading a variable or an object only writes a line; anything else gets a copy of its record, as
+    // compiling a call may add symbols and move the table's records.
     const TSymbol& symbol = compiler_.Symbols().Get(index);
     switch (symbol.Kind) {
     case skLocalVar:
@@ -195,10 +197,7 @@ void TCodeGen::CompileFactor() {
     case skGlobalVar:
     case skExternalVar:
     case skStaticVar:
-    case skObject:
-        LoadSymbol(symbol);
-        break; // only a line is written: the record stays where it is
-    // A copy: compiling a call may add symbols and move the table's records.
+    case skObject: LoadSymbol(symbol); break;
     default: LoadSymbol(TSymbol(symbol)); break;
     }
 }
