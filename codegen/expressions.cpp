@@ -10,6 +10,11 @@
 #include "platform/strings.h"
 #include "scanner/scanner.h"
 
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstring>
+
 namespace velkor {
 
 namespace {
@@ -39,6 +44,23 @@ bool IsMultiplicative(const TCompiler& c, std::string_view token) {
 bool IsBinaryLiteral(const std::string& text) {
     if (text.size() < 2 || text.size() > 32 || text[0] != '%') return false;
     return text.find_first_not_of("01", 1) == std::string::npos;
+}
+
+// "__ST<depth>", the name of an expression-stack slot, written into `buffer` without a heap string: every
+// binary operator looks two of them up.
+std::string_view StackSlotName(std::array<char, 16>& buffer, int depth) {
+    std::memcpy(buffer.data(), "__ST", 4);
+    const auto end = std::to_chars(buffer.data() + 4, buffer.data() + buffer.size(), depth).ptr;
+    return {buffer.data(), static_cast<std::size_t>(end - buffer.data())};
+}
+
+// "<before><register><after>" into `buffer`: the listing copies the line, so it need not live longer.
+std::string_view RegisterLine(std::array<char, 32>& buffer, std::string_view before, int r,
+                              std::string_view after) {
+    char* at = std::copy(before.begin(), before.end(), buffer.data());
+    at = std::to_chars(at, buffer.data() + buffer.size() - after.size(), r).ptr;
+    at = std::copy(after.begin(), after.end(), at);
+    return {buffer.data(), static_cast<std::size_t>(at - buffer.data())};
 }
 
 } // namespace
@@ -165,15 +187,30 @@ void TCodeGen::CompileFactor() {
         compiler_.Expected("<symbol>", std::string(token));
         return;
     }
-    // A copy: compiling a call may add symbols and move the table's records.
-    LoadSymbol(TSymbol(compiler_.Symbols().Get(index)));
+    // Loading a variable or an object only writes a line; anything else gets a copy of its record, as
+    // compiling a call may add symbols and move the table's records.
+    const TSymbol& symbol = compiler_.Symbols().Get(index);
+    switch (symbol.Kind) {
+    case skLocalVar:
+    case skPassVar:
+    case skStackVar:
+    case skGlobalVar:
+    case skExternalVar:
+    case skStaticVar:
+    case skObject: LoadSymbol(symbol); break;
+    default: LoadSymbol(TSymbol(symbol)); break;
+    }
 }
 
 void TCodeGen::LoadSymbol(const TSymbol& symbol) {
     switch (symbol.Kind) {
     case skLocalVar:
     case skPassVar:
-    case skStackVar: EmitLine("movv v8 v" + std::to_string(symbol.Register) + ";"); break;
+    case skStackVar: {
+        std::array<char, 32> line;
+        EmitLine(RegisterLine(line, "movv v8 v", symbol.Register, ";"));
+        break;
+    }
     case skGlobalVar:
     case skExternalVar:
     case skStaticVar: EmitLine("movv v8 " + symbol.Text + ";"); break;
@@ -216,26 +253,31 @@ std::string TCodeGen::ConstantOperand(const std::string& value) {
 }
 
 int TCodeGen::PushAccumulator() {
-    const std::string name = "__ST" + std::to_string(StackDepth);
+    std::array<char, 16> nameBuffer;
+    const std::string_view name = StackSlotName(nameBuffer, StackDepth);
     auto& symbols = compiler_.Symbols();
     const int index = symbols.Find(name);
-    const TSymbol slot = index >= 0 ? symbols.Get(index) : compiler_.AddVariable(name, skStackVar, 0);
-    if (compiler_.Wants(2)) compiler_.Output(2, "push " + name);
-    EmitLine("movv v" + std::to_string(slot.Register) + " v8;");
+    const std::int32_t r = index >= 0 ? symbols.Get(index).Register
+                                      : compiler_.AddVariable(std::string(name), skStackVar, 0).Register;
+    if (compiler_.Wants(2)) compiler_.Output(2, "push " + std::string(name));
+    std::array<char, 32> line;
+    EmitLine(RegisterLine(line, "movv v", r, " v8;"));
     ++StackDepth;
-    return slot.Register;
+    return r;
 }
 
 void TCodeGen::PopAccumulator() {
     --StackDepth;
-    const std::string name = "__ST" + std::to_string(StackDepth);
-    if (compiler_.Wants(2)) compiler_.Output(2, "pop " + name);
+    std::array<char, 16> nameBuffer;
+    const std::string_view name = StackSlotName(nameBuffer, StackDepth);
+    if (compiler_.Wants(2)) compiler_.Output(2, "pop " + std::string(name));
     const int index = compiler_.Symbols().Find(name);
     if (index < 0) {
-        compiler_.Error("stack over/under-flow (" + name + ")");
+        compiler_.Error("stack over/under-flow (" + std::string(name) + ")");
         return;
     }
-    EmitLine("movv v8 v" + std::to_string(compiler_.Symbols().Get(index).Register) + ";");
+    std::array<char, 32> line;
+    EmitLine(RegisterLine(line, "movv v8 v", compiler_.Symbols().Get(index).Register, ";"));
 }
 
 } // namespace velkor

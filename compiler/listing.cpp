@@ -1,6 +1,7 @@
 #include "compiler/listing.h"
 
 #include "platform/freed_memory.h"
+#include "platform/strings.h"
 
 #include <algorithm>
 
@@ -59,10 +60,27 @@ void TListing::push_back(std::string_view line) {
 }
 
 void TListing::push_back(std::string_view indent, std::string_view text) {
+    const std::size_t n = indent.size() + text.size();
+    LineRef* slot = nullptr;
+    if (n <= kSharedLineMax) {
+        if (recent_.empty()) recent_.assign(kRecentLines, kNoLine);
+        const std::size_t hash = QuickLineHash(text) + indent.size() * 0x9E3779B97F4A7C15u;
+        slot = &recent_[hash % kRecentLines];
+        if (*slot != kNoLine) {
+            const std::string_view seen = View(*slot);
+            if (seen.size() == n && seen.starts_with(indent) && seen.ends_with(text)) {
+                lines_.push_back(*slot);
+                textSize_ += n;
+                return;
+            }
+        }
+    }
     char* at = nullptr;
-    lines_.push_back(Take(indent.size() + text.size(), at));
+    const LineRef line = Take(n, at);
+    lines_.push_back(line);
     std::copy_n(indent.data(), indent.size(), at);
     std::copy_n(text.data(), text.size(), at + indent.size());
+    if (slot) *slot = line;
 }
 
 void TListing::insert(std::size_t index, const std::vector<std::string>& lines) {
@@ -85,6 +103,7 @@ void TListing::clear() {
     lines_.clear();
     blocks_.clear();
     textSize_ = 0;
+    ForgetRecent();
 }
 
 std::vector<std::size_t> TListing::LinesPerBlock() const {
@@ -97,6 +116,7 @@ void TListing::Drain(const std::function<void(std::string_view line)>& take) {
     // Each block goes when its last line has been handed over, and the freed pages go back to the system
     // now and then, so that the listing shrinks while the taker's text grows.
     std::vector<std::size_t> left = LinesPerBlock();
+    ForgetRecent();                         // their blocks go on the way
     constexpr std::size_t kReturnEvery = 4; // blocks of a megabyte
     std::size_t released = 0;
     while (!lines_.empty()) {
@@ -121,7 +141,9 @@ std::vector<std::string> TListing::Lines() const {
 }
 
 TListing::Feed::Feed(TListing& listing)
-    : listing_(listing), lines_(listing.LinesPerBlock()), left_(listing.textSize_) {}
+    : listing_(listing), lines_(listing.LinesPerBlock()), left_(listing.textSize_) {
+    listing_.ForgetRecent(); // their blocks go on the way
+}
 
 TListing::Feed::~Feed() {
     listing_.clear();

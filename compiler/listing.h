@@ -105,9 +105,18 @@ private:
     // How many lines each block holds.
     std::vector<std::size_t> LinesPerBlock() const;
 
-    std::vector<Block> blocks_; // the characters of every line
-    std::deque<LineRef> lines_; // the lines in order
-    std::size_t textSize_ = 0;  // characters of all lines
+    // A line the same as one of the recent ones is stored once: a generated listing is mostly a few thousand
+    // lines over and over. Lines are looked for in a table of fixed size by their hash, each slot naming the
+    // last short line of its hash; a block goes only when every line naming it has been handed out.
+    static constexpr std::size_t kRecentLines = 4096;
+    static constexpr std::size_t kSharedLineMax = 64; // longer lines are rarely repeated
+    static constexpr LineRef kNoLine = ~LineRef{0};
+    void ForgetRecent() { recent_.clear(); }
+
+    std::vector<Block> blocks_;   // the characters of every line
+    std::deque<LineRef> lines_;   // the lines in order
+    std::size_t textSize_ = 0;    // characters of all lines
+    std::vector<LineRef> recent_; // kRecentLines slots once a line was added, kNoLine for an empty one
 };
 
 class TListing::Feed : public SplicedLines {

@@ -254,7 +254,7 @@ std::string TIffCompiler::TooLargeText() const {
 namespace velkor {
 
 void TIffCompiler::AssembleWcpAsm() {
-    WcpAssembler(tokens_, *writer_, *this).AssembleWcpAsm();
+    WcpAssembler(tokens_, *writer_, *this, wcpLines_).AssembleWcpAsm();
 }
 
 } // namespace velkor

@@ -6,6 +6,7 @@
 
 #include "iff/iff_token_source.h"
 #include "iff/name_table.h"
+#include "iff/wcp_line_memo.h"
 #include "platform/source_location.h"
 
 #include <cstdint>
@@ -111,6 +112,7 @@ private:
     TNameTable types_;                   // type aliases by name checksum
     bool handingOver_ = false;           // true while OnBinaryOutput runs
     std::vector<std::uint8_t> pending_;  // items of the value being assembled
+    WcpLineMemo wcpLines_;               // the words of listing lines assembled before
 };
 
 } // namespace velkor

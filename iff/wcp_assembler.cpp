@@ -29,6 +29,7 @@ constexpr std::size_t kDescriptorSlice = std::size_t{1} << 14;
 void WcpAssembler::AssembleWcpAsm() {
     tokens_.Expect("{");
     tokens_.TakeSplice();
+    memo_.BeginBlock();
     for (int r = 0; r < 32; ++r) tokens_.DefineConstant("v" + std::to_string(r), std::to_string(r));
     // An earlier constant of the same name (or name checksum) wins, so each register is looked up once.
     for (int r = 0; r < 32; ++r) {
@@ -204,15 +205,32 @@ bool EndsToken(std::string_view line, std::size_t at) {
 // them, ";" at the end with nothing behind it. Anything else, and any line the token path would refuse or
 // read past its end, is left to it.
 bool WcpAssembler::AssembleSimpleLine(std::string_view line) {
+    std::size_t from = 0;
+    // The indentation eight blanks at a time.
+    while (from + 8 <= line.size() && std::memcmp(line.data() + from, "        ", 8) == 0) from += 8;
+    while (from < line.size() && IsBlank(line[from])) ++from;
+    line.remove_prefix(from);
+    if (line.empty() || !IsWordStart(line[0])) return false;
+    WcpLineMemo::Line& slot = memo_.SlotOf(line);
+    if (!memo_.Holds(slot, line)) {
+        std::array<std::uint32_t, kWcpMaxNativeOperands + 1> words;
+        std::size_t count = 0;
+        if (!ReadSimpleLine(line, words, count)) return false;
+        memo_.Keep(slot, line, std::span(words).first(count));
+    }
+    code_.insert(code_.end(), slot.bytes.begin(),
+                 slot.bytes.begin() + static_cast<std::ptrdiff_t>(slot.size));
+    return true;
+}
+
+bool WcpAssembler::ReadSimpleLine(std::string_view line,
+                                  std::span<std::uint32_t, kWcpMaxNativeOperands + 1> out,
+                                  std::size_t& outCount) const {
     std::size_t i = 0;
     const std::size_t n = line.size();
     auto skipBlanks = [&] {
         while (i < n && IsBlank(line[i])) ++i;
     };
-    // The indentation eight blanks at a time.
-    while (i + 8 <= n && std::memcmp(line.data() + i, "        ", 8) == 0) i += 8;
-    skipBlanks();
-    if (i == n || !IsWordStart(line[i])) return false;
     const std::size_t nameStart = i;
     while (i < n && IsWordChar(line[i])) ++i;
     if (!EndsToken(line, i)) return false;
@@ -274,11 +292,12 @@ bool WcpAssembler::AssembleSimpleLine(std::string_view line) {
     if (m) {
         const auto opcodes = WcpOpcodeWords();
         if (m->index < 0 || static_cast<std::size_t>(m->index) >= opcodes.size()) return false;
-        EmitWord(opcodes[static_cast<std::size_t>(m->index)]);
+        out[0] = opcodes[static_cast<std::size_t>(m->index)];
     } else {
-        EmitWord((NameHash(name) & 0xFFFFFF00u) | static_cast<std::uint32_t>(4 * count));
+        out[0] = (NameHash(name) & 0xFFFFFF00u) | static_cast<std::uint32_t>(4 * count);
     }
-    for (std::size_t k = 0; k < count; ++k) EmitWord(words[k]);
+    std::copy_n(words.begin(), count, out.begin() + 1);
+    outCount = count + 1;
     return true;
 }
 

@@ -6,8 +6,12 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
+
+#include "iff/wcp_line_memo.h"
+#include "iff/wcp_opcodes.h"
 
 namespace velkor {
 
@@ -17,8 +21,8 @@ class TIffCompiler;
 
 class WcpAssembler {
 public:
-    WcpAssembler(IffTokenSource& tokens, TIffWriter& writer, const TIffCompiler& owner)
-        : tokens_(tokens), writer_(writer), owner_(owner) {}
+    WcpAssembler(IffTokenSource& tokens, TIffWriter& writer, const TIffCompiler& owner, WcpLineMemo& memo)
+        : tokens_(tokens), writer_(writer), owner_(owner), memo_(memo) {}
 
     // Called after the keyword WCP_ASM: the braced block of "func" definitions. Defines the register names
     // v0 to v31 as constants, which stay defined for the rest of the text.
@@ -37,11 +41,15 @@ private:
     // A whole line of the usual kind (an instruction or game-function call with its operands and ";"),
     // assembled as the token path would; false, having written nothing, for any other line.
     bool AssembleSimpleLine(std::string_view line);
+    // The words of such a line, its indentation already passed, into `words`; false for any other line.
+    bool ReadSimpleLine(std::string_view line, std::span<std::uint32_t, kWcpMaxNativeOperands + 1> words,
+                        std::size_t& count) const;
     void EmitWord(std::uint32_t word);
 
     IffTokenSource& tokens_;         // the assembler's token reader, constants and error path
     TIffWriter& writer_;             // the writer of the chunk being assembled
     const TIffCompiler& owner_;      // the textual-IFF assembler, whose output limit holds here too
+    WcpLineMemo& memo_;              // the words of lines assembled before, kept for the whole run
     std::vector<std::uint8_t> code_; // the function record being assembled
     // The words of the operands "v0" to "v31" by operand kind, as the registers' constants resolve.
     std::array<std::array<std::uint32_t, 32>, 3> registerWords_{};

@@ -26,10 +26,11 @@ std::string LowerCase(std::string_view s) {
     return r;
 }
 
+// Names are mostly written in one case throughout, so equal bytes are settled before any case folding.
 bool SameText(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;
     for (size_t i = 0; i < a.size(); ++i)
-        if (Upper(a[i]) != Upper(b[i])) return false;
+        if (a[i] != b[i] && Upper(a[i]) != Upper(b[i])) return false;
     return true;
 }
 

@@ -1,6 +1,8 @@
 // Byte-string helpers with the ASCII-only case rules the file formats and the language use.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +12,31 @@ namespace velkor {
 std::string UpperCase(std::string_view s);
 std::string LowerCase(std::string_view s);
 bool SameText(std::string_view a, std::string_view b);
+
+// A quick hash of a short line for tables that compare the text on a hit anyway: its length and its first
+// and last eight characters, which is where the lines of a generated listing differ.
+inline std::size_t QuickLineHash(std::string_view s) {
+    const std::size_t n = s.size();
+    const auto* p = reinterpret_cast<const unsigned char*>(s.data());
+    // Eight characters, first lowest: the compiler makes one load of it.
+    auto word = [](const unsigned char* q) {
+        return std::uint64_t{q[0]} | std::uint64_t{q[1]} << 8 | std::uint64_t{q[2]} << 16 |
+               std::uint64_t{q[3]} << 24 | std::uint64_t{q[4]} << 32 | std::uint64_t{q[5]} << 40 |
+               std::uint64_t{q[6]} << 48 | std::uint64_t{q[7]} << 56;
+    };
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    if (n >= 8) {
+        first = word(p);
+        last = word(p + n - 8);
+    } else {
+        for (std::size_t i = 0; i < n; ++i) first |= std::uint64_t{p[i]} << (8 * i);
+    }
+    std::uint64_t h = (first * 0x9E3779B97F4A7C15u) ^ (last * 0xC2B2AE3D27D4EB4Fu) ^ n;
+    h ^= h >> 32;
+    h *= 0xD6E8FEB86659FD93u;
+    return static_cast<std::size_t>(h ^ (h >> 29));
+}
 
 // Removes leading and trailing blanks and control characters (every byte up to and including space).
 std::string_view Trim(std::string_view s);
