@@ -245,7 +245,7 @@ bool WcpAssembler::ReadSimpleLine(std::string_view line,
         if (i == n) return false;
         if (line[i] == ';') break;
         if (count == most) return false;
-        const int kind = m ? m->kinds[count] : okValue;
+        const int kind = m ? m->kinds[count] : static_cast<int>(okValue);
         const std::size_t start = i;
         std::string_view token;
         if (line[i] == '"') {
