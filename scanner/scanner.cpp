@@ -72,6 +72,16 @@ constexpr auto kKeywordsByLetter = [] {
     return byLetter;
 }();
 
+std::int32_t DelimiterKind(char c) {
+    switch (c) {
+    case ';': return tkSemicolon;
+    case ',': return tkComma;
+    case '(': return tkOpenParen;
+    case ')': return tkCloseParen;
+    default: return tkDelimiter;
+    }
+}
+
 std::int32_t KeywordKind(std::string_view word) {
     if (word.empty() || word.size() > 9) return tkIdentifier; // the longest keyword is "objective"
     const char first = word[0] >= 'A' && word[0] <= 'Z' ? static_cast<char>(word[0] - 'A' + 'a') : word[0];
@@ -296,13 +306,7 @@ std::string_view TScanner::NextTokenView() {
         return take(start);
     }
     if (Is(first, ccDelimiter)) {
-        switch (first) {
-        case ';': tokenKind_ = tkSemicolon; break;
-        case ',': tokenKind_ = tkComma; break;
-        case '(': tokenKind_ = tkOpenParen; break;
-        case ')': tokenKind_ = tkCloseParen; break;
-        default: tokenKind_ = tkDelimiter; break;
-        }
+        tokenKind_ = DelimiterKind(first);
         return take(start);
     }
     // Other characters start at the first one again: a blank the skipping left (the text's last character,
@@ -496,13 +500,7 @@ bool ReadLineTokens(std::string_view line, std::vector<LineToken>& tokens) {
             while (i < n && IsIdentChar(text[i])) ++i;
             kind = KeywordKind(std::string_view(text + start, i - start));
         } else if (Is(first, ccDelimiter)) {
-            switch (first) {
-            case ';': kind = tkSemicolon; break;
-            case ',': kind = tkComma; break;
-            case '(': kind = tkOpenParen; break;
-            case ')': kind = tkCloseParen; break;
-            default: kind = tkDelimiter; break;
-            }
+            kind = DelimiterKind(first);
         } else if (Is(first, ccDigit) || first == '$' || first == '%') {
             while (i < n && Is(text[i], ccNumberTail)) ++i;
             if (i < n && (text[i] == '+' || text[i] == '-') && (text[i - 1] == 'E' || text[i - 1] == 'e')) {
