@@ -228,7 +228,7 @@ std::vector<std::string> TListing::Lines() const {
 
 TListing::Feed::Feed(TListing& listing) : listing_(listing), left_(listing.textSize_) {
     listing_.ForgetSeen(); // their blocks go on the way
-    run_.reserve(kRun);
+    run_.resize(kRun);
 }
 
 TListing::Feed::~Feed() {
@@ -239,20 +239,28 @@ TListing::Feed::~Feed() {
 std::span<const SplicedLine> TListing::Feed::NextLines() {
     doneBefore_.insert(doneBefore_.end(), doneNow_.begin(), doneNow_.end());
     doneNow_.clear();
-    run_.clear();
     auto& lines = listing_.lines_;
-    auto end = lines.begin();
-    for (const auto last = lines.end(); end != last && run_.size() < kRun; ++end) {
-        const LineId id = *end;
+    const std::size_t count = std::min(kRun, lines.size());
+    const auto end = lines.begin() + static_cast<std::ptrdiff_t>(count);
+    std::size_t k = 0;
+    for (auto at = lines.begin(); at != end; ++at, ++k) {
+        const LineId id = *at;
         const LineRef ref = listing_.texts_[id];
-        const std::string_view text = listing_.View(ref);
-        run_.push_back({text, (ref & kRepeatedBit) != 0 ? id : SplicedLine::kOnce});
+        Block& block = listing_.blocks_[BlockOf(ref)];
+        const std::size_t length = static_cast<std::size_t>(ref) & kLongLine;
+        const std::string_view text(block.chars.get() + (static_cast<std::size_t>(ref >> 20) & kLongLine),
+                                    length == kLongLine ? block.used : length);
+        run_[k] = {text, (ref & kRepeatedBit) != 0 ? id : SplicedLine::kOnce};
         left_ -= text.size();
-        const std::size_t block = BlockOf(ref);
-        if (--listing_.blocks_[block].lines == 0) doneNow_.push_back(block);
+        if (--block.lines == 0) doneNow_.push_back(BlockOf(ref));
     }
     lines.erase(lines.begin(), end);
-    return run_;
+    // The ids handed over go back to the system now and then, while the reader's output grows.
+    if ((handed_ += count) >= kReturnEvery) {
+        handed_ = 0;
+        ReturnFreedMemory();
+    }
+    return std::span(run_).first(count);
 }
 
 // The reader still looks at lines of the last run.

@@ -149,7 +149,8 @@ public:
     std::size_t CharsLeft() const override { return left_; }
 
 private:
-    static constexpr std::size_t kRun = 512; // lines handed over at a time
+    static constexpr std::size_t kRun = 512;              // lines handed over at a time
+    static constexpr std::size_t kReturnEvery = 1u << 20; // lines handed over between returns of memory
 
     TListing& listing_;
     std::vector<SplicedLine> run_;        // the lines handed over last
@@ -157,6 +158,7 @@ private:
     std::vector<std::size_t> doneBefore_; // blocks whose last line was in an earlier run, not freed yet
     std::size_t left_ = 0;                // characters not handed out yet
     std::size_t released_ = 0;            // blocks freed so far
+    std::size_t handed_ = 0;              // lines handed over since memory was last returned
 };
 
 } // namespace velkor
