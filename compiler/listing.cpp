@@ -21,19 +21,20 @@ namespace {
 // Every character counts: lines of one length often differ only in the middle ("movv v8 v28;").
 [[gnu::always_inline]] inline std::uint64_t LineHash(std::size_t indent, std::string_view text) {
     constexpr std::uint64_t kMix = 0x9E3779B97F4A7C15u;
-    std::uint64_t h = (indent * 0xC2B2AE3D27D4EB4Fu) ^ (text.size() * kMix);
     const std::size_t n = text.size();
     const char* p = text.data();
+    // Multiplying by an odd number loses nothing, so the words are only mixed well once, at the end.
+    std::uint64_t h = indent * 0xC2B2AE3D27D4EB4Fu + n;
     if (n >= 8) {
-        std::size_t i = 0;
-        for (; i + 8 < n; i += 8) h = (h ^ Word(p + i)) * kMix, h ^= h >> 32;
-        h = (h ^ Word(p + n - 8)) * kMix; // the last eight, overlapping the word before
+        for (std::size_t i = 0; i + 8 < n; i += 8) h = (h ^ Word(p + i)) * kMix;
+        h ^= Word(p + n - 8); // the last eight, overlapping the word before
     } else {
         std::uint64_t last = 0;
         for (std::size_t i = 0; i < n; ++i)
             last |= std::uint64_t{static_cast<unsigned char>(p[i])} << (8 * i);
-        h = (h ^ last) * kMix;
+        h ^= last;
     }
+    h *= kMix;
     h ^= h >> 29;
     h *= 0xD6E8FEB86659FD93u;
     return h ^ (h >> 32);
@@ -135,31 +136,40 @@ void TListing::Grow() {
 TListing::LineId TListing::IdOf(std::string_view indent, std::string_view text) {
     const std::size_t n = indent.size() + text.size();
     // The slot's index comes from the upper half too, so that a larger table is filled from the slots alone.
-    if (n > kSharedLineMax || seen_.size() > (std::size_t{1} << 31)) return NewId(indent, text);
-    if (2 * (seenCount_ + 1) > seen_.size()) Grow();
+    if (n > kSharedLineMax || 2 * (seenCount_ + 1) > seen_.size()) return IdOfRare(indent, text);
     const auto upper = static_cast<std::uint32_t>(LineHash(indent.size(), text) >> 32);
     const std::size_t mask = seen_.size() - 1;
     for (std::size_t at = upper & mask;; at = (at + 1) & mask) {
         const std::uint64_t slot = seen_[at];
-        if (slot == 0) {
-            const LineId id = NewId(indent, text);
-            seen_[at] = std::uint64_t{upper} << 32 | (std::uint64_t{id} + 1);
-            ++seenCount_;
-            return id;
-        }
+        if (slot == 0) return Seen(indent, text, at, upper);
         if (static_cast<std::uint32_t>(slot >> 32) != upper) continue;
         const auto id = static_cast<LineId>((slot & 0xFFFFFFFFu) - 1);
         // A short line is never a long line's own block, so its length is its reference's.
-        const LineRef ref = texts_[id];
+        LineRef& ref = texts_[id];
         if ((ref & kLongLine) != n) continue;
         const char* line =
             blocks_[BlockOf(ref)].chars.get() + (static_cast<std::size_t>(ref >> 20) & kLongLine);
         if (SameChars(line, indent.data(), indent.size()) &&
             SameChars(line + indent.size(), text.data(), text.size())) {
-            texts_[id] |= kRepeatedBit;
+            ref |= kRepeatedBit;
             return id;
         }
     }
+}
+
+TListing::LineId TListing::IdOfRare(std::string_view indent, std::string_view text) {
+    if (indent.size() + text.size() > kSharedLineMax || seen_.size() > (std::size_t{1} << 31))
+        return NewId(indent, text);
+    Grow();
+    return IdOf(indent, text);
+}
+
+TListing::LineId TListing::Seen(std::string_view indent, std::string_view text, std::size_t at,
+                                std::uint32_t upper) {
+    const LineId id = NewId(indent, text);
+    seen_[at] = std::uint64_t{upper} << 32 | (std::uint64_t{id} + 1);
+    ++seenCount_;
+    return id;
 }
 
 void TListing::push_back(std::string_view line) {

@@ -120,6 +120,11 @@ private:
     }
     // The id of the line: the one it had before when it is short and was seen, otherwise a new one.
     LineId IdOf(std::string_view indent, std::string_view text);
+    // IdOf for a long line, or when the table is to grow first.
+    [[gnu::noinline]] LineId IdOfRare(std::string_view indent, std::string_view text);
+    // A new short line, whose hash found the empty slot `at`.
+    [[gnu::noinline]] LineId Seen(std::string_view indent, std::string_view text, std::size_t at,
+                                  std::uint32_t upper);
     LineId NewId(std::string_view indent, std::string_view text);
     void Grow();
     // One more line of the listing has the id.
