@@ -376,7 +376,10 @@ private:
         const std::size_t indent = indent_.size() + 2 * std::min(depth + 1, kMaxIndentDepth + 1);
         constexpr std::size_t kRegistersLine = 8 + 4 * 3 + 4; // mnemonic, three registers, line end
         char* at = out_.Room(indent + 64 + kRegistersLine);
-        for (std::size_t done = 0; done < indent; done += 64) std::memcpy(at + done, kSpaces, 64);
+        if (indent <= 32)
+            std::memcpy(at, kSpaces, 32); // the usual depths, in one move
+        else
+            for (std::size_t done = 0; done < indent; done += 64) std::memcpy(at + done, kSpaces, 64);
         at += indent;
         std::memcpy(at, shown.text.data(), 8);
         at += m.name.size();
