@@ -39,7 +39,7 @@ bool IsWordChar(char c) {
 class PlainRowsReader {
 public:
     explicit PlainRowsReader(std::string_view text)
-        : p_(text.data()), end_(text.data() + text.size()), atEnd_(true) {}
+        : p_(text.data()), end_(text.data() + text.size()), atEnd_(true), bytesRead_(text.size()) {}
     explicit PlainRowsReader(std::FILE* file) : file_(file), buffer_(kBlockSize) {
         p_ = end_ = buffer_.data();
         Fill();
@@ -55,9 +55,12 @@ public:
             block.fileName = Name(1);
             Punctuation('{');
             block.writer = std::make_unique<TIffWriter>("_velkor.iff", TIffWriter::InMemory);
-            // Two characters are the least a byte takes; room that stays unwritten costs address space only.
+            // Two characters are the least a byte of the text left takes; room that stays unwritten costs
+            // address space only.
+            const std::uint64_t read = bytesRead_ - static_cast<std::uint64_t>(end_ - p_);
+            const std::uint64_t left = sizeHint > read ? sizeHint - read : 0;
             constexpr std::uint64_t kMaxReserve = std::uint64_t{256} << 20;
-            block.writer->Reserve(std::min(sizeHint / 2 + 64, kMaxReserve));
+            block.writer->Reserve(std::min(left / 2 + 64, kMaxReserve));
             writer_ = block.writer.get();
             for (;;) {
                 SkipBlanks();
@@ -85,6 +88,7 @@ private:
         }
         p_ = buffer_.data();
         end_ = p_ + kept + got;
+        bytesRead_ += got;
     }
 
     void SkipBlanks() {
@@ -279,6 +283,7 @@ private:
     const char* p_ = nullptr;      // the next character
     const char* end_ = nullptr;    // behind the last character read so far
     bool atEnd_ = false;           // end_ is the text's end
+    std::uint64_t bytesRead_ = 0;  // of the text so far
     std::FILE* file_ = nullptr;    // where the window is read from, or null for a text in memory
     std::vector<char> buffer_;     // the window
     TIffWriter* writer_ = nullptr; // the block being assembled

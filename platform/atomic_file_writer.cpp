@@ -322,15 +322,22 @@ void AtomicFileWriter::CloseTogether(std::span<AtomicFileWriter* const> writers)
 void AtomicFileWriter::CommitTogether(std::span<AtomicFileWriter* const> writers) {
     CloseTogether(writers);
     std::vector<fs::path> folders;
-    for (AtomicFileWriter* writer : writers) {
-        const bool renamed = !writer->tmp_.empty();
-        writer->Replace();
-        if (!renamed) continue;
-        fs::path folder = writer->target_.parent_path();
-        if (std::find(folders.begin(), folders.end(), folder) == folders.end())
-            folders.push_back(std::move(folder));
+    auto syncFolders = [&] {
+        for (const fs::path& folder : folders) SyncFolder(folder);
+    };
+    try {
+        for (AtomicFileWriter* writer : writers) {
+            fs::path folder = writer->target_.parent_path();
+            const bool renamed = !writer->tmp_.empty();
+            writer->Replace();
+            if (renamed && std::find(folders.begin(), folders.end(), folder) == folders.end())
+                folders.push_back(std::move(folder));
+        }
+    } catch (...) {
+        syncFolders(); // the files replaced before the failure stay replaced
+        throw;
     }
-    for (const fs::path& folder : folders) SyncFolder(folder);
+    syncFolders();
 }
 
 void WriteFileAtomic(const fs::path& path, std::span<const std::uint8_t> bytes) {
