@@ -77,8 +77,6 @@ public:
     // the same.
     std::size_t IdCount() const { return texts_.size(); }
     std::string_view TextOf(LineId id) const { return View(texts_[id]); }
-    // True when more than one line of the listing has the id.
-    bool Repeated(LineId id) const { return (texts_[id] & kRepeatedBit) != 0; }
 
     void push_back(std::string_view line);
     // Appends one line made of an indentation and a text, without joining them first.

@@ -33,8 +33,6 @@ public:
         std::uint8_t size = 0;    // bytes of its words
         Kind kind = Kind::Unknown;
     };
-    // The most bytes a line's words take.
-    static constexpr std::size_t kMaxBytes = 4 * (kWcpMaxNativeOperands + 1);
 
     // A new block: the lines of earlier ones are forgotten, as constants defined since may read otherwise.
     void BeginBlock() {
