@@ -2,8 +2,10 @@
 
 #include "iff/checksum.h"
 #include "iff/iff_writer.h"
+#include "iff/plain_rows_assembler.h"
 #include "iff/wcp_assembler.h"
 #include "platform/byte_order.h"
+#include "platform/c_file.h"
 #include "platform/path_resolver.h"
 #include "platform/strings.h"
 #include "platform/text_file.h"
@@ -74,6 +76,7 @@ void TIffCompiler::TakeInputText(std::string text, const std::filesystem::path& 
 }
 
 void TIffCompiler::Compile() {
+    if (FastValueRows && !spliced_ && OnBinaryOutput && AssemblePlainRowsText()) return;
     RunGuard guard([this] {
         writer_.reset();
         tokens_.Stop();
@@ -92,6 +95,28 @@ void TIffCompiler::Compile() {
         if (handingOver_) throw;
         Error(e.what());
     }
+}
+
+bool TIffCompiler::AssemblePlainRowsText() {
+    std::optional<std::vector<PlainRowsBlock>> blocks;
+    if (fromMemory_) {
+        blocks = AssemblePlainRows(inputText_);
+        if (blocks) inputText_.clear(); // taken over, as the general path takes it
+    } else {
+        // Whatever cannot be read here is read again by the general path, which names the fault.
+        std::error_code ec;
+        if (!std::filesystem::is_regular_file(inputPath_, ec)) return false;
+        const std::uintmax_t size = std::filesystem::file_size(inputPath_, ec);
+        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(OpenCFile(inputPath_, "rb"), &std::fclose);
+        if (!file) return false;
+        blocks = AssemblePlainRows(file.get(), ec ? 0 : size);
+    }
+    if (!blocks) return false;
+    for (PlainRowsBlock& block : *blocks) {
+        OnBinaryOutput(block.writer->Bytes(), block.fileName);
+        block.writer->Discard();
+    }
+    return true;
 }
 
 // ---- type aliases ----

@@ -57,8 +57,9 @@ public:
     BinaryOutputCallback OnBinaryOutput; // receives each finished output file
     NameHashedCallback OnNameHashed;     // receives every crc32 value's text with its checksum
 
-    // Rows of plain numbers (BYTE, WORD, LONG) are read straight from the text; off, every item takes the
-    // general token path. Both give the same bytes and messages; the switch is there to compare them.
+    // Rows of plain numbers (BYTE, WORD, LONG) are read straight from the text, and a text made of nothing
+    // else is read in blocks as it comes; off, every item takes the general token path. Both give the same
+    // bytes and messages; the switch is there to compare them.
     bool FastValueRows = true;
 
     // Nesting deeper than this is refused rather than followed.
@@ -80,6 +81,9 @@ private:
         tokens_.ExpectError(expected, found, where);
     }
 
+    // A text of nothing but forms, chunks and rows of plain numbers, read in one pass as it comes; false,
+    // having handed over nothing, for any other text.
+    bool AssemblePlainRowsText();
     // The textual-IFF grammar.
     void Run();
     void OutputBlock();

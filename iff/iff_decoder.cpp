@@ -385,16 +385,20 @@ std::vector<std::string> Decode(const std::filesystem::path& input, const std::f
     const std::filesystem::path folder = output.parent_path();
     std::vector<std::unique_ptr<AtomicFileWriter>> sides;
     sides.reserve(decoded.sideFiles.size());
+    std::vector<AtomicFileWriter*> all;
+    // Closed a few at a time, so that a file of many side files does not hold a handle for each.
+    constexpr std::size_t kOpenAtOnce = 16;
     for (const SideFile& side : decoded.sideFiles) {
         const std::filesystem::path path = folder / side.name;
         policy.CheckNotInput(path);
         sides.push_back(std::make_unique<AtomicFileWriter>(path));
         sides.back()->Write(side.data);
-        sides.back()->Close();
+        all.push_back(sides.back().get());
+        if (all.size() % kOpenAtOnce == 0) AtomicFileWriter::CloseTogether(std::span(all).last(kOpenAtOnce));
     }
-    text.Close();
-    for (const auto& side : sides) side->Commit();
-    text.Commit();
+    // The text last, as ever: it names the side files.
+    all.push_back(&text);
+    AtomicFileWriter::CommitTogether(all);
     return decoded.notes;
 }
 

@@ -9,6 +9,7 @@
 #include <array>
 #include <charconv>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -71,6 +72,14 @@ const ShownMnemonics& Mnemonics() {
     return mnemonics;
 }
 
+// The little-endian word at `at`, which the caller has checked to lie inside the data: read through a
+// pointer, the four byte loads are one for the compiler.
+std::uint32_t WordAt(std::span<const std::uint8_t> data, std::size_t at) {
+    const std::uint8_t* const b = data.data() + at;
+    return std::uint32_t{b[0]} | std::uint32_t{b[1]} << 8 | std::uint32_t{b[2]} << 16 |
+           std::uint32_t{b[3]} << 24;
+}
+
 // How a function record lies in the data, as far as its header goes.
 struct RecordHeader {
     std::uint32_t name = 0;
@@ -100,6 +109,11 @@ std::optional<RecordHeader> ReadHeader(std::span<const std::uint8_t> data, std::
     return h;
 }
 
+constexpr char kSpaces[64] = {' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ',
+                              ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ',
+                              ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ',
+                              ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '};
+
 // Lines are put together here and handed to the text in large pieces: a listing has a line for every few
 // words of its record, and appending each piece to the text on its own would cost more than the rest.
 class LineBuffer {
@@ -115,18 +129,13 @@ public:
         std::memcpy(buffer_.data() + used_, text.data(), text.size());
         used_ += text.size();
     }
-    // Text of at most 8 characters, kept in a buffer of 8, copied in one fixed-size move.
-    void Put8(const char* text8, std::size_t length) {
-        char* at = Room(8);
-        std::memcpy(at, text8, 8);
+    // Text of at most 4 characters, kept in a buffer of 4, copied in one fixed-size move.
+    void Put4(const char* text4, std::size_t length) {
+        char* at = Room(4);
+        std::memcpy(at, text4, 4);
         used_ += length;
     }
     void PutSpaces(std::size_t count) {
-        static constexpr char kSpaces[64] = {' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ',
-                                             ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ',
-                                             ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ',
-                                             ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ',
-                                             ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '};
         char* at = Room(count + 64);
         for (std::size_t done = 0; done < count; done += 64) std::memcpy(at + done, kSpaces, 64);
         used_ += count;
@@ -137,6 +146,8 @@ public:
         return buffer_.data() + used_;
     }
     void Commit(std::size_t count) { used_ += count; }
+    // Takes the room up to `end`, a pointer into what Room gave.
+    void CommitTo(const char* end) { used_ = static_cast<std::size_t>(end - buffer_.data()); }
 
     std::size_t Size() const { return out_.size() + used_; }
     void Truncate(std::size_t size) {
@@ -165,21 +176,25 @@ private:
     std::size_t used_ = 0;
 };
 
-// "v0" to "v31", each in a buffer of 8.
-constexpr std::array<std::array<char, 8>, 32> kRegisterNames = [] {
-    std::array<std::array<char, 8>, 32> names{};
+// " v0" to " v31", each with the blank in front of it, in a buffer of 4.
+constexpr std::array<std::array<char, 4>, 32> kRegisterNames = [] {
+    std::array<std::array<char, 4>, 32> names{};
     for (std::size_t r = 0; r < names.size(); ++r) {
         names[r].fill(' ');
-        names[r][0] = 'v';
+        names[r][1] = 'v';
         if (r < 10) {
-            names[r][1] = static_cast<char>('0' + r);
+            names[r][2] = static_cast<char>('0' + r);
         } else {
-            names[r][1] = static_cast<char>('0' + r / 10);
-            names[r][2] = static_cast<char>('0' + r % 10);
+            names[r][2] = static_cast<char>('0' + r / 10);
+            names[r][3] = static_cast<char>('0' + r % 10);
         }
     }
     return names;
 }();
+
+// The ends of instruction lines, each in a buffer of 4.
+constexpr char kSemicolonLineEnd[4] = {';', '\r', '\n', ' '};
+constexpr char kLineEnd[4] = {'\r', '\n', ' ', ' '};
 
 // Known names are looked up only for words at least this large: a name whose hash is smaller is so unlikely
 // that the lookup for every small constant would cost more than showing such a name as its number.
@@ -211,7 +226,7 @@ public:
         Line(0, "{");
         std::size_t depth = 0;
         for (std::size_t p = h.bodyStart; p < h.bodyEnd;) {
-            const std::uint32_t word = ReadLittleEndian32(data, p);
+            const std::uint32_t word = WordAt(data, p);
             p += 4;
             if (word == kWcpBlockBegin) {
                 Line(1 + depth, "{");
@@ -276,7 +291,23 @@ private:
     // The number's text lies in the buffer's room. One the constant table would take for a register name is
     // written with more leading zeros until it is not.
     void Number(const char* text, std::size_t length, std::uint32_t value) {
-        if (ReadsAsItself(std::string_view(text, length))) {
+        // Short texts are told at a glance; a longer one needs its checksum, and the same numbers (name
+        // hashes mostly) come again and again.
+        std::uint64_t* known = nullptr;
+        if (length > 4) {
+            const std::uint64_t key = (std::uint64_t{value} << 1 | (text[0] == '$' ? 1u : 0u)) + 1;
+            if (!readsAsItself_) readsAsItself_ = std::make_unique<std::array<std::uint64_t, 1024>>();
+            known = &(*readsAsItself_)[(value * 0x9E3779B1u) >> 22];
+            if (*known == key) {
+                out_.Commit(length);
+                return;
+            }
+            if (ReadsAsItself(std::string_view(text, length))) {
+                *known = key;
+                out_.Commit(length);
+                return;
+            }
+        } else if (ReadsAsItself(std::string_view(text, length))) {
             out_.Commit(length);
             return;
         }
@@ -293,10 +324,14 @@ private:
     // A register name for the registers, else a known name, else a number: a value operand reads its token
     // alone, so a negative number is written in hexadecimal. The one number the assembler reads as "no
     // number" needs a name with that very hash.
+    // Each operand writer puts the blank in front of the operand too.
     void ValueOperand(std::uint32_t word) {
         if (word < 32) {
-            out_.Put8(kRegisterNames[word].data(), word < 10 ? 2 : 3);
-        } else if (const std::string* name = Named(word)) {
+            out_.Put4(kRegisterNames[word].data(), word < 10 ? 3 : 4);
+            return;
+        }
+        out_.Put(' ');
+        if (const std::string* name = Named(word)) {
             out_.Put(*name);
         } else if (word == static_cast<std::uint32_t>(kNoValue)) {
             out_.Put(NameWithHash("n_", word));
@@ -310,6 +345,7 @@ private:
     // A constant joins a leading sign with the number after it, so a small negative one is written in
     // decimal too.
     void ConstantOperand(std::uint32_t word) {
+        out_.Put(' ');
         if (const std::string* name = Named(word)) {
             out_.Put(*name);
         } else if (word == static_cast<std::uint32_t>(kNoValue)) {
@@ -326,44 +362,64 @@ private:
     }
 
     void LabelOperand(std::uint32_t word) {
+        out_.Put(' ');
         out_.Put('"');
         out_.Put(names_.Label(word));
         out_.Put('"');
     }
 
+    // Most lines are a mnemonic and registers: they are written straight into the buffer, with one look
+    // at its room for the whole line; any other operand goes the usual way.
     void Builtin(const ShownMnemonic& shown, std::span<const std::uint8_t> data, std::size_t p,
                  std::size_t depth) {
         const WcpMnemonic& m = *shown.mnemonic;
-        Begin(1 + depth);
-        out_.Put8(shown.text.data(), m.name.size());
+        const std::size_t indent = indent_.size() + 2 * std::min(depth + 1, kMaxIndentDepth + 1);
+        constexpr std::size_t kRegistersLine = 8 + 4 * 3 + 4; // mnemonic, three registers, line end
+        char* at = out_.Room(indent + 64 + kRegistersLine);
+        if (indent <= 32)
+            std::memcpy(at, kSpaces, 32); // the usual depths, in one move
+        else
+            for (std::size_t done = 0; done < indent; done += 64) std::memcpy(at + done, kSpaces, 64);
+        at += indent;
+        std::memcpy(at, shown.text.data(), 8);
+        at += m.name.size();
         const bool call = m.index == 4;
         for (std::size_t i = 0; i < m.operandCount; ++i) {
-            const std::uint32_t word = ReadLittleEndian32(data, p + 4 * i);
-            out_.Put(' ');
-            if (call && i == 0 && word >= 32)
+            const std::uint32_t word = WordAt(data, p + 4 * i);
+            if (word < 32 && m.kinds[i] == okValue) {
+                std::memcpy(at, kRegisterNames[word].data(), 4);
+                at += word < 10 ? 3 : 4;
+                continue;
+            }
+            out_.CommitTo(at);
+            if (call && i == 0 && word >= 32) {
+                out_.Put(' ');
                 out_.Put(names_.Function(word));
-            else if (m.kinds[i] == okLabel)
+            } else if (m.kinds[i] == okLabel) {
                 LabelOperand(word);
-            else if (m.kinds[i] == okConstant)
+            } else if (m.kinds[i] == okConstant) {
                 ConstantOperand(word);
-            else
+            } else {
                 ValueOperand(word);
+            }
+            at = out_.Room(kRegistersLine);
         }
-        out_.Put(m.semicolonRequired ? std::string_view(";\r\n") : std::string_view("\r\n"));
+        std::memcpy(at, m.semicolonRequired ? kSemicolonLineEnd : kLineEnd, 4);
+        out_.CommitTo(at + (m.semicolonRequired ? 3 : 2));
     }
 
     void GameCall(std::uint32_t word, std::span<const std::uint8_t> data, std::size_t p, std::size_t count,
                   std::size_t depth) {
         Begin(1 + depth);
         out_.Put(names_.GameFunction(word));
-        for (std::size_t i = 0; i < count; ++i) {
-            out_.Put(' ');
-            ValueOperand(ReadLittleEndian32(data, p + 4 * i));
-        }
-        out_.Put(";\r\n");
+        for (std::size_t i = 0; i < count; ++i) ValueOperand(WordAt(data, p + 4 * i));
+        out_.Put4(kSemicolonLineEnd, 3);
     }
 
     LineBuffer out_;
+    // Numbers of more than four characters known to read as themselves, by a hash of their value: the
+    // value shifted left, one for hexadecimal, plus one (zero marks an empty slot). Made at the first.
+    std::unique_ptr<std::array<std::uint64_t, 1024>> readsAsItself_;
     const ShownMnemonics& mnemonics_ = Mnemonics();
     std::string_view indent_;
     WcpNames& names_;

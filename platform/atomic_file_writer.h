@@ -38,6 +38,12 @@ public:
     void Close();
     // Closes (when not closed yet) and replaces the target.
     void Commit();
+    // Close for several files at the same time: each waits for the disk on a thread of its own.
+    static void CloseTogether(std::span<AtomicFileWriter* const> writers);
+    // Commit for several files: all are closed together before the first replaces its target, and each
+    // folder is synced once, after the last rename in it. A failure leaves the targets not yet replaced as
+    // they were.
+    static void CommitTogether(std::span<AtomicFileWriter* const> writers);
 
     // The file that Commit replaces: the path given, or the file its links lead to.
     const std::filesystem::path& Target() const { return target_; }
@@ -45,14 +51,18 @@ public:
 private:
     void Flush();
     void WriteOut(std::string_view bytes);
+    // Renames the closed temporary file over the target; the folder is the caller's to sync.
+    void Replace();
     [[noreturn]] void Fail(const char* what, int error);
     void Discard() noexcept;
 
-    std::filesystem::path path_;   // as given, for messages
-    std::filesystem::path target_; // the file replaced
-    std::filesystem::path tmp_;    // the temporary file; empty when writing in place
-    int fd_ = -1;                  // the open file, -1 once closed
-    std::string buffer_;           // written bytes not yet handed to the system
+    std::filesystem::path path_;    // as given, for messages
+    std::filesystem::path target_;  // the file replaced
+    std::filesystem::path tmp_;     // the temporary file; empty when writing in place
+    int fd_ = -1;                   // the open file, -1 once closed
+    std::string buffer_;            // written bytes not yet handed to the system
+    std::uint64_t written_ = 0;     // bytes handed to the system
+    std::uint64_t writtenBack_ = 0; // of those, the ones the disk was set going on
     bool committed_ = false;
 };
 
