@@ -12,6 +12,9 @@
 #include "scanner/scanner.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstring>
 
 namespace velkor {
 
@@ -60,6 +63,23 @@ BinaryOperator MultiplicativeOf(const TCompiler& c, std::string_view token) {
 bool IsBinaryLiteral(const std::string& text) {
     if (text.size() < 2 || text.size() > 32 || text[0] != '%') return false;
     return text.find_first_not_of("01", 1) == std::string::npos;
+}
+
+// "__ST<depth>", the name of an expression-stack slot, written into `buffer` without a heap string: every
+// binary operator looks two of them up.
+std::string_view StackSlotName(std::array<char, 16>& buffer, int depth) {
+    std::memcpy(buffer.data(), "__ST", 4);
+    const auto end = std::to_chars(buffer.data() + 4, buffer.data() + buffer.size(), depth).ptr;
+    return {buffer.data(), static_cast<std::size_t>(end - buffer.data())};
+}
+
+// "<before><register><after>" into `buffer`: the listing copies the line, so it need not live longer.
+std::string_view RegisterLine(std::array<char, 32>& buffer, std::string_view before, int r,
+                              std::string_view after) {
+    char* at = std::copy(before.begin(), before.end(), buffer.data());
+    at = std::to_chars(at, buffer.data() + buffer.size() - after.size(), r).ptr;
+    at = std::copy(after.begin(), after.end(), at);
+    return {buffer.data(), static_cast<std::size_t>(at - buffer.data())};
 }
 
 } // namespace
@@ -207,7 +227,11 @@ void TCodeGen::LoadSymbol(const TSymbol& symbol) {
     switch (symbol.Kind) {
     case skLocalVar:
     case skPassVar:
-    case skStackVar: EmitJoined({"movv v8 ", RegisterName(symbol.Register), ";"}); break;
+    case skStackVar: {
+        std::array<char, 32> line;
+        EmitLine(RegisterLine(line, "movv v8 v", symbol.Register, ";"));
+        break;
+    }
     case skGlobalVar:
     case skExternalVar:
     case skStaticVar: EmitJoined({"movv v8 ", symbol.Text, ";"}); break;
@@ -268,8 +292,8 @@ void TCodeGen::KnowSlotRegister(int depth, std::int32_t r) {
 }
 
 int TCodeGen::PushAccumulator() {
-    const DecimalText slot(StackDepth, "__ST"); // every binary operator names two slots: no heap string
-    const std::string_view name = slot;
+    std::array<char, 16> nameBuffer;
+    const std::string_view name = StackSlotName(nameBuffer, StackDepth);
     std::optional<std::int32_t> known = KnownSlotRegister(StackDepth);
     if (!known) {
         auto& symbols = compiler_.Symbols();
@@ -280,15 +304,16 @@ int TCodeGen::PushAccumulator() {
     }
     const std::int32_t r = *known;
     if (compiler_.Wants(2)) compiler_.Output(2, "push " + std::string(name));
-    EmitJoined({"movv ", RegisterName(r), " v8;"});
+    std::array<char, 32> line;
+    EmitLine(RegisterLine(line, "movv v", r, " v8;"));
     ++StackDepth;
     return r;
 }
 
 void TCodeGen::PopAccumulator() {
     --StackDepth;
-    const DecimalText slot(StackDepth, "__ST"); // every binary operator names two slots: no heap string
-    const std::string_view name = slot;
+    std::array<char, 16> nameBuffer;
+    const std::string_view name = StackSlotName(nameBuffer, StackDepth);
     if (compiler_.Wants(2)) compiler_.Output(2, "pop " + std::string(name));
     std::optional<std::int32_t> known = KnownSlotRegister(StackDepth);
     if (!known) {
@@ -300,7 +325,8 @@ void TCodeGen::PopAccumulator() {
         known = compiler_.Symbols().Get(index).Register;
         KnowSlotRegister(StackDepth, *known);
     }
-    EmitJoined({"movv v8 ", RegisterName(*known), ";"});
+    std::array<char, 32> line;
+    EmitLine(RegisterLine(line, "movv v8 v", *known, ";"));
 }
 
 } // namespace velkor
