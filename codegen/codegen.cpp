@@ -16,6 +16,15 @@ void TCodeGen::EmitLine(std::string_view line) {
     if (line == "{") indent_ += "  ";
 }
 
+void TCodeGen::EmitJoined(std::initializer_list<std::string_view> parts) {
+    std::size_t size = 0;
+    for (std::string_view part : parts) size += part.size();
+    if (joined_.size() < size) joined_.resize(std::max(size, 2 * joined_.size()));
+    char* at = joined_.data();
+    for (std::string_view part : parts) at = std::copy(part.begin(), part.end(), at);
+    EmitLine({joined_.data(), size});
+}
+
 void TCodeGen::InsertLine(std::size_t index, const std::string& line) {
     compiler_.Data().CodeList.insert(index, {line});
 }

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +31,8 @@ public:
     // Appends a line with the current indentation, which grows by two blanks after "{" and shrinks by two
     // before "}".
     void EmitLine(std::string_view line);
+    // Appends the line the parts make together, joined in a buffer kept for it.
+    void EmitJoined(std::initializer_list<std::string_view> parts);
     // Inserts a line at a CodeList index, without indentation.
     void InsertLine(std::size_t index, const std::string& line);
     // Inserts several lines at once, in the given order, without indentation.
@@ -51,6 +55,22 @@ public:
     void CompileTerm();
     void CompileSignedFactor();
     void CompileFactor();
+    // The binary operators, as the expression levels read them.
+    enum class BinaryOperator {
+        None,
+        Add,
+        Subtract,
+        Or,
+        Multiply,
+        Divide,
+        And,
+        Mod,
+        Equal,
+        Less,
+        Greater,
+        NotEqual
+    };
+
     // Saves v8 in the slot __ST<depth> and returns the slot's register.
     int PushAccumulator();
     void PopAccumulator();
@@ -78,7 +98,7 @@ private:
     std::string LoopLabel(char letter) const; // "\"<line, at least 3 digits><letter>\""
 
     // expressions.cpp
-    void CompileBinaryOperator(const std::string& op);
+    void CompileBinaryOperator(BinaryOperator op);
     void LoadSymbol(const TSymbol& symbol);
     std::string ConstantOperand(const std::string& value); // a constant's value as the listing takes it
 
@@ -90,13 +110,21 @@ private:
     void CompileProperty(const std::string& keyword, IffTextWriter& form);
 
     bool ErrorSince(int errorCount) const; // an error was reported since the count was taken
+    // The register of the slot __ST<depth> as the table last gave it, while the table holds the same.
+    std::optional<std::int32_t> KnownSlotRegister(int depth) const;
+    void KnowSlotRegister(int depth, std::int32_t r);
 
     TCompiler& compiler_;           // the unit being compiled
     std::string indent_;            // the listing writer's current indentation
+    std::vector<char> joined_;      // EmitJoined's line buffer, never shrunk
     int nesting_ = 0;               // current nesting of expressions and statements
     int compounds_ = 0;             // compound statements open; the first is a function body's
     int functionSymbols_ = 0;       // table position of the current function's first parameter or local
     std::int32_t functionLine_ = 0; // line of the current function's name
+    // Every binary operator looks up two expression-stack slots by name; their registers are kept here
+    // while the symbol table's generation stays what it was when they were looked up.
+    std::vector<std::optional<std::int32_t>> slotRegisters_;
+    std::uint64_t slotGeneration_ = 0;
 };
 
 } // namespace velkor

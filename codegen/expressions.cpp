@@ -3,6 +3,7 @@
 // right operand then moves to v9 and the left one comes back into v8.
 #include "codegen/codegen.h"
 
+#include "codegen/decimal_text.h"
 #include "codegen/nesting_guard.h"
 #include "compiler/compiler.h"
 #include "compiler/symbol_table.h"
@@ -19,25 +20,43 @@ namespace velkor {
 
 namespace {
 
+using BinaryOperator = TCodeGen::BinaryOperator;
+
 // A keyword operator is a plain word; a string token that happens to read "or" is none.
 bool IsWord(const TCompiler& c, std::string_view token, std::string_view word) {
     return c.TokenKind() != tkString && SameText(token, word);
 }
 
-bool IsRelation(const TCompiler& c, std::string_view token) {
-    if (c.TokenKind() == tkOperator) return token == "=" || token == "<" || token == ">" || token == "<>";
-    return IsWord(c, token, "AINT");
+// The operators of each level, by the token read there; None for a token that is none of them.
+BinaryOperator RelationOf(const TCompiler& c, std::string_view token) {
+    if (c.TokenKind() == tkOperator) {
+        if (token == "=") return BinaryOperator::Equal;
+        if (token == "<") return BinaryOperator::Less;
+        if (token == ">") return BinaryOperator::Greater;
+        if (token == "<>") return BinaryOperator::NotEqual;
+        return BinaryOperator::None;
+    }
+    return IsWord(c, token, "AINT") ? BinaryOperator::NotEqual : BinaryOperator::None;
 }
 
 // The operators of the simple-expression level, and the signs. XOR is deliberately not among them.
-bool IsAdditive(const TCompiler& c, std::string_view token) {
-    if (c.TokenKind() == tkOperator) return token == "+" || token == "-";
-    return IsWord(c, token, "OR");
+BinaryOperator AdditiveOf(const TCompiler& c, std::string_view token) {
+    if (c.TokenKind() == tkOperator) {
+        if (token == "+") return BinaryOperator::Add;
+        if (token == "-") return BinaryOperator::Subtract;
+        return BinaryOperator::None;
+    }
+    return IsWord(c, token, "OR") ? BinaryOperator::Or : BinaryOperator::None;
 }
 
-bool IsMultiplicative(const TCompiler& c, std::string_view token) {
-    if (c.TokenKind() == tkOperator) return token == "*" || token == "/";
-    return IsWord(c, token, "AND") || IsWord(c, token, "MOD");
+BinaryOperator MultiplicativeOf(const TCompiler& c, std::string_view token) {
+    if (c.TokenKind() == tkOperator) {
+        if (token == "*") return BinaryOperator::Multiply;
+        if (token == "/") return BinaryOperator::Divide;
+        return BinaryOperator::None;
+    }
+    if (IsWord(c, token, "AND")) return BinaryOperator::And;
+    return IsWord(c, token, "MOD") ? BinaryOperator::Mod : BinaryOperator::None;
 }
 
 // A binary "%" literal that the number conversion accepts without a report.
@@ -70,9 +89,9 @@ void TCodeGen::CompileExpression() {
     const bool negate = IsWord(compiler_, compiler_.PeekView(), "NOT");
     if (negate) compiler_.NextView();
     CompileSimpleExpression();
-    for (std::string_view op = compiler_.PeekView(); IsRelation(compiler_, op); op = compiler_.PeekView()) {
+    for (BinaryOperator op; (op = RelationOf(compiler_, compiler_.PeekView())) != BinaryOperator::None;) {
         compiler_.NextView();
-        CompileBinaryOperator(UpperCase(op));
+        CompileBinaryOperator(op);
     }
     if (negate) {
         EmitLine("opc v8 0 0;");
@@ -82,18 +101,17 @@ void TCodeGen::CompileExpression() {
 
 void TCodeGen::CompileSimpleExpression() {
     CompileSignedTerm();
-    for (std::string_view op = compiler_.PeekView(); IsAdditive(compiler_, op); op = compiler_.PeekView()) {
+    for (BinaryOperator op; (op = AdditiveOf(compiler_, compiler_.PeekView())) != BinaryOperator::None;) {
         compiler_.NextView();
-        CompileBinaryOperator(UpperCase(op));
+        CompileBinaryOperator(op);
     }
 }
 
 void TCodeGen::CompileSignedTerm() {
-    const std::string_view sign = compiler_.PeekView();
-    const bool isSign = IsAdditive(compiler_, sign);
-    if (isSign) compiler_.NextView();
+    const BinaryOperator sign = AdditiveOf(compiler_, compiler_.PeekView());
+    if (sign != BinaryOperator::None) compiler_.NextView();
     CompileTerm();
-    if (isSign && sign == "-") {
+    if (sign == BinaryOperator::Subtract) {
         EmitLine("movc v9 0;");
         EmitLine("subv v8 v9 v8;");
     }
@@ -101,19 +119,18 @@ void TCodeGen::CompileSignedTerm() {
 
 void TCodeGen::CompileTerm() {
     CompileSignedFactor();
-    for (std::string_view op = compiler_.PeekView(); IsMultiplicative(compiler_, op);
-         op = compiler_.PeekView()) {
+    for (BinaryOperator op;
+         (op = MultiplicativeOf(compiler_, compiler_.PeekView())) != BinaryOperator::None;) {
         compiler_.NextView();
-        CompileBinaryOperator(UpperCase(op));
+        CompileBinaryOperator(op);
     }
 }
 
 void TCodeGen::CompileSignedFactor() {
-    const std::string_view sign = compiler_.PeekView();
-    const bool isSign = IsAdditive(compiler_, sign);
-    if (isSign) compiler_.NextView();
+    const BinaryOperator sign = AdditiveOf(compiler_, compiler_.PeekView());
+    if (sign != BinaryOperator::None) compiler_.NextView();
     CompileFactor();
-    if (isSign && sign == "-") {
+    if (sign == BinaryOperator::Subtract) {
         EmitLine("movc v9 0;");
         EmitLine("subv v8 v9 v8;");
     }
@@ -121,46 +138,50 @@ void TCodeGen::CompileSignedFactor() {
 
 // The operator token is already read: save the left operand, compile the right one at the next-higher
 // level, bring both into v8 and v9 and emit the operation.
-void TCodeGen::CompileBinaryOperator(const std::string& op) {
+void TCodeGen::CompileBinaryOperator(BinaryOperator op) {
     PushAccumulator();
-    if (op == "+" || op == "-" || op == "OR" || op == "XOR") {
-        CompileSignedTerm();
-    } else if (op == "*" || op == "/" || op == "AND" || op == "MOD") {
+    switch (op) {
+    case BinaryOperator::Add:
+    case BinaryOperator::Subtract:
+    case BinaryOperator::Or: CompileSignedTerm(); break;
+    case BinaryOperator::Mod:
         // The game has no remainder instruction; the lines below are emitted all the same.
-        if (op == "MOD") compiler_.ErrorNoSkip("mod not implemented!");
+        compiler_.ErrorNoSkip("mod not implemented!");
         CompileSignedFactor();
-    } else {
-        CompileSimpleExpression();
+        break;
+    case BinaryOperator::Multiply:
+    case BinaryOperator::Divide:
+    case BinaryOperator::And: CompileSignedFactor(); break;
+    default: CompileSimpleExpression(); break;
     }
     EmitLine("movv v9 v8;");
     PopAccumulator();
 
-    if (op == "+")
-        EmitLine("addv v8 v8 v9;");
-    else if (op == "-")
-        EmitLine("subv v8 v8 v9;");
-    else if (op == "OR")
-        EmitLine("orv v8 v8 v9;");
-    else if (op == "XOR")
-        EmitLine("xorv v8 v8 v9;");
-    else if (op == "*")
-        EmitLine("mulv v8 v8 v9;");
-    else if (op == "/")
-        EmitLine("divv v8 v8 v9;");
-    else if (op == "AND")
-        EmitLine("andv v8 v8 v9;");
-    else if (op == "MOD") {
+    switch (op) {
+    case BinaryOperator::Add: EmitLine("addv v8 v8 v9;"); break;
+    case BinaryOperator::Subtract: EmitLine("subv v8 v8 v9;"); break;
+    case BinaryOperator::Or: EmitLine("orv v8 v8 v9;"); break;
+    case BinaryOperator::Multiply: EmitLine("mulv v8 v8 v9;"); break;
+    case BinaryOperator::Divide: EmitLine("divv v8 v8 v9;"); break;
+    case BinaryOperator::And: EmitLine("andv v8 v8 v9;"); break;
+    case BinaryOperator::Mod:
         EmitLine("divv v8 v8 v9;");
         EmitLine("mulc v8 v8 v9;");
-    } else if (op == "=" || op == "<" || op == ">") {
-        const char* relation = op == "=" ? "0" : op == "<" ? "2" : "4";
-        EmitLine(std::string("opv v8 ") + relation + " v9;");
+        break;
+    case BinaryOperator::Equal:
+    case BinaryOperator::Less:
+    case BinaryOperator::Greater:
+        EmitLine(op == BinaryOperator::Equal  ? "opv v8 0 v9;"
+                 : op == BinaryOperator::Less ? "opv v8 2 v9;"
+                                              : "opv v8 4 v9;");
         EmitLine("movv v8 v1;");
-    } else { // "<>" and AINT
+        break;
+    default: // "<>" and AINT
         EmitLine("opv v8 0 v9;");
         EmitLine("movv v8 v1;");
         EmitLine("opc v8 0 0;");
         EmitLine("movv v8 v1;");
+        break;
     }
 }
 
@@ -175,7 +196,7 @@ void TCodeGen::CompileFactor() {
     }
     if (kind == tkNumber) {
         compiler_.NextView();
-        if (auto value = compiler_.ConvertNumber(token)) EmitLine("movc v8 " + std::to_string(*value) + ";");
+        if (auto value = compiler_.ConvertNumber(token)) EmitJoined({"movc v8 ", DecimalText(*value), ";"});
         return;
     }
     // A delimiter that ends the statement stays for the recovery to stop at.
@@ -213,18 +234,18 @@ void TCodeGen::LoadSymbol(const TSymbol& symbol) {
     }
     case skGlobalVar:
     case skExternalVar:
-    case skStaticVar: EmitLine("movv v8 " + symbol.Text + ";"); break;
+    case skStaticVar: EmitJoined({"movv v8 ", symbol.Text, ";"}); break;
     case skGlobalConst:
     case skLocalConst:
     case skNumber:
-    case skEnum: EmitLine("movc v8 " + ConstantOperand(symbol.Text) + ";"); break;
-    case skObject: EmitLine("movc v8 " + symbol.Text + ";"); break;
+    case skEnum: EmitJoined({"movc v8 ", ConstantOperand(symbol.Text), ";"}); break;
+    case skObject: EmitJoined({"movc v8 ", symbol.Text, ";"}); break;
     case skStringTable: {
         const int errors = compiler_.ErrorCount;
         if (!compiler_.Expect("[")) return;
         const std::int32_t number = compiler_.StringNumber(symbol, compiler_.NextToken());
         if (ErrorSince(errors) || !compiler_.Expect("]")) return;
-        EmitLine("movc v8 " + std::to_string(number) + ";");
+        EmitJoined({"movc v8 ", DecimalText(number), ";"});
         break;
     }
     case skGameFunction:
@@ -252,13 +273,36 @@ std::string TCodeGen::ConstantOperand(const std::string& value) {
     return value; // a text, a float or a name: the assembler takes it as written
 }
 
+std::optional<std::int32_t> TCodeGen::KnownSlotRegister(int depth) const {
+    if (compiler_.Symbols().Generation() != slotGeneration_ || depth < 0 ||
+        static_cast<std::size_t>(depth) >= slotRegisters_.size())
+        return std::nullopt;
+    return slotRegisters_[static_cast<std::size_t>(depth)];
+}
+
+void TCodeGen::KnowSlotRegister(int depth, std::int32_t r) {
+    if (depth < 0) return;
+    if (compiler_.Symbols().Generation() != slotGeneration_) {
+        slotRegisters_.clear();
+        slotGeneration_ = compiler_.Symbols().Generation();
+    }
+    if (static_cast<std::size_t>(depth) >= slotRegisters_.size())
+        slotRegisters_.resize(static_cast<std::size_t>(depth) + 1);
+    slotRegisters_[static_cast<std::size_t>(depth)] = r;
+}
+
 int TCodeGen::PushAccumulator() {
     std::array<char, 16> nameBuffer;
     const std::string_view name = StackSlotName(nameBuffer, StackDepth);
-    auto& symbols = compiler_.Symbols();
-    const int index = symbols.Find(name);
-    const std::int32_t r = index >= 0 ? symbols.Get(index).Register
-                                      : compiler_.AddVariable(std::string(name), skStackVar, 0).Register;
+    std::optional<std::int32_t> known = KnownSlotRegister(StackDepth);
+    if (!known) {
+        auto& symbols = compiler_.Symbols();
+        const int index = symbols.Find(name);
+        known = index >= 0 ? symbols.Get(index).Register
+                           : compiler_.AddVariable(std::string(name), skStackVar, 0).Register;
+        KnowSlotRegister(StackDepth, *known);
+    }
+    const std::int32_t r = *known;
     if (compiler_.Wants(2)) compiler_.Output(2, "push " + std::string(name));
     std::array<char, 32> line;
     EmitLine(RegisterLine(line, "movv v", r, " v8;"));
@@ -271,13 +315,18 @@ void TCodeGen::PopAccumulator() {
     std::array<char, 16> nameBuffer;
     const std::string_view name = StackSlotName(nameBuffer, StackDepth);
     if (compiler_.Wants(2)) compiler_.Output(2, "pop " + std::string(name));
-    const int index = compiler_.Symbols().Find(name);
-    if (index < 0) {
-        compiler_.Error("stack over/under-flow (" + std::string(name) + ")");
-        return;
+    std::optional<std::int32_t> known = KnownSlotRegister(StackDepth);
+    if (!known) {
+        const int index = compiler_.Symbols().Find(name);
+        if (index < 0) {
+            compiler_.Error("stack over/under-flow (" + std::string(name) + ")");
+            return;
+        }
+        known = compiler_.Symbols().Get(index).Register;
+        KnowSlotRegister(StackDepth, *known);
     }
     std::array<char, 32> line;
-    EmitLine(RegisterLine(line, "movv v8 v", compiler_.Symbols().Get(index).Register, ";"));
+    EmitLine(RegisterLine(line, "movv v8 v", *known, ";"));
 }
 
 } // namespace velkor

@@ -3,6 +3,7 @@
 // named after the function. Every function returns its value in v0.
 #include "codegen/codegen.h"
 
+#include "codegen/decimal_text.h"
 #include "compiler/compiler.h"
 #include "compiler/symbol_table.h"
 #include "platform/numbers.h"
@@ -13,7 +14,7 @@ namespace velkor {
 
 namespace {
 std::string Reg(std::int32_t r) {
-    return "v" + std::to_string(r);
+    return std::string(RegisterName(r));
 }
 } // namespace
 
@@ -76,7 +77,7 @@ void TCodeGen::CompileFunctionDeclaration() {
     case tkConst:
     case tkBegin:
         DeclareFunctionSymbol(name, skUserFunction, parameters, true);
-        EmitLine("FUNC " + name + " " + std::to_string(parameters));
+        EmitJoined({"FUNC ", name, " ", DecimalText(parameters)});
         CompileFunctionBody();
         compiler_.Expect(";");
         break;
@@ -177,12 +178,12 @@ void TCodeGen::CompileUserCall(const TSymbol& function) {
             EmitLine("push v8;");
             // After a failed argument the rest of the statement is gone; do not report each missing one.
             failed = ErrorSince(errors);
-            compiler_.PeekToken();
-            if (!failed && compiler_.TokenKind() == tkComma) compiler_.NextToken();
+            compiler_.PeekView();
+            if (!failed && compiler_.TokenKind() == tkComma) compiler_.NextView();
         }
         if (!failed) compiler_.Expect(")");
     }
-    EmitLine("call " + function.Text + " " + std::to_string(parameters) + ";");
+    EmitJoined({"call ", function.Text, " ", DecimalText(parameters), ";"});
 }
 
 void TCodeGen::CompileGameCall(const TSymbol& function) {
@@ -194,25 +195,29 @@ void TCodeGen::CompileGameCall(const TSymbol& function) {
         int byName = 0;
         for (int i = 0; i < parameters && !failed; ++i) {
             const int errors = compiler_.ErrorCount;
-            const std::string next = compiler_.PeekToken();
+            const std::string_view next = compiler_.PeekView();
             if (compiler_.TokenKind() == tkOperator && next == "@") {
-                compiler_.NextToken();
+                compiler_.NextView();
                 const std::string name = compiler_.NextToken();
-                operands += " " + ByNameOperand(name, compiler_.TokenKind() == tkString);
+                operands += ' ';
+                operands += ByNameOperand(name, compiler_.TokenKind() == tkString);
                 ++byName;
             } else {
                 CompileExpression();
                 const int r = 15 - i + byName;
-                EmitLine("movv " + Reg(r) + " v8;");
-                operands += " " + Reg(r);
+                const DecimalText reg = RegisterName(r);
+                EmitJoined({"movv ", reg, " v8;"});
+                operands += ' ';
+                operands += std::string_view(reg);
                 // From here on the arguments reach the registers that expressions work in.
-                if (r < 9) compiler_.Output(2, "warning: using " + Reg(r) + " for wcp function call");
+                if (r < 9 && compiler_.Wants(2))
+                    compiler_.Output(2, "warning: using " + Reg(r) + " for wcp function call");
             }
             failed = ErrorSince(errors) || (i + 1 < parameters && !compiler_.Expect(","));
         }
         if (!failed) compiler_.Expect(")");
     }
-    EmitLine(function.Text + operands + ";");
+    EmitJoined({function.Text, operands, ";"});
 }
 
 // A by-name argument names a symbol; the game function gets the symbol's own operand (a register, a

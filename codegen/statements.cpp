@@ -2,6 +2,7 @@
 // labels named after the source line where their condition starts.
 #include "codegen/codegen.h"
 
+#include "codegen/decimal_text.h"
 #include "codegen/nesting_guard.h"
 #include "compiler/compiler.h"
 #include "compiler/symbol_table.h"
@@ -23,37 +24,37 @@ bool IsGlobalKind(std::int32_t kind) {
     return kind == skGlobalVar || kind == skExternalVar || kind == skStaticVar;
 }
 
-std::string Reg(std::int32_t r) {
-    return "v" + std::to_string(r);
-}
-
 } // namespace
 
 std::string TCodeGen::LoopLabel(char letter) const {
-    std::string number = std::to_string(compiler_.Line());
-    if (number.size() < 3) number.insert(0, 3 - number.size(), '0');
-    return "\"" + number + letter + "\"";
+    const DecimalText line(compiler_.Line());
+    const std::string_view number = line;
+    std::string label = "\"";
+    if (number.size() < 3) label.append(3 - number.size(), '0');
+    label += number;
+    label += letter;
+    label += '"';
+    return label;
 }
 
 void TCodeGen::CompileStatement() {
     NestingGuard guard(*this);
-    const std::string token = compiler_.PeekToken();
+    const std::string_view token = compiler_.PeekView();
     const std::int32_t kind = compiler_.TokenKind();
     if (kind == tkSemicolon) {
-        compiler_.NextToken();
+        compiler_.NextView();
         compiler_.Output(2, "NULL statement");
         return;
     }
     if (kind == tkIdentifier) {
-        const std::string word = UpperCase(token);
-        if (word == "IF") return CompileIf();
-        if (word == "WHILE") return CompileWhile();
-        if (word == "UNTIL") return CompileUntil();
-        if (word == "FOR") return CompileFor();
-        if (word == "INC") return CompileIncDec(true);
-        if (word == "DEC") return CompileIncDec(false);
-        if (word == "BREAK") return CompileBreak();
-        if (word == "RESULT" && compiler_.Symbols().Find("RESULT") < 0) {
+        if (SameText(token, "IF")) return CompileIf();
+        if (SameText(token, "WHILE")) return CompileWhile();
+        if (SameText(token, "UNTIL")) return CompileUntil();
+        if (SameText(token, "FOR")) return CompileFor();
+        if (SameText(token, "INC")) return CompileIncDec(true);
+        if (SameText(token, "DEC")) return CompileIncDec(false);
+        if (SameText(token, "BREAK")) return CompileBreak();
+        if (SameText(token, "RESULT") && compiler_.Symbols().Find("RESULT") < 0) {
             compiler_.AddVariable("result", skLocalVar, kNoValue);
             return CompileAssignment();
         }
@@ -65,20 +66,22 @@ void TCodeGen::CompileStatement() {
         compiler_.Expected("<statement>", token);
         return;
     }
-    const TSymbol symbol = compiler_.Symbols().Get(index);
-    if (symbol.Kind == skUserFunction) {
-        compiler_.NextToken();
-        CompileUserCall(symbol);
-    } else if (symbol.Kind == skGameFunction) {
-        compiler_.NextToken();
-        CompileGameCall(symbol);
-    } else if (IsConstantKind(symbol.Kind)) {
+    const std::int32_t symbolKind = compiler_.Symbols().Get(index).Kind;
+    if (symbolKind == skUserFunction || symbolKind == skGameFunction) {
+        // A copy: compiling the call may add symbols and move the table's records.
+        const TSymbol function = compiler_.Symbols().Get(index);
+        compiler_.NextView();
+        if (symbolKind == skUserFunction)
+            CompileUserCall(function);
+        else
+            CompileGameCall(function);
+    } else if (IsConstantKind(symbolKind)) {
         compiler_.Error("cannot assign to constant");
-    } else if (IsRegisterKind(symbol.Kind) || IsGlobalKind(symbol.Kind)) {
+    } else if (IsRegisterKind(symbolKind) || IsGlobalKind(symbolKind)) {
         CompileAssignment();
     } else {
-        compiler_.Error("FATAL - symbol \"" + token + "\" has unknown symbol type (" +
-                        std::to_string(symbol.Kind) +
+        compiler_.Error("FATAL - symbol \"" + std::string(token) + "\" has unknown symbol type (" +
+                        std::to_string(symbolKind) +
                         "). Don't know what do do with it. - This should never happen!");
     }
 }
@@ -107,26 +110,26 @@ void TCodeGen::CompileCompound() {
     EmitLine("{");
     compiler_.Expect("begin");
     while (!compiler_.AtEnd()) {
-        compiler_.PeekToken();
+        const std::string_view next = compiler_.PeekView();
         if (compiler_.TokenKind() == tkEnd) break;
         const auto before = compiler_.Scanner().Position();
-        if (compiler_.PeekToken() == "#" && compiler_.HandleDirective()) continue;
+        if (next == "#" && compiler_.HandleDirective()) continue;
         if (outermost) {
             CompileOutermostStatement();
         } else {
             CompileStatement();
         }
-        compiler_.PeekToken();
+        compiler_.PeekView();
         if (compiler_.TokenKind() != tkEnd) compiler_.Expect(";");
         // Recovery never stands still: a token that nothing consumed is dropped.
-        if (compiler_.Scanner().Position() == before && !compiler_.AtEnd()) compiler_.NextToken();
+        if (compiler_.Scanner().Position() == before && !compiler_.AtEnd()) compiler_.NextView();
     }
     compiler_.Expect("end");
     EmitLine("}");
 }
 
 void TCodeGen::CompileBody() {
-    compiler_.PeekToken();
+    compiler_.PeekView();
     if (compiler_.TokenKind() == tkBegin) {
         CompileCompound();
         return;
@@ -138,47 +141,50 @@ void TCodeGen::CompileBody() {
 
 void TCodeGen::CompileAssignment() {
     compiler_.Output(2, "doing assignment...");
-    const std::string name = compiler_.NextToken();
+    const std::string_view name = compiler_.NextView();
     const int index = compiler_.Symbols().Find(name);
     if (index < 0) {
-        compiler_.Error("couln't find symbol \"" + name + "\"");
+        compiler_.Error("couln't find symbol \"" + std::string(name) + "\"");
         return;
     }
-    const TSymbol target = compiler_.Symbols().Get(index);
+    // The target's fields, not a reference: compiling the expression may add symbols and move the records.
+    const TSymbol& found = compiler_.Symbols().Get(index);
+    const std::int32_t kind = found.Kind;
+    const std::int32_t r = found.Register;
+    const std::string text = IsGlobalKind(kind) ? found.Text : std::string();
     if (!compiler_.Expect(":=")) return;
     CompileExpression();
-    if (IsRegisterKind(target.Kind) || target.Kind == skStackVar) {
-        EmitLine("movv " + Reg(target.Register) + " v8;");
-    } else if (IsGlobalKind(target.Kind)) {
-        EmitLine("movv " + target.Text + " v8;");
+    if (IsRegisterKind(kind) || kind == skStackVar) {
+        EmitJoined({"movv ", RegisterName(r), " v8;"});
+    } else if (IsGlobalKind(kind)) {
+        EmitJoined({"movv ", text, " v8;"});
     } else {
-        compiler_.Error("FATAL - symbol \"" + name + "\" has unknown symbol type (" +
-                        std::to_string(target.Kind) +
-                        "). Don't know how to store it. - This should never happen!");
+        compiler_.Error("FATAL - symbol \"" + std::string(name) + "\" has unknown symbol type (" +
+                        std::to_string(kind) + "). Don't know how to store it. - This should never happen!");
     }
 }
 
 void TCodeGen::CompileIf() {
-    compiler_.NextToken();
+    compiler_.NextView();
     if (!compiler_.Expect("(")) return;
     CompileExpression();
     if (!compiler_.Expect(")") || !compiler_.Expect("then")) return;
     EmitLine("if v8");
     CompileBody();
-    const std::string next = compiler_.PeekToken();
+    const std::string_view next = compiler_.PeekView();
     if (compiler_.TokenKind() == tkIdentifier && SameText(next, "ELSE")) {
-        compiler_.NextToken();
+        compiler_.NextView();
         EmitLine("else");
         CompileBody();
     }
 }
 
 void TCodeGen::CompileWhile() {
-    compiler_.NextToken();
+    compiler_.NextView();
     if (!compiler_.Expect("(")) return;
     const std::string top = LoopLabel('w');
     const std::string end = LoopLabel('e');
-    EmitLine("label " + top + ";");
+    EmitJoined({"label ", top, ";"});
     CompileExpression();
     if (!compiler_.Expect(")") || !compiler_.Expect("do")) return;
     EmitLine("if v8");
@@ -187,42 +193,42 @@ void TCodeGen::CompileWhile() {
     BreakStack.pop_back();
     EmitLine("else");
     EmitLine("{");
-    EmitLine("goto " + end + ";");
+    EmitJoined({"goto ", end, ";"});
     EmitLine("}");
-    EmitLine("goto " + top + ";");
-    EmitLine("label " + end + ";");
+    EmitJoined({"goto ", top, ";"});
+    EmitJoined({"label ", end, ";"});
 }
 
 void TCodeGen::CompileUntil() {
-    compiler_.NextToken();
+    compiler_.NextView();
     if (!compiler_.Expect("(")) return;
     const std::string top = LoopLabel('w');
     const std::string end = LoopLabel('e');
-    EmitLine("label " + top + ";");
+    EmitJoined({"label ", top, ";"});
     CompileExpression();
     if (!compiler_.Expect(")") || !compiler_.Expect("do")) return;
     EmitLine("if v8");
     EmitLine("{");
-    EmitLine("goto " + end + ";");
+    EmitJoined({"goto ", end, ";"});
     EmitLine("}");
     EmitLine("else");
     BreakStack.push_back(end);
     CompileBody();
     BreakStack.pop_back();
-    EmitLine("goto " + top + ";");
-    EmitLine("label " + end + ";");
+    EmitJoined({"goto ", top, ";"});
+    EmitJoined({"label ", end, ";"});
 }
 
 void TCodeGen::CompileFor() {
-    compiler_.NextToken();
-    const std::string name = compiler_.PeekToken();
+    compiler_.NextView();
+    const std::string_view name = compiler_.PeekView();
     const int index = compiler_.TokenKind() == tkIdentifier ? compiler_.Symbols().Find(name) : -1;
     if (index < 0) {
         compiler_.Expected("<symbol>", name);
         return;
     }
-    const TSymbol counter = compiler_.Symbols().Get(index);
-    if (!IsRegisterKind(counter.Kind)) {
+    const std::int32_t counter = compiler_.Symbols().Get(index).Register;
+    if (!IsRegisterKind(compiler_.Symbols().Get(index).Kind)) {
         compiler_.Error("for loop variable must be a local variable or parameter");
         return;
     }
@@ -237,62 +243,64 @@ void TCodeGen::CompileFor() {
     if (!compiler_.Expect("do")) return;
     const std::string top = LoopLabel('f');
     const std::string end = LoopLabel('e');
-    const std::string r = Reg(counter.Register);
-    EmitLine("label " + top + ";");
-    EmitLine("opv " + r + " 4 " + Reg(slot) + ";");
+    const DecimalText r = RegisterName(counter);
+    EmitJoined({"label ", top, ";"});
+    EmitJoined({"opv ", r, " 4 ", RegisterName(slot), ";"});
     EmitLine("if v1");
     EmitLine("{");
-    EmitLine("goto " + end + ";");
+    EmitJoined({"goto ", end, ";"});
     EmitLine("}");
     EmitLine("else");
     BreakStack.push_back(end);
     CompileBody();
     BreakStack.pop_back();
-    EmitLine("addc " + r + " " + r + " 1;");
-    EmitLine("goto " + top + ";");
-    EmitLine("label " + end + ";");
+    EmitJoined({"addc ", r, " ", r, " 1;"});
+    EmitJoined({"goto ", top, ";"});
+    EmitJoined({"label ", end, ";"});
 }
 
 void TCodeGen::CompileBreak() {
-    compiler_.NextToken();
+    compiler_.NextView();
     if (BreakStack.empty())
         compiler_.Error("break is not allowed here");
     else
-        EmitLine("goto " + BreakStack.back() + ";");
+        EmitJoined({"goto ", BreakStack.back(), ";"});
     compiler_.Expect(";");
 }
 
 void TCodeGen::CompileIncDec(bool increment) {
-    compiler_.NextToken();
+    compiler_.NextView();
     if (!compiler_.Expect("(")) return;
-    const std::string name = compiler_.NextToken();
+    const std::string_view name = compiler_.NextView();
     const int index = compiler_.TokenKind() == tkIdentifier ? compiler_.Symbols().Find(name) : -1;
     if (index < 0) {
         compiler_.Expected("<Identifier>", name);
         return;
     }
+    // A copy: compiling the expression may add symbols and move the table's records.
     const TSymbol target = compiler_.Symbols().Get(index);
     // Every check reports; the statement is compiled on when not halting.
     if (IsConstantKind(target.Kind)) compiler_.ErrorNoSkip("cannot modify a constant");
-    if (target.Kind == skStackVar) compiler_.ErrorNoSkip("FATAL: trying to access the stack (" + name + ")");
+    if (target.Kind == skStackVar)
+        compiler_.ErrorNoSkip("FATAL: trying to access the stack (" + std::string(name) + ")");
     if (target.Kind == skGameFunction || target.Kind == skUserFunction)
         compiler_.ErrorNoSkip("I don't think you want to assign a value to a function?");
     if (!IsRegisterKind(target.Kind) && !IsGlobalKind(target.Kind))
         compiler_.ErrorNoSkip("cannot modify a symbol of this type");
 
-    compiler_.PeekToken();
+    compiler_.PeekView();
     if (compiler_.TokenKind() == tkComma) {
-        compiler_.NextToken();
+        compiler_.NextView();
         CompileExpression();
     } else {
         EmitLine("movc v8 1;");
     }
-    const std::string op = increment ? "addv " : "subv ";
+    const std::string_view op = increment ? "addv " : "subv ";
     if (IsRegisterKind(target.Kind)) {
-        const std::string r = Reg(target.Register);
-        EmitLine(op + r + " " + r + " v8;");
+        const DecimalText r = RegisterName(target.Register);
+        EmitJoined({op, r, " ", r, " v8;"});
     } else if (IsGlobalKind(target.Kind)) {
-        EmitLine(op + target.Text + " " + target.Text + " v8;");
+        EmitJoined({op, target.Text, " ", target.Text, " v8;"});
     }
     compiler_.Expect(")");
 }

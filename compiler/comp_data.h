@@ -23,7 +23,7 @@ struct TCompData {
     StringList RawList;    // emitted verbatim at the very end of the linked text
     std::string GfProc;    // set by #GFPROC
     std::string MainProc;  // set by #MAINPROC
-    std::string Source;    // a copy of the source text, for an iff unit (emptied for the others)
+    std::string Source;    // a copy of the source text for an iff unit read by the standard scanner
 
     static constexpr int kListCount = 5;
     // The lists of names and lines after CodeList by position, in the order above: include children's lists

@@ -62,7 +62,12 @@ void TCompiler::SetSource(std::string text) {
     // Editors on Windows start UTF-8 files with a byte-order mark; it is no part of the unit.
     if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
     scanner_->LineMarkers = LineMarkers;
-    data_->Source = text;
+    // Only an iff unit passes its source on. The fast scanner keeps the text as given, so a copy is needed
+    // only for the standard one, which rewrites it; a large mission is not copied for nothing.
+    if (dynamic_cast<const TFastScanner*>(scanner_.get()))
+        std::string().swap(data_->Source);
+    else
+        data_->Source = text;
     scanner_->SetText(std::move(text));
 }
 
@@ -112,25 +117,23 @@ void TCompiler::Hint(const std::string& text, std::int32_t line) {
     Output(0, "HINT: " + VisibleBytes(text, true), line);
 }
 
-void TCompiler::Expected(const std::string& wanted, const std::string& found, SourceLocation where) {
-    Error("expected \"" + wanted + "\" but found \"" + VisibleBytes(Trim(found)) + "\"", -1, where);
+void TCompiler::Expected(std::string_view wanted, std::string_view found, SourceLocation where) {
+    std::string text = "expected \"";
+    text += wanted;
+    text += "\" but found \"";
+    text += VisibleBytes(Trim(found));
+    text += '"';
+    Error(text, -1, where);
 }
 
-bool TCompiler::Expect(const std::string& wanted, SourceLocation where) {
-    std::string token = NextToken();
+bool TCompiler::Expect(std::string_view wanted, SourceLocation where) {
+    const std::string_view token = NextView();
     if (SameText(token, wanted)) return true;
     Expected(wanted, token, where);
     return false;
 }
 
-// --- tokens. An empty token of "other" characters is the scanner failing to move on (a blank or a stray
-// character as the text's last character); reading it as the end keeps every parsing loop finite.
-
-namespace {
-bool Stuck(const TScanner& s, std::string_view token) {
-    return s.TokenKind() == tkOther && token.empty();
-}
-} // namespace
+// --- tokens
 
 std::string TCompiler::NextToken() {
     return std::string(NextView());
@@ -140,35 +143,10 @@ std::string TCompiler::PeekToken() {
     return std::string(PeekView());
 }
 
-std::string_view TCompiler::NextView() {
-    const std::string_view token = scanner_->NextTokenView();
-    stuck_ = Stuck(*scanner_, token);
-    return token;
-}
-
-std::string_view TCompiler::PeekView() {
-    const std::string_view token = scanner_->PeekTokenView();
-    stuck_ = Stuck(*scanner_, token);
-    return token;
-}
-
 std::string TCompiler::PeekAhead(int n) {
-    const std::string token = scanner_->PeekAhead(n);
-    stuck_ = Stuck(*scanner_, token);
+    std::string token = scanner_->PeekAhead(n);
+    Checked(token);
     return token;
-}
-
-std::int32_t TCompiler::TokenKind() const {
-    return stuck_ ? tkEndOfText : scanner_->TokenKind();
-}
-
-std::int32_t TCompiler::Line() const {
-    return scanner_->Line();
-}
-
-bool TCompiler::AtEnd() {
-    PeekView();
-    return TokenKind() == tkEndOfText;
 }
 
 // --- the three steps
@@ -200,14 +178,13 @@ void TCompiler::Compile() {
         // The unit's header line becomes a comment of the textual IFF; the rest passes on as it stands.
         std::string raw = JoinLinesCrLf(data_->RawList);
         raw += "// ";
-        raw += data_->Source;
+        raw += dynamic_cast<const TFastScanner*>(scanner_.get()) ? scanner_->Text() : data_->Source;
         data_->RawList = SplitLines(raw);
         return;
     }
     default: Expected("unit", first); break;
     }
-    // Only an iff unit passes its source on; the copy of a large mission would be kept to the end for
-    // nothing.
+    // Only an iff unit passes its source on; a copy of a large mission would be kept to the end for nothing.
     std::string().swap(data_->Source);
     UnitName = NextToken();
     Expect(";");

@@ -10,6 +10,7 @@
 #include "iff/build_chain.h" // LinkedTextFile, for the callers that show the linked text
 #include "platform/exception.h"
 #include "platform/source_location.h"
+#include "scanner/scanner.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -22,7 +23,6 @@
 
 namespace velkor {
 
-class TScanner;
 class TSymbolTable;
 class TCodeGen;
 class TIffStringList;
@@ -153,23 +153,27 @@ public:
                      SourceLocation where = SourceLocation::current());
     void Hint(const std::string& text, std::int32_t line = -1);
     // The error `expected "<wanted>" but found "<found, trimmed>"`.
-    void Expected(const std::string& wanted, const std::string& found,
+    void Expected(std::string_view wanted, std::string_view found,
                   SourceLocation where = SourceLocation::current());
     // Reads a token; when it differs from `wanted` (compared without case) reports Expected. Returns
     // whether it matched.
-    bool Expect(const std::string& wanted, SourceLocation where = SourceLocation::current());
+    bool Expect(std::string_view wanted, SourceLocation where = SourceLocation::current());
 
     // Token access; never loops forever: a scanner that cannot move on reads as the end of the text.
     std::string NextToken();
     std::string PeekToken();
     // The same as views into the unit's text, valid while it compiles: for the expression parser, which
     // peeks several times at every operand and operator.
-    std::string_view NextView();
-    std::string_view PeekView();
+    std::string_view NextView() { return Checked(scanner_->NextTokenView()); }
+    std::string_view PeekView() { return Checked(scanner_->PeekTokenView()); }
     std::string PeekAhead(int n);
-    std::int32_t TokenKind() const;
-    std::int32_t Line() const;
-    bool AtEnd(); // the next token is the end of the text
+    std::int32_t TokenKind() const { return stuck_ ? tkEndOfText : scanner_->TokenKind(); }
+    std::int32_t Line() const { return scanner_->Line(); }
+    // The next token is the end of the text.
+    bool AtEnd() {
+        PeekView();
+        return TokenKind() == tkEndOfText;
+    }
 
     // Number conversion for constants and command arguments: "%" binary, "$" hexadecimal, else decimal,
     // with the errors of the language ("<digits> doesn't fit into a long", "<char> in binary constant ?!?
@@ -201,6 +205,12 @@ public:
     void AddConstant(const std::string& name, const std::string& value, std::int32_t kind);
 
 private:
+    // An empty token of "other" characters is the scanner failing to move on (a blank or a stray character
+    // as the text's last character); reading it as the end keeps every parsing loop finite.
+    std::string_view Checked(std::string_view token) {
+        stuck_ = scanner_->TokenKind() == tkOther && token.empty();
+        return token;
+    }
     void Report(const std::string& text, std::int32_t line, const SourceLocation& where);
     // The file, line and function a declaration read now gets.
     TSymbolSite Site() const;

@@ -18,9 +18,9 @@ void TCompiler::DeclarationLoop() {
 }
 
 void TCompiler::DeclareOne() {
-    const std::string token = PeekToken();
+    const std::string_view token = PeekView();
     switch (TokenKind()) {
-    case tkSemicolon: NextToken(); break;
+    case tkSemicolon: NextView(); break;
     case tkVar:
         NextToken();
         if (UnitKind == ukSector || UnitKind == ukProject)

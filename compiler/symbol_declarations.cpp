@@ -30,12 +30,13 @@ TSymbol TCompiler::AddVariable(const std::string& name, std::int32_t kind, std::
     TSymbol s = symbols_->MakeVariable(name, kind, initialValue, Site());
     switch (kind) {
     case skGlobalVar:
-        Output(2, "adding global variable: " + name + ", CRC: " + CrcOf(name));
+        if (Wants(2)) Output(2, "adding global variable: " + name + ", CRC: " + CrcOf(name));
         data_->Globals.push_back(name);
         data_->CrcNames.push_back(name);
         break;
     case skLocalVar:
-        Output(2, "adding local variable: " + name + " [reg: " + std::to_string(s.Register) + "]");
+        if (Wants(2))
+            Output(2, "adding local variable: " + name + " [reg: " + std::to_string(s.Register) + "]");
         if (s.Register >= 32) Error("Expression too complex");
         break;
     case skExternalVar:
@@ -43,7 +44,8 @@ TSymbol TCompiler::AddVariable(const std::string& name, std::int32_t kind, std::
         Output(1, "   don't forget to declare it in series!");
         break;
     case skStackVar:
-        Output(2, "adding stack variable: " + name + " [reg: " + std::to_string(s.Register) + "]");
+        if (Wants(2))
+            Output(2, "adding stack variable: " + name + " [reg: " + std::to_string(s.Register) + "]");
         if (s.Register >= 32) Error("Expression too complex");
         break;
     case skStaticVar:
@@ -63,8 +65,9 @@ TSymbol TCompiler::AddVariable(const std::string& name, std::int32_t kind, std::
 TSymbol TCompiler::AddPassVariable(const std::string& name) {
     TSymbol s = symbols_->MakePassVariable(name, Site());
     // The message counts local variables, not parameters; the stored register is right.
-    Output(3, "adding pass variable: " + name +
-                  " [reg: " + std::to_string(16 + symbols_->CountOfKind(skLocalVar)) + "]");
+    if (Wants(3))
+        Output(3, "adding pass variable: " + name +
+                      " [reg: " + std::to_string(16 + symbols_->CountOfKind(skLocalVar)) + "]");
     AddSymbol(s);
     return s;
 }

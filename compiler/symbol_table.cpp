@@ -3,6 +3,7 @@
 #include "platform/strings.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace velkor {
 
@@ -31,13 +32,41 @@ void TSymbolTable::Add(TSymbol symbol) {
     IndexAdd(position);
 }
 
+namespace {
+
+constexpr std::uint64_t kEveryByte = 0x0101010101010101u;
+
+// Eight characters, the first lowest.
+std::uint64_t Word(const unsigned char* p, std::size_t n) {
+    std::uint64_t w = 0;
+    for (std::size_t i = 0; i < n; ++i) w |= std::uint64_t{p[i]} << (8 * i);
+    return w;
+}
+
+// The eight characters upper-cased at once: a lower-case ASCII letter loses its 0x20 bit, nothing else
+// changes. Each byte's sums stay below 0x100, so no carry reaches its neighbour.
+std::uint64_t FoldUpper(std::uint64_t w) {
+    const std::uint64_t ascii = ~w & kEveryByte * 0x80;
+    const std::uint64_t low7 = w & kEveryByte * 0x7F;
+    const std::uint64_t fromA = low7 + kEveryByte * (0x80 - 'a');     // high bit set from 'a' on
+    const std::uint64_t pastZ = low7 + kEveryByte * (0x80 - 'z' - 1); // and from past 'z' on
+    return w ^ ((fromA & ~pastZ & ascii) >> 2);
+}
+
+} // namespace
+
+// A word at a time rather than a byte: nearly every operand is looked up.
 std::size_t TSymbolTable::IndexHash(std::string_view name) {
-    std::size_t hash = 14695981039346656037u; // FNV-1a over the upper-cased bytes
-    for (char c : name) {
-        hash ^= static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
-        hash *= 1099511628211u;
-    }
-    return hash;
+    const auto* p = reinterpret_cast<const unsigned char*>(name.data());
+    std::size_t n = name.size();
+    std::uint64_t h = n * 0x9E3779B97F4A7C15u;
+    auto mix = [&h](std::uint64_t w) {
+        h = (h ^ FoldUpper(w)) * 0xC2B2AE3D27D4EB4Fu;
+        h ^= h >> 29;
+    };
+    for (; n >= 8; p += 8, n -= 8) mix(Word(p, 8));
+    if (n > 0) mix(Word(p, n));
+    return static_cast<std::size_t>(h ^ (h >> 32));
 }
 
 std::size_t TSymbolTable::SlotOf(std::string_view name, std::size_t hash) const {
@@ -101,6 +130,7 @@ const TSymbol& TSymbolTable::Get(int index) const {
 }
 
 TSymbol& TSymbolTable::At(int index) {
+    ++generation_;
     return symbols_.at(static_cast<size_t>(index));
 }
 
@@ -110,6 +140,7 @@ int TSymbolTable::CountOfKind(std::int32_t kind) const {
 }
 
 void TSymbolTable::Reindex() {
+    ++generation_;
     index_.clear();
     indexed_ = 0;
     kindCounts_.clear();
@@ -128,6 +159,7 @@ void TSymbolTable::Remove(int index) {
 
 void TSymbolTable::RemoveLocals() {
     if (firstLocal_ < 0) return;
+    ++generation_;
     const auto first = static_cast<size_t>(firstLocal_);
     // Unhook every record from the first local on, then put the survivors back at their new positions.
     for (size_t i = first; i < symbols_.size(); ++i) IndexRemove(static_cast<int>(i));

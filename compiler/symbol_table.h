@@ -67,6 +67,9 @@ public:
     int Find(std::string_view name) const; // index of the first record of that name (any case), or -1
     const TSymbol& Get(int index) const;
     TSymbol& At(int index);
+    // Changes whenever a record may have changed or moved (every change but an Add): what was found before
+    // is found the same while it stays.
+    std::uint64_t Generation() const { return generation_; }
     int Count() const { return static_cast<int>(symbols_.size()); }
     int CountOfKind(std::int32_t kind) const;
     void Remove(int index);
@@ -105,6 +108,7 @@ private:
     std::vector<IndexSlot> index_; // a power of two in size, at most half full; empty before any record
     std::size_t indexed_ = 0;      // names in the index
     std::unordered_map<std::int32_t, int> kindCounts_; // records per kind
+    std::uint64_t generation_ = 0;                     // see Generation
     int firstLocal_ = -1; // position of the first function-local record, -1 when none: RemoveLocals only
                           // touches the table from there, so a unit's compile stays linear
 };

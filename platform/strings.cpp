@@ -26,14 +26,6 @@ std::string LowerCase(std::string_view s) {
     return r;
 }
 
-// Names are mostly written in one case throughout, so equal bytes are settled before any case folding.
-bool SameText(std::string_view a, std::string_view b) {
-    if (a.size() != b.size()) return false;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (a[i] != b[i] && Upper(a[i]) != Upper(b[i])) return false;
-    return true;
-}
-
 std::string_view TrimLeft(std::string_view s) {
     size_t b = 0;
     while (b < s.size() && IsTrimmed(s[b])) ++b;

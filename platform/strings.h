@@ -11,7 +11,18 @@ namespace velkor {
 
 std::string UpperCase(std::string_view s);
 std::string LowerCase(std::string_view s);
-bool SameText(std::string_view a, std::string_view b);
+// Inline: the compiler compares names and keywords for nearly every token. Names are mostly written in one
+// case throughout, so equal bytes are settled before any case folding.
+inline bool SameText(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (a[i] == b[i]) continue;
+        // Bytes that differ only in the case bit are the same letter when they are letters at all.
+        const char lower = static_cast<char>(a[i] | 0x20);
+        if (lower != static_cast<char>(b[i] | 0x20) || lower < 'a' || lower > 'z') return false;
+    }
+    return true;
+}
 
 // A quick hash of a short line for tables that compare the text on a hit anyway: its length and its first
 // and last eight characters, which is where the lines of a generated listing differ.

@@ -154,6 +154,11 @@ bool IsLineMarker(std::string_view text, size_t at) {
 
 std::atomic<ScannerClass> gScannerClass{ScannerClass::Standard};
 
+// What SkipBlanks of either scanner may stop at or move over besides spaces: past anything else both stop.
+bool MaySkip(char c) {
+    return c == '\t' || c == '\r' || c == '\n' || c == '#' || c == '/';
+}
+
 } // namespace
 
 std::span<const ScannerKeyword> ScannerKeywords() {
@@ -243,35 +248,57 @@ void TScanner::SkipBlanks() {
     pos_ = p;
 }
 
-void TScanner::TakePeekedState() {
-    tokenKind_ = peeked_.kind;
-    if (peeked_.passedMarker) markerEnd_ = peeked_.markerEnd;
-}
-
-std::string_view TScanner::NextTokenView() {
-    if (HasPeeked()) {
-        TakePeekedState();
-        pos_ = peeked_.to;
-        line_ = peeked_.line;
-        return peeked_.token;
-    }
-    SkipBlanks();
+std::string_view TScanner::ScanToken() {
     const size_t len = text_.size();
-    if (pos_ > len || At(pos_) == '\0') {
+    const char* const text = text_.data();
+    // Spaces are passed here, short of the text's last character, which TFastScanner never passes; the rest
+    // of what may be blanks (line breaks, markers, comments, that last space) by SkipBlanks.
+    size_t p = pos_; // 1-based: the character at p is text[p - 1]
+    while (p < len && text[p - 1] == ' ') ++p;
+    pos_ = p;
+    if (p <= len && (text[p - 1] == ' ' || MaySkip(text[p - 1]))) {
+        SkipBlanks();
+        p = pos_;
+    }
+    if (p > len || text[p - 1] == '\0') {
         tokenKind_ = tkEndOfText;
         return {};
     }
     // Indices here count from 0. Every loop stops before the text's last character (index `last`): that
     // character never extends a token of more than one character.
-    const char* const text = text_.data();
     const size_t last = len - 1;
-    const size_t start = pos_ - 1;
+    const size_t start = p - 1;
     const char first = text[start];
     size_t i = start + 1;
-    auto take = [&](size_t from) {
+    auto take = [&]() {
         pos_ = i + 1;
-        return std::string_view(text + from, i - from);
+        return std::string_view(text + start, i - start);
     };
+    if (Is(first, ccLetter | ccUnderscore)) {
+        while (i < last && IsIdentChar(text[i])) ++i;
+        const std::string_view token = take();
+        tokenKind_ = KeywordKind(token);
+        return token;
+    }
+    if (Is(first, ccDelimiter)) {
+        tokenKind_ = DelimiterKind(first);
+        return take();
+    }
+    if (Is(first, ccDigit) || first == '$' || first == '%') {
+        while (i < last && Is(text[i], ccNumberTail)) ++i;
+        const char before = text[i - 1];
+        if (i < last && (text[i] == '+' || text[i] == '-') && (before == 'E' || before == 'e')) {
+            ++i;
+            while (i < last && IsDigit(text[i])) ++i;
+        }
+        tokenKind_ = tkNumber;
+        return take();
+    }
+    if (Is(first, ccOperator)) {
+        while (i < last && Is(text[i], ccOperator)) ++i;
+        tokenKind_ = tkOperator;
+        return take();
+    }
     if (first == '"') {
         const size_t from = i;
         if (i < last) {
@@ -284,48 +311,14 @@ std::string_view TScanner::NextTokenView() {
         tokenKind_ = tkString;
         return token;
     }
-    if (Is(first, ccDigit) || first == '$' || first == '%') {
-        while (i < last && Is(text[i], ccNumberTail)) ++i;
-        const char before = text[i - 1];
-        if (i < last && (text[i] == '+' || text[i] == '-') && (before == 'E' || before == 'e')) {
-            ++i;
-            while (i < last && IsDigit(text[i])) ++i;
-        }
-        tokenKind_ = tkNumber;
-        return take(start);
-    }
-    if (Is(first, ccLetter | ccUnderscore)) {
-        while (i < last && IsIdentChar(text[i])) ++i;
-        const std::string_view token = take(start);
-        tokenKind_ = KeywordKind(token);
-        return token;
-    }
-    if (Is(first, ccOperator)) {
-        while (i < last && Is(text[i], ccOperator)) ++i;
-        tokenKind_ = tkOperator;
-        return take(start);
-    }
-    if (Is(first, ccDelimiter)) {
-        tokenKind_ = DelimiterKind(first);
-        return take(start);
-    }
     // Other characters start at the first one again: a blank the skipping left (the text's last character,
     // or a line feed for TFastScanner) makes an empty token that does not move on.
     i = start;
     while (i < last && !Is(text[i], ccBlank | ccLetter | ccDigit | ccUnderscore | ccOperator | ccDelimiter))
         ++i;
     tokenKind_ = tkOther;
-    return take(start);
+    return take();
 }
-
-namespace {
-
-// What SkipBlanks of either scanner may stop at or move over besides spaces: past anything else both stop.
-bool MaySkip(char c) {
-    return c == '\t' || c == '\r' || c == '\n' || c == '#' || c == '/';
-}
-
-} // namespace
 
 // The number branch of NextTokenView and the "," of a list, for the one kind of token value rows are made
 // of; everything else is left to NextTokenView. Spaces are passed here, anything SkipBlanks does more (line
@@ -410,7 +403,7 @@ std::string_view TScanner::PeekAheadView(int n) {
     // markerEnd_ is 0 only before any marker, so that a peek can tell whether its blanks held one.
     const size_t markerBefore = markerEnd_;
     if (n == 0) markerEnd_ = 0;
-    const std::string_view token = NextTokenView();
+    const std::string_view token = n == 0 ? ScanToken() : NextTokenView();
     if (n == 0) {
         peeked_ = {savedPos,   savedLine,       LineMarkers, pos_, line_,
                    tokenKind_, markerEnd_ != 0, markerEnd_,  token};

@@ -81,9 +81,19 @@ public:
 
     // The token reads below come in two forms. The views point into the scanner's text and stay valid until
     // the text is replaced: the assembler reads millions of tokens and should not copy each one.
-    std::string_view NextTokenView();
+    std::string_view NextTokenView() {
+        if (!HasPeeked()) return ScanToken();
+        TakePeekedState();
+        pos_ = peeked_.to;
+        line_ = peeked_.line;
+        return peeked_.token;
+    }
     // The next token's text without consuming it; TokenKind is left at the peeked token's kind.
-    std::string_view PeekTokenView() { return PeekAheadView(0); }
+    std::string_view PeekTokenView() {
+        if (!HasPeeked()) return PeekAheadView(0);
+        TakePeekedState();
+        return peeked_.token;
+    }
     // Skips n tokens, then as PeekToken; position and line are restored, TokenKind is not.
     std::string_view PeekAheadView(int n);
 
@@ -135,7 +145,12 @@ private:
     bool HasPeeked() const {
         return peeked_.from == pos_ && peeked_.fromLine == line_ && peeked_.markers == LineMarkers;
     }
-    void TakePeekedState();
+    void TakePeekedState() {
+        tokenKind_ = peeked_.kind;
+        if (peeked_.passedMarker) markerEnd_ = peeked_.markerEnd;
+    }
+    // Reads the token at the position, as NextTokenView does when no peek is kept.
+    std::string_view ScanToken();
 
     void Rewrite();
 
