@@ -30,28 +30,16 @@ public:
         return true;
     }
 
-    // As ReadsAlone, for the lines of a listing: a line repeated there shares the characters of the first,
-    // so each place is checked once, and a table of fixed size remembers the places found good.
-    bool ListingLineReadsAlone(std::string_view line) {
-        const std::uint64_t place = reinterpret_cast<std::uintptr_t>(line.data());
-        std::string_view& seen = checked_[(place * 0x9E3779B97F4A7C15u) >> (64 - kCheckedBits)];
-        if (seen.data() == line.data() && seen.size() == line.size()) return true;
-        if (!ReadsAlone(line)) return false;
-        seen = line;
-        return true;
-    }
-
 private:
-    static constexpr int kCheckedBits = 12;
     std::vector<LineToken> tokens_; // room for the tokens of the lines asked
-    std::vector<std::string_view> checked_ = std::vector<std::string_view>(std::size_t{1} << kCheckedBits);
 };
 
 bool ListingReadsAlone(const TListing& listing) {
     if (listing.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max() / 2)) return false;
+    // Lines of one id read the same: each distinct line is asked once.
     LineCheck check;
-    for (std::string_view line : listing)
-        if (!check.ListingLineReadsAlone(line)) return false;
+    for (std::size_t id = 0; id < listing.IdCount(); ++id)
+        if (!check.ReadsAlone(listing.TextOf(static_cast<TListing::LineId>(id)))) return false;
     return true;
 }
 

@@ -1,11 +1,69 @@
 #include "compiler/listing.h"
 
 #include "platform/freed_memory.h"
-#include "platform/strings.h"
 
 #include <algorithm>
+#include <limits>
+#include <stdexcept>
 
 namespace velkor {
+
+namespace {
+
+// Eight characters, first lowest: the compiler makes one load of it.
+[[gnu::always_inline]] inline std::uint64_t Word(const char* at) {
+    const auto* p = reinterpret_cast<const unsigned char*>(at);
+    return std::uint64_t{p[0]} | std::uint64_t{p[1]} << 8 | std::uint64_t{p[2]} << 16 |
+           std::uint64_t{p[3]} << 24 | std::uint64_t{p[4]} << 32 | std::uint64_t{p[5]} << 40 |
+           std::uint64_t{p[6]} << 48 | std::uint64_t{p[7]} << 56;
+}
+
+// Every character counts: lines of one length often differ only in the middle ("movv v8 v28;").
+[[gnu::always_inline]] inline std::uint64_t LineHash(std::size_t indent, std::string_view text) {
+    constexpr std::uint64_t kMix = 0x9E3779B97F4A7C15u;
+    const std::size_t n = text.size();
+    const char* p = text.data();
+    // Multiplying by an odd number loses nothing, so the words are only mixed well once, at the end.
+    std::uint64_t h = indent * 0xC2B2AE3D27D4EB4Fu + n;
+    if (n >= 8) {
+        for (std::size_t i = 0; i + 8 < n; i += 8) h = (h ^ Word(p + i)) * kMix;
+        h ^= Word(p + n - 8); // the last eight, overlapping the word before
+    } else {
+        std::uint64_t last = 0;
+        for (std::size_t i = 0; i < n; ++i)
+            last |= std::uint64_t{static_cast<unsigned char>(p[i])} << (8 * i);
+        h ^= last;
+    }
+    h *= kMix;
+    h ^= h >> 29;
+    h *= 0xD6E8FEB86659FD93u;
+    return h ^ (h >> 32);
+}
+
+// Four characters, first lowest.
+[[gnu::always_inline]] inline std::uint32_t Word4(const char* at) {
+    const auto* p = reinterpret_cast<const unsigned char*>(at);
+    return std::uint32_t{p[0]} | std::uint32_t{p[1]} << 8 | std::uint32_t{p[2]} << 16 |
+           std::uint32_t{p[3]} << 24;
+}
+
+// The lines compared are short: a call of memcmp would cost more than the comparison. The last word read
+// overlaps the one before it rather than going byte by byte.
+[[gnu::always_inline]] inline bool SameChars(const char* a, const char* b, std::size_t n) {
+    if (n >= 8) {
+        for (std::size_t i = 0; i + 8 < n; i += 8)
+            if (Word(a + i) != Word(b + i)) return false;
+        return Word(a + n - 8) == Word(b + n - 8);
+    }
+    if (n >= 4) return Word4(a) == Word4(b) && Word4(a + n - 4) == Word4(b + n - 4);
+    for (std::size_t i = 0; i < n; ++i)
+        if (a[i] != b[i]) return false;
+    return true;
+}
+
+constexpr std::size_t kFirstSlots = 4096;
+
+} // namespace
 
 TListing::TListing(std::initializer_list<std::string_view> lines) {
     for (std::string_view line : lines) push_back(line);
@@ -37,14 +95,13 @@ TListing::LineRef TListing::Take(std::size_t n, char*& at) {
     if (own || blocks_.empty() || blocks_.back().capacity != kBlockSize ||
         blocks_.back().used == kBlockSize || kBlockSize - blocks_.back().used < n) {
         const std::size_t capacity = own ? n : kBlockSize;
-        blocks_.push_back({std::make_unique_for_overwrite<char[]>(capacity), 0, capacity});
+        blocks_.push_back({std::make_unique_for_overwrite<char[]>(capacity), 0, capacity, 0});
     }
     Block& block = blocks_.back();
     at = block.chars.get() + block.used;
     const LineRef line = static_cast<LineRef>(blocks_.size() - 1) << 40 |
                          static_cast<LineRef>(block.used) << 20 | static_cast<LineRef>(own ? kLongLine : n);
     block.used += n;
-    textSize_ += n;
     return line;
 }
 
@@ -55,44 +112,88 @@ std::string_view TListing::View(LineRef line) const {
     return {block.chars.get() + start, length == kLongLine ? block.used : length};
 }
 
+TListing::LineId TListing::NewId(std::string_view indent, std::string_view text) {
+    if (texts_.size() >= std::numeric_limits<LineId>::max()) throw std::length_error("listing too long");
+    char* at = nullptr;
+    texts_.push_back(Take(indent.size() + text.size(), at));
+    std::copy_n(indent.data(), indent.size(), at);
+    std::copy_n(text.data(), text.size(), at + indent.size());
+    return static_cast<LineId>(texts_.size() - 1);
+}
+
+void TListing::Grow() {
+    std::vector<std::uint64_t> slots(seen_.empty() ? kFirstSlots : 2 * seen_.size());
+    const std::size_t mask = slots.size() - 1;
+    for (std::uint64_t slot : seen_) {
+        if (slot == 0) continue;
+        std::size_t at = static_cast<std::size_t>(slot >> 32) & mask;
+        while (slots[at] != 0) at = (at + 1) & mask;
+        slots[at] = slot;
+    }
+    seen_ = std::move(slots);
+}
+
+TListing::LineId TListing::IdOf(std::string_view indent, std::string_view text) {
+    const std::size_t n = indent.size() + text.size();
+    // The slot's index comes from the upper half too, so that a larger table is filled from the slots alone.
+    if (n > kSharedLineMax || 2 * (seenCount_ + 1) > seen_.size()) return IdOfRare(indent, text);
+    const auto upper = static_cast<std::uint32_t>(LineHash(indent.size(), text) >> 32);
+    const std::size_t mask = seen_.size() - 1;
+    for (std::size_t at = upper & mask;; at = (at + 1) & mask) {
+        const std::uint64_t slot = seen_[at];
+        if (slot == 0) return Seen(indent, text, at, upper);
+        if (static_cast<std::uint32_t>(slot >> 32) != upper) continue;
+        const auto id = static_cast<LineId>((slot & 0xFFFFFFFFu) - 1);
+        // A short line is never a long line's own block, so its length is its reference's.
+        LineRef& ref = texts_[id];
+        if ((ref & kLongLine) != n) continue;
+        const char* line =
+            blocks_[BlockOf(ref)].chars.get() + (static_cast<std::size_t>(ref >> 20) & kLongLine);
+        if (SameChars(line, indent.data(), indent.size()) &&
+            SameChars(line + indent.size(), text.data(), text.size())) {
+            ref |= kRepeatedBit;
+            return id;
+        }
+    }
+}
+
+TListing::LineId TListing::IdOfRare(std::string_view indent, std::string_view text) {
+    if (indent.size() + text.size() > kSharedLineMax || seen_.size() > (std::size_t{1} << 31))
+        return NewId(indent, text);
+    Grow();
+    return IdOf(indent, text);
+}
+
+TListing::LineId TListing::Seen(std::string_view indent, std::string_view text, std::size_t at,
+                                std::uint32_t upper) {
+    const LineId id = NewId(indent, text);
+    seen_[at] = std::uint64_t{upper} << 32 | (std::uint64_t{id} + 1);
+    ++seenCount_;
+    return id;
+}
+
 void TListing::push_back(std::string_view line) {
     push_back({}, line);
 }
 
 void TListing::push_back(std::string_view indent, std::string_view text) {
-    const std::size_t n = indent.size() + text.size();
-    LineRef* slot = nullptr;
-    if (n <= kSharedLineMax) {
-        if (recent_.empty()) recent_.assign(kRecentLines, kNoLine);
-        const std::size_t hash = QuickLineHash(text) + indent.size() * 0x9E3779B97F4A7C15u;
-        slot = &recent_[hash % kRecentLines];
-        if (*slot != kNoLine) {
-            const std::string_view seen = View(*slot);
-            if (seen.size() == n && seen.starts_with(indent) && seen.ends_with(text)) {
-                lines_.push_back(*slot);
-                textSize_ += n;
-                return;
-            }
-        }
-    }
-    char* at = nullptr;
-    const LineRef line = Take(n, at);
-    lines_.push_back(line);
-    std::copy_n(indent.data(), indent.size(), at);
-    std::copy_n(text.data(), text.size(), at + indent.size());
-    if (slot) *slot = line;
+    const LineId id = IdOf(indent, text);
+    lines_.push_back(id);
+    Count(id);
+    textSize_ += indent.size() + text.size();
 }
 
 void TListing::insert(std::size_t index, const std::vector<std::string>& lines) {
-    std::vector<LineRef> stored;
-    stored.reserve(lines.size());
+    std::vector<LineId> ids;
+    ids.reserve(lines.size());
     for (const auto& line : lines) {
-        char* at = nullptr;
-        stored.push_back(Take(line.size(), at));
-        std::copy_n(line.data(), line.size(), at);
+        const LineId id = IdOf({}, line);
+        ids.push_back(id);
+        Count(id);
+        textSize_ += line.size();
     }
     const auto before = lines_.begin() + static_cast<std::ptrdiff_t>(std::min(index, lines_.size()));
-    lines_.insert(before, stored.begin(), stored.end());
+    lines_.insert(before, ids.begin(), ids.end());
 }
 
 void TListing::Append(const TListing& other) {
@@ -102,30 +203,25 @@ void TListing::Append(const TListing& other) {
 void TListing::clear() {
     lines_.clear();
     blocks_.clear();
+    texts_.clear();
     textSize_ = 0;
-    ForgetRecent();
-}
-
-std::vector<std::size_t> TListing::LinesPerBlock() const {
-    std::vector<std::size_t> count(blocks_.size());
-    for (LineRef line : lines_) ++count[BlockOf(line)];
-    return count;
+    ForgetSeen();
+    seenCount_ = 0;
 }
 
 void TListing::Drain(const std::function<void(std::string_view line)>& take) {
     // Each block goes when its last line has been handed over, and the freed pages go back to the system
     // now and then, so that the listing shrinks while the taker's text grows.
-    std::vector<std::size_t> left = LinesPerBlock();
-    ForgetRecent();                         // their blocks go on the way
+    ForgetSeen();                           // their blocks go on the way
     constexpr std::size_t kReturnEvery = 4; // blocks of a megabyte
     std::size_t released = 0;
     while (!lines_.empty()) {
-        const LineRef line = lines_.front();
+        const LineRef line = texts_[lines_.front()];
         take(View(line));
         lines_.pop_front();
-        const std::size_t block = BlockOf(line);
-        if (--left[block] == 0) {
-            blocks_[block].chars.reset();
+        Block& block = blocks_[BlockOf(line)];
+        if (--block.lines == 0) {
+            block.chars.reset();
             if (++released % kReturnEvery == 0) ReturnFreedMemory();
         }
     }
@@ -140,9 +236,9 @@ std::vector<std::string> TListing::Lines() const {
     return lines;
 }
 
-TListing::Feed::Feed(TListing& listing)
-    : listing_(listing), lines_(listing.LinesPerBlock()), left_(listing.textSize_) {
-    listing_.ForgetRecent(); // their blocks go on the way
+TListing::Feed::Feed(TListing& listing) : listing_(listing), left_(listing.textSize_) {
+    listing_.ForgetSeen(); // their blocks go on the way
+    run_.resize(kRun);
 }
 
 TListing::Feed::~Feed() {
@@ -150,30 +246,40 @@ TListing::Feed::~Feed() {
     ReturnFreedMemory();
 }
 
-bool TListing::Feed::NextLine(std::string_view& line) {
-    if (listing_.lines_.empty()) return false;
-    const LineRef ref = listing_.lines_.front();
-    listing_.lines_.pop_front();
-    line = listing_.View(ref);
-    current_ = BlockOf(ref);
-    left_ -= line.size();
-    if (--lines_[current_] == 0) done_.push_back(current_);
-    return true;
+std::span<const SplicedLine> TListing::Feed::NextLines() {
+    doneBefore_.insert(doneBefore_.end(), doneNow_.begin(), doneNow_.end());
+    doneNow_.clear();
+    auto& lines = listing_.lines_;
+    const std::size_t count = std::min(kRun, lines.size());
+    const auto end = lines.begin() + static_cast<std::ptrdiff_t>(count);
+    std::size_t k = 0;
+    for (auto at = lines.begin(); at != end; ++at, ++k) {
+        const LineId id = *at;
+        const LineRef ref = listing_.texts_[id];
+        Block& block = listing_.blocks_[BlockOf(ref)];
+        const std::size_t length = static_cast<std::size_t>(ref) & kLongLine;
+        const std::string_view text(block.chars.get() + (static_cast<std::size_t>(ref >> 20) & kLongLine),
+                                    length == kLongLine ? block.used : length);
+        run_[k] = {text, (ref & kRepeatedBit) != 0 ? id : SplicedLine::kOnce};
+        left_ -= text.size();
+        if (--block.lines == 0) doneNow_.push_back(BlockOf(ref));
+    }
+    lines.erase(lines.begin(), end);
+    // The ids handed over go back to the system now and then, while the reader's output grows.
+    if ((handed_ += count) >= kReturnEvery) {
+        handed_ = 0;
+        ReturnFreedMemory();
+    }
+    return std::span(run_).first(count);
 }
 
-// The block of the last line handed out stays: the reader may still look at that line.
+// The reader still looks at lines of the last run.
 void TListing::Feed::Release() {
-    if (done_.empty() || (done_.size() == 1 && done_.front() == current_)) return;
-    std::size_t kept = 0;
-    for (std::size_t block : done_) {
-        if (block == current_) {
-            done_[kept++] = block;
-            continue;
-        }
+    for (std::size_t block : doneBefore_) {
         listing_.blocks_[block].chars.reset();
         if (++released_ % 4 == 0) ReturnFreedMemory();
     }
-    done_.resize(kept);
+    doneBefore_.clear();
 }
 
 } // namespace velkor

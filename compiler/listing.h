@@ -1,7 +1,8 @@
-// The instruction listing of a unit. A large mission has close to a million lines: one string per line would
-// cost as many allocations and twice the memory, and one growing buffer would be copied again and again as
-// it grows. The characters go into blocks of a megabyte that never move, and each line is a word of eight
-// bytes naming its block, where it starts there and its length.
+// The instruction listing of a unit. A large mission has close to a million lines, but the code generator
+// writes the same few thousand lines over and over: each distinct line is kept once, under an id, and the
+// listing is the sequence of those ids. The characters go into blocks of a megabyte that never move; an id
+// names its line's block, where it starts there and its length. The assembler of a build reads the ids with
+// the lines, so that it looks at each distinct line once.
 #pragma once
 
 #include "iff/iff_token_source.h"
@@ -13,6 +14,7 @@
 #include <initializer_list>
 #include <iterator>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +25,8 @@ class TListing {
     using LineRef = std::uint64_t; // block << 40 | start << 20 | length; a long line's length is its block's
 
 public:
+    using LineId = std::uint32_t;
+
     class const_iterator {
     public:
         using iterator_category = std::forward_iterator_tag;
@@ -32,9 +36,9 @@ public:
         using reference = std::string_view;
 
         const_iterator() = default;
-        const_iterator(const TListing* listing, std::deque<LineRef>::const_iterator at)
+        const_iterator(const TListing* listing, std::deque<LineId>::const_iterator at)
             : listing_(listing), at_(at) {}
-        std::string_view operator*() const { return listing_->View(*at_); }
+        std::string_view operator*() const { return listing_->TextOf(*at_); }
         const_iterator& operator++() {
             ++at_;
             return *this;
@@ -48,7 +52,7 @@ public:
 
     private:
         const TListing* listing_ = nullptr;
-        std::deque<LineRef>::const_iterator at_;
+        std::deque<LineId>::const_iterator at_;
     };
 
     TListing() = default;
@@ -63,11 +67,16 @@ public:
 
     std::size_t size() const { return lines_.size(); }
     bool empty() const { return lines_.empty(); }
-    std::string_view operator[](std::size_t index) const { return View(lines_[index]); }
+    std::string_view operator[](std::size_t index) const { return TextOf(lines_[index]); }
     const_iterator begin() const { return {this, lines_.begin()}; }
     const_iterator end() const { return {this, lines_.end()}; }
     // The characters of all lines together: what a writer of the listing has to reserve.
     std::size_t TextSize() const { return textSize_; }
+
+    // Every distinct line has an id below IdCount (a long line may have several); lines of one id read
+    // the same.
+    std::size_t IdCount() const { return texts_.size(); }
+    std::string_view TextOf(LineId id) const { return View(texts_[id]); }
 
     void push_back(std::string_view line);
     // Appends one line made of an indentation and a text, without joining them first.
@@ -84,8 +93,8 @@ public:
 
     friend bool operator==(const TListing& a, const TListing& b);
 
-    // Hands the lines over one by one to a reader that looks back no further than its last Release, and
-    // empties the listing on the way as Drain does.
+    // Hands the lines over a run at a time, with their ids, to a reader that looks back no further than its
+    // last Release, and empties the listing on the way as Drain does.
     class Feed;
 
 private:
@@ -93,30 +102,43 @@ private:
         std::unique_ptr<char[]> chars; // never reallocated: lines point into it
         std::size_t used = 0;          // characters taken
         std::size_t capacity = 0;      // characters it holds
+        std::size_t lines = 0;         // lines of the listing whose text is here
     };
     static constexpr std::size_t kBlockSize = std::size_t{1} << 20;
     // A line this long or longer has a block of its own, and its length is the block's.
     static constexpr std::size_t kLongLine = (std::size_t{1} << 20) - 1;
+    // Set in an id's reference once a second line has it; the block number stays far below.
+    static constexpr LineRef kRepeatedBit = LineRef{1} << 63;
 
     // Room for a line of n characters, in the last block or a new one; its reference.
     LineRef Take(std::size_t n, char*& at);
     std::string_view View(LineRef line) const;
-    static std::size_t BlockOf(LineRef line) { return static_cast<std::size_t>(line >> 40); }
-    // How many lines each block holds.
-    std::vector<std::size_t> LinesPerBlock() const;
+    static std::size_t BlockOf(LineRef line) {
+        return static_cast<std::size_t>((line & ~kRepeatedBit) >> 40);
+    }
+    // The id of the line: the one it had before when it is short and was seen, otherwise a new one.
+    LineId IdOf(std::string_view indent, std::string_view text);
+    // IdOf for a long line, or when the table is to grow first.
+    [[gnu::noinline]] LineId IdOfRare(std::string_view indent, std::string_view text);
+    // A new short line, whose hash found the empty slot `at`.
+    [[gnu::noinline]] LineId Seen(std::string_view indent, std::string_view text, std::size_t at,
+                                  std::uint32_t upper);
+    LineId NewId(std::string_view indent, std::string_view text);
+    void Grow();
+    // One more line of the listing has the id.
+    void Count(LineId id) { ++blocks_[BlockOf(texts_[id])].lines; }
 
-    // A line the same as one of the recent ones is stored once: a generated listing is mostly a few thousand
-    // lines over and over. Lines are looked for in a table of fixed size by their hash, each slot naming the
-    // last short line of its hash; a block goes only when every line naming it has been handed out.
-    static constexpr std::size_t kRecentLines = 4096;
-    static constexpr std::size_t kSharedLineMax = 64; // longer lines are rarely repeated
-    static constexpr LineRef kNoLine = ~LineRef{0};
-    void ForgetRecent() { recent_.clear(); }
+    // Short lines are looked up by their hash in an open table: each slot holds the upper half of the hash
+    // and 1 + the id, 0 for an empty slot. Longer lines are rarely repeated and get an id each.
+    static constexpr std::size_t kSharedLineMax = 64;
+    void ForgetSeen() { seen_ = {}; }
 
-    std::vector<Block> blocks_;   // the characters of every line
-    std::deque<LineRef> lines_;   // the lines in order
-    std::size_t textSize_ = 0;    // characters of all lines
-    std::vector<LineRef> recent_; // kRecentLines slots once a line was added, kNoLine for an empty one
+    std::vector<Block> blocks_;       // the characters of every line
+    std::deque<LineId> lines_;        // the lines in order
+    std::vector<LineRef> texts_;      // each id's line
+    std::vector<std::uint64_t> seen_; // the short lines' ids by hash
+    std::size_t seenCount_ = 0;       // slots taken
+    std::size_t textSize_ = 0;        // characters of all lines
 };
 
 class TListing::Feed : public SplicedLines {
@@ -125,17 +147,21 @@ public:
     ~Feed() override;
     Feed(const Feed&) = delete;
     Feed& operator=(const Feed&) = delete;
-    bool NextLine(std::string_view& line) override;
+    std::span<const SplicedLine> NextLines() override;
     void Release() override;
     std::size_t CharsLeft() const override { return left_; }
 
 private:
+    static constexpr std::size_t kRun = 512;              // lines handed over at a time
+    static constexpr std::size_t kReturnEvery = 1u << 20; // lines handed over between returns of memory
+
     TListing& listing_;
-    std::vector<std::size_t> lines_; // lines of each block not handed out yet
-    std::vector<std::size_t> done_;  // blocks all of whose lines are out, not freed yet
-    std::size_t current_ = 0;        // the block of the last line handed out
-    std::size_t left_ = 0;           // characters not handed out yet
-    std::size_t released_ = 0;       // blocks freed so far
+    std::vector<SplicedLine> run_;        // the lines handed over last
+    std::vector<std::size_t> doneNow_;    // blocks whose last line is in that run
+    std::vector<std::size_t> doneBefore_; // blocks whose last line was in an earlier run, not freed yet
+    std::size_t left_ = 0;                // characters not handed out yet
+    std::size_t released_ = 0;            // blocks freed so far
+    std::size_t handed_ = 0;              // lines handed over since memory was last returned
 };
 
 } // namespace velkor

@@ -28,6 +28,9 @@ void IffTokenSource::Stop() {
     splice_ = nullptr;
     inSplice_ = false;
     lineTokens_.clear();
+    tokenCount_ = nextToken_ = 0;
+    run_ = {};
+    line_ = nullptr;
 }
 
 void IffTokenSource::Splice(SplicedLines& lines, std::int32_t line, std::int32_t count) {
@@ -49,19 +52,23 @@ bool IffTokenSource::TakeSplice() {
     if (scanner_->Text()[at - 2] != '{') return false;
     spliceTaken_ = inSplice_ = true;
     spliceLineNumber_ = spliceLine_;
-    lineTokens_.clear();
-    nextToken_ = 0;
+    tokenCount_ = nextToken_ = 0;
+    run_ = {};
+    runAt_ = 0;
     tokenized_ = true; // no line yet: the first read fetches one
     return true;
 }
 
-bool IffTokenSource::FetchSplicedLine() {
-    if (!splice_->NextLine(line_)) {
+bool IffTokenSource::FetchSplicedRun() {
+    run_ = splice_->NextLines();
+    runAt_ = 0;
+    if (run_.empty()) {
         inSplice_ = false;
-        lineTokens_.clear();
+        tokenCount_ = nextToken_ = 0;
         lineOffset_ = spliceCount_;
         return false;
     }
+    line_ = run_.data();
     ++spliceLineNumber_;
     tokenized_ = false;
     return true;
@@ -72,34 +79,15 @@ bool IffTokenSource::InSplice() {
     for (;;) {
         if (!tokenized_) {
             // The lines were checked before they were left out of the text.
-            if (!ReadLineTokens(line_, lineTokens_))
+            if (!ReadLineTokens(line_->text, lineTokens_))
                 throw Exception("a left-out listing line cannot be read");
             tokenized_ = true;
+            tokenCount_ = lineTokens_.size();
             nextToken_ = 0;
         }
-        if (nextToken_ < lineTokens_.size()) return true;
+        if (nextToken_ < tokenCount_) return true;
         if (!FetchSplicedLine()) return false;
     }
-}
-
-std::optional<std::string_view> IffTokenSource::FreshSplicedLine() {
-    if (!inSplice_) return std::nullopt;
-    if (tokenized_) {
-        if (nextToken_ < lineTokens_.size()) {
-            if (nextToken_ > 0) return std::nullopt;
-        } else if (!FetchSplicedLine()) {
-            return std::nullopt;
-        }
-    }
-    return line_;
-}
-
-void IffTokenSource::SkipSplicedLine() {
-    reportedSpliceLine_ = spliceLineNumber_;
-    lineFromSplice_ = true;
-    tokenized_ = true;
-    lineTokens_.clear();
-    nextToken_ = 0;
 }
 
 std::size_t IffTokenSource::SplicedCharsLeft() const {

@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,14 +20,23 @@ namespace velkor {
 class TScanner;
 struct LineToken;
 
+// One of the lines below, with the id that it shares with every other line of its text.
+struct SplicedLine {
+    // The id of a line that is the only one of its text.
+    static constexpr std::uint32_t kOnce = ~std::uint32_t{0};
+    std::string_view text;
+    std::uint32_t id = kOnce;
+};
+
 // Lines that a text leaves out and hands over in order instead: the instruction listing of a unit, which
 // the build takes from the compiler as it stands rather than from the text it would be written to.
 class SplicedLines {
 public:
     virtual ~SplicedLines() = default;
-    // The next line, or false after the last. Its text stays valid until Release.
-    virtual bool NextLine(std::string_view& line) = 0;
-    // Nothing handed out before the last line is looked at any more.
+    // The next lines, a run at a time; none after the last. They stay valid until a Release after the next
+    // call.
+    virtual std::span<const SplicedLine> NextLines() = 0;
+    // Nothing handed out before the last line taken is looked at any more: the lines of earlier runs may go.
     virtual void Release() = 0;
     // Characters of the lines not handed out yet.
     virtual std::size_t CharsLeft() const = 0;
@@ -67,10 +75,29 @@ public:
     std::size_t SplicedCharsLeft() const;
     // Lines read before this no longer need to stay in memory.
     void ReleaseSpliced();
-    // The left-out line whose tokens come next, while none of them has been read: a caller that reads the
-    // whole line by itself then passes it with SkipSplicedLine, as if it had read its tokens.
-    std::optional<std::string_view> FreshSplicedLine();
-    void SkipSplicedLine();
+    // The left-out line whose tokens come next, while none of them has been read, or null: a caller that
+    // reads the whole line by itself then passes it with SkipSplicedLine, as if it had read its tokens.
+    const SplicedLine* FreshSplicedLine() {
+        if (!inSplice_) return nullptr;
+        if (tokenized_) {
+            if (nextToken_ < tokenCount_) {
+                if (nextToken_ > 0) return nullptr;
+            } else if (!FetchSplicedLine()) {
+                return nullptr;
+            }
+        }
+        return line_;
+    }
+    void SkipSplicedLine() {
+        reportedSpliceLine_ = spliceLineNumber_;
+        lineFromSplice_ = true;
+        PassSplicedLine();
+    }
+    // As SkipSplicedLine, for a line without tokens: the line an error names stays where it was.
+    void PassSplicedLine() {
+        tokenized_ = true;
+        tokenCount_ = nextToken_ = 0;
+    }
 
     // Views into the scanner's text, which stays put for the whole run.
     std::string_view Next();
@@ -110,7 +137,14 @@ private:
     // Whether the next token comes from the left-out lines; reads their next line when the last is used up.
     bool InSplice();
     // The next left-out line, or false after the last, when the text's tokens follow again.
-    bool FetchSplicedLine();
+    bool FetchSplicedLine() {
+        if (runAt_ + 1 >= run_.size()) return FetchSplicedRun();
+        line_ = &run_[++runAt_];
+        ++spliceLineNumber_;
+        tokenized_ = false;
+        return true;
+    }
+    bool FetchSplicedRun();
     // The line an error names, counted in the whole text.
     std::int32_t ReportedLine() const;
 
@@ -124,9 +158,12 @@ private:
     std::int32_t reportedSpliceLine_ = 0; // the line the scanner would name, while it is theirs
     bool lineFromSplice_ = false;         // the line an error names is one of theirs
     bool wrapLines_ = false;              // the scanner reads five-digit line markers
-    std::string_view line_;               // their current line
+    std::span<const SplicedLine> run_;    // their run handed over last
+    std::size_t runAt_ = 0;               // the current line's place in it
+    const SplicedLine* line_ = nullptr;   // their current line
     bool tokenized_ = true;               // lineTokens_ are line_'s (true before the first line)
     std::vector<LineToken> lineTokens_;   // the tokens of their current line
+    std::size_t tokenCount_ = 0;          // how many
     std::size_t nextToken_ = 0;           // the next of them
 };
 

@@ -15,6 +15,7 @@
 #include <cstring>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace velkor {
@@ -25,6 +26,12 @@ namespace {
 constexpr std::size_t kDescriptorSlice = std::size_t{1} << 14;
 
 } // namespace
+
+WcpAssembler::WcpAssembler(IffTokenSource& tokens, TIffWriter& writer, const TIffCompiler& owner,
+                           WcpLineMemo& memo)
+    : tokens_(tokens), writer_(writer), owner_(owner), memo_(memo) {}
+
+WcpAssembler::~WcpAssembler() = default;
 
 void WcpAssembler::AssembleWcpAsm() {
     tokens_.Expect("{");
@@ -101,10 +108,7 @@ void WcpAssembler::AssembleBlock() {
     int depth = 0;
     for (;;) {
         tokens_.ReleaseSpliced();
-        if (const auto line = tokens_.FreshSplicedLine(); line && AssembleSimpleLine(*line)) {
-            tokens_.SkipSplicedLine();
-            continue;
-        }
+        if (AssembleListingLines(depth)) return;
         if (tokens_.NextIs('{')) {
             EmitWord(kWcpBlockBegin);
             ++depth;
@@ -201,31 +205,106 @@ bool EndsToken(std::string_view line, std::size_t at) {
 
 } // namespace
 
-// The token path reads the same tokens here: names, plain numbers and strings, blanks and "," between
-// them, ";" at the end with nothing behind it. Anything else, and any line the token path would refuse or
-// read past its end, is left to it.
-bool WcpAssembler::AssembleSimpleLine(std::string_view line) {
+namespace {
+
+using Kind = WcpLineMemo::Kind;
+
+// A line of these kinds starts with a name or a brace, so the token path's look for a "," or ";" behind an
+// open line finds neither there.
+bool StartsWithoutPunctuation(Kind kind) {
+    return kind == Kind::Words || kind == Kind::OpenOperand || kind == Kind::OpenKeyword ||
+           kind == Kind::BlockBegin || kind == Kind::BlockEnd;
+}
+
+constexpr std::size_t kReleaseEvery = 1024; // lines
+
+} // namespace
+
+// Each line does here what the token path would do with its tokens; a line the token path would refuse,
+// or read past its end, is left to it.
+bool WcpAssembler::AssembleListingLines(int& depth) {
+    Kind open = Kind::Unknown; // the open line before, while the token path would look for its "," or ";"
+    std::array<std::uint32_t, kWcpMaxNativeOperands + 1> words;
+    for (std::size_t lines = 1;; ++lines) {
+        const SplicedLine* line = tokens_.FreshSplicedLine();
+        Kind kind = Kind::Tokens;
+        std::size_t count = 0;
+        const WcpLineMemo::Line* kept = nullptr;
+        if (line && line->id == SplicedLine::kOnce) {
+            kind = ReadListingLine(line->text, words, count);
+        } else if (line) {
+            WcpLineMemo::Line& known = memo_.Of(line->id);
+            if (known.kind == Kind::Unknown) {
+                kind = ReadListingLine(line->text, words, count);
+                memo_.Keep(known, kind, std::span(words).first(count));
+            } else {
+                kind = known.kind;
+                kept = &known;
+            }
+        }
+        if (open != Kind::Unknown) {
+            const Kind before = std::exchange(open, Kind::Unknown);
+            if (!StartsWithoutPunctuation(kind)) {
+                if (before == Kind::OpenOperand) tokens_.NextIs(',');
+                tokens_.NextIs(';');
+                continue;
+            }
+        }
+        switch (kind) {
+        case Kind::Words:
+        case Kind::OpenOperand:
+        case Kind::OpenKeyword:
+            if (kept)
+                EmitBytes(memo_.Bytes(*kept));
+            else
+                for (std::size_t k = 0; k < count; ++k) EmitWord(words[k]);
+            tokens_.SkipSplicedLine();
+            if (kind != Kind::Words) open = kind;
+            break;
+        case Kind::BlockBegin:
+            EmitWord(kWcpBlockBegin);
+            ++depth;
+            tokens_.SkipSplicedLine();
+            break;
+        case Kind::BlockEnd:
+            tokens_.SkipSplicedLine();
+            if (depth == 0) return true;
+            EmitWord(kWcpBlockEnd);
+            --depth;
+            break;
+        case Kind::Blank: tokens_.PassSplicedLine(); break;
+        default: return false;
+        }
+        if (lines % kReleaseEvery == 0) tokens_.ReleaseSpliced();
+    }
+}
+
+WcpLineMemo::Kind WcpAssembler::ReadListingLine(std::string_view line,
+                                                std::span<std::uint32_t, kWcpMaxNativeOperands + 1> words,
+                                                std::size_t& count) {
+    count = 0;
     std::size_t from = 0;
     // The indentation eight blanks at a time.
     while (from + 8 <= line.size() && std::memcmp(line.data() + from, "        ", 8) == 0) from += 8;
     while (from < line.size() && IsBlank(line[from])) ++from;
-    line.remove_prefix(from);
-    if (line.empty() || !IsWordStart(line[0])) return false;
-    WcpLineMemo::Line& slot = memo_.SlotOf(line);
-    if (!memo_.Holds(slot, line)) {
-        std::array<std::uint32_t, kWcpMaxNativeOperands + 1> words;
-        std::size_t count = 0;
-        if (!ReadSimpleLine(line, words, count)) return false;
-        memo_.Keep(slot, line, std::span(words).first(count));
+    if (from < line.size() && IsWordStart(line[from])) {
+        const Kind kind = ReadSimpleLine(line.substr(from), words, count);
+        if (kind != Kind::Tokens) return kind;
     }
-    code_.insert(code_.end(), slot.bytes.begin(),
-                 slot.bytes.begin() + static_cast<std::ptrdiff_t>(slot.size));
-    return true;
+    if (!ReadLineTokens(line, lineTokens_)) return Kind::Tokens;
+    if (lineTokens_.empty()) return Kind::Blank;
+    if (lineTokens_.size() == 1 && lineTokens_[0].kind == tkDelimiter) {
+        if (lineTokens_[0].text == "{") return Kind::BlockBegin;
+        if (lineTokens_[0].text == "}") return Kind::BlockEnd;
+    }
+    return Kind::Tokens;
 }
 
-bool WcpAssembler::ReadSimpleLine(std::string_view line,
-                                  std::span<std::uint32_t, kWcpMaxNativeOperands + 1> out,
-                                  std::size_t& outCount) const {
+// The token path reads the same tokens here: names, plain numbers and strings, blanks and "," between
+// them, ";" at the end with nothing behind it.
+WcpLineMemo::Kind WcpAssembler::ReadSimpleLine(std::string_view line,
+                                               std::span<std::uint32_t, kWcpMaxNativeOperands + 1> out,
+                                               std::size_t& outCount) const {
     std::size_t i = 0;
     const std::size_t n = line.size();
     auto skipBlanks = [&] {
@@ -233,72 +312,80 @@ bool WcpAssembler::ReadSimpleLine(std::string_view line,
     };
     const std::size_t nameStart = i;
     while (i < n && IsWordChar(line[i])) ++i;
-    if (!EndsToken(line, i)) return false;
+    if (!EndsToken(line, i)) return Kind::Tokens;
     const std::string_view name = line.substr(nameStart, i - nameStart);
     const WcpMnemonic* m = FindWcpMnemonicNoCase(name);
-    if (m && !m->semicolonRequired) return false; // its ";" may stand on a later line
+    // An "if" or "else" may end without ";": the token path then looks for it on the lines that follow.
+    const bool mayStayOpen = m && !m->semicolonRequired;
     std::array<std::uint32_t, kWcpMaxNativeOperands> words{};
     std::size_t count = 0;
+    bool comma = false; // a "," stands behind the last operand
     const std::size_t most = m ? m->operandCount : kWcpMaxNativeOperands;
     for (;;) {
         skipBlanks();
-        if (i == n) return false;
+        if (i == n) {
+            if (!mayStayOpen || count != m->operandCount || comma) return Kind::Tokens;
+            break;
+        }
         if (line[i] == ';') break;
-        if (count == most) return false;
+        if (count == most) return Kind::Tokens;
         const int kind = m ? m->kinds[count] : static_cast<int>(okValue);
         const std::size_t start = i;
         std::string_view token;
+        std::uint32_t word = 0;
         if (line[i] == '"') {
             const std::size_t close = line.find('"', i + 1);
-            if (close == std::string_view::npos) return false;
+            if (close == std::string_view::npos) return Kind::Tokens;
             token = line.substr(i + 1, close - i - 1);
             i = close + 1;
         } else if (IsWordStart(line[i])) {
             while (i < n && IsWordChar(line[i])) ++i;
             token = line.substr(start, i - start);
-            // The registers as written by the code generator.
-            if (token.size() >= 2 && token.size() <= 3 && token[0] == 'v' && token[1] >= '0' &&
-                token[1] <= '9' &&
-                (token.size() == 2 || (token[1] != '0' && token[2] >= '0' && token[2] <= '9'))) {
-                const int r = token.size() == 2 ? token[1] - '0' : (token[1] - '0') * 10 + (token[2] - '0');
-                if (r < 32) {
-                    const std::uint32_t word =
-                        registerWords_[static_cast<std::size_t>(kind)][static_cast<std::size_t>(r)];
-                    if (kind == okConstant && word == static_cast<std::uint32_t>(kNoValue)) return false;
-                    if (!EndsToken(line, i)) return false;
-                    words[count++] = word;
-                    skipBlanks();
-                    if (i < n && line[i] == ',') ++i;
-                    continue;
-                }
-            }
         } else if (line[i] >= '0' && line[i] <= '9') {
             while (i < n && line[i] >= '0' && line[i] <= '9') ++i;
             token = line.substr(start, i - start);
         } else {
-            return false;
+            return Kind::Tokens;
         }
-        if (!EndsToken(line, i)) return false;
-        const std::string_view text = tokens_.ResolveConstant(token);
-        if (kind == okConstant && !text.empty() && (text[0] == '+' || text[0] == '-')) return false;
-        words[count++] = OperandWord(kind, text);
+        if (!EndsToken(line, i)) return Kind::Tokens;
+        // The registers as written by the code generator.
+        if (line[start] == 'v' && token.size() >= 2 && token.size() <= 3 && token[1] >= '0' &&
+            token[1] <= '9' &&
+            (token.size() == 2 || (token[1] != '0' && token[2] >= '0' && token[2] <= '9')) &&
+            (token.size() == 2 ? token[1] - '0' : (token[1] - '0') * 10 + (token[2] - '0')) < 32) {
+            const int r = token.size() == 2 ? token[1] - '0' : (token[1] - '0') * 10 + (token[2] - '0');
+            word = registerWords_[static_cast<std::size_t>(kind)][static_cast<std::size_t>(r)];
+            if (kind == okConstant && word == static_cast<std::uint32_t>(kNoValue)) return Kind::Tokens;
+        } else {
+            const std::string_view text = tokens_.ResolveConstant(token);
+            if (kind == okConstant && !text.empty() && (text[0] == '+' || text[0] == '-'))
+                return Kind::Tokens;
+            word = OperandWord(kind, text);
+        }
+        words[count++] = word;
         skipBlanks();
-        if (i < n && line[i] == ',') ++i;
+        comma = i < n && line[i] == ',';
+        if (comma) ++i;
     }
-    if (m && count != m->operandCount) return false;
-    ++i; // the ";"
-    skipBlanks();
-    if (i != n) return false;
+    if (m && count != m->operandCount) return Kind::Tokens;
+    Kind result = Kind::Words;
+    if (i == n) {
+        result = count == 0 ? Kind::OpenKeyword : Kind::OpenOperand;
+    } else {
+        ++i; // the ";"
+        skipBlanks();
+        if (i != n) return Kind::Tokens;
+    }
     if (m) {
         const auto opcodes = WcpOpcodeWords();
-        if (m->index < 0 || static_cast<std::size_t>(m->index) >= opcodes.size()) return false;
+        if (m->index < 0 || static_cast<std::size_t>(m->index) >= opcodes.size()) return Kind::Tokens;
         out[0] = opcodes[static_cast<std::size_t>(m->index)];
     } else {
         out[0] = (NameHash(name) & 0xFFFFFF00u) | static_cast<std::uint32_t>(4 * count);
     }
     std::copy_n(words.begin(), count, out.begin() + 1);
     outCount = count + 1;
-    return true;
+    return result;
 }
 
 void WcpAssembler::EmitWord(std::uint32_t word) {

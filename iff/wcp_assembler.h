@@ -17,12 +17,15 @@ namespace velkor {
 
 class IffTokenSource;
 class TIffWriter;
+struct LineToken;
 class TIffCompiler;
 
 class WcpAssembler {
 public:
-    WcpAssembler(IffTokenSource& tokens, TIffWriter& writer, const TIffCompiler& owner, WcpLineMemo& memo)
-        : tokens_(tokens), writer_(writer), owner_(owner), memo_(memo) {}
+    WcpAssembler(IffTokenSource& tokens, TIffWriter& writer, const TIffCompiler& owner, WcpLineMemo& memo);
+    ~WcpAssembler();
+    WcpAssembler(const WcpAssembler&) = delete;
+    WcpAssembler& operator=(const WcpAssembler&) = delete;
 
     // Called after the keyword WCP_ASM: the braced block of "func" definitions. Defines the register names
     // v0 to v31 as constants, which stay defined for the rest of the text.
@@ -38,12 +41,24 @@ private:
     std::uint32_t ReadOperand(int kind);
     // The word of an operand's text, its constant resolved already.
     static std::uint32_t OperandWord(int kind, std::string_view text);
-    // A whole line of the usual kind (an instruction or game-function call with its operands and ";"),
-    // assembled as the token path would; false, having written nothing, for any other line.
-    bool AssembleSimpleLine(std::string_view line);
-    // The words of such a line, its indentation already passed, into `words`; false for any other line.
-    bool ReadSimpleLine(std::string_view line, std::span<std::uint32_t, kWcpMaxNativeOperands + 1> words,
-                        std::size_t& count) const;
+    // Assembles the fresh listing lines that come next as long as each is read whole by itself, keeping
+    // what a repeated line does in the memo. True when a "}" ended the function's body; false when the
+    // token path goes on.
+    bool AssembleListingLines(int& depth);
+    // What a line does, its words into `words` (count in `count`); Kind::Tokens for a line to be read by
+    // the token path.
+    WcpLineMemo::Kind ReadListingLine(std::string_view line,
+                                      std::span<std::uint32_t, kWcpMaxNativeOperands + 1> words,
+                                      std::size_t& count);
+    // The words of a whole instruction or game-function call, its indentation already passed, into `words`:
+    // Kind::Words with its ";", an open kind for an "if" or "else" whose ";" may follow on a later line,
+    // Kind::Tokens for any other line.
+    WcpLineMemo::Kind ReadSimpleLine(std::string_view line,
+                                     std::span<std::uint32_t, kWcpMaxNativeOperands + 1> words,
+                                     std::size_t& count) const;
+    void EmitBytes(std::span<const std::uint8_t> bytes) {
+        code_.insert(code_.end(), bytes.begin(), bytes.end());
+    }
     void EmitWord(std::uint32_t word);
 
     IffTokenSource& tokens_;         // the assembler's token reader, constants and error path
@@ -53,6 +68,7 @@ private:
     std::vector<std::uint8_t> code_; // the function record being assembled
     // The words of the operands "v0" to "v31" by operand kind, as the registers' constants resolve.
     std::array<std::array<std::uint32_t, 32>, 3> registerWords_{};
+    std::vector<LineToken> lineTokens_; // room for the tokens of a listing line read by the token path
 };
 
 } // namespace velkor

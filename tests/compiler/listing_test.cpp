@@ -50,7 +50,10 @@ TEST(Listing, DrainHandsOverEveryLineInOrderAndEmptiesTheListing) {
         std::vector<std::string> fed;
         {
             TListing::Feed feed(copy);
-            for (std::string_view line; feed.NextLine(line); feed.Release()) fed.emplace_back(line);
+            for (auto run = feed.NextLines(); !run.empty(); run = feed.NextLines()) {
+                for (const SplicedLine& line : run) fed.emplace_back(line.text);
+                feed.Release();
+            }
             EXPECT_EQ(feed.CharsLeft(), 0u);
         }
         EXPECT_TRUE(fed == want);

@@ -74,5 +74,40 @@ TEST(WcpAsm, DeepNestingIsFollowedWithoutRecursion) {
     EXPECT_EQ(words.back(), 0x00827700u);
 }
 
+// A build reads a unit's listing lines by themselves, and what a repeated line did is looked up rather than
+// read again; an "if" or "else" without its ";" looks for it on the lines that follow. Read in place, every
+// listing gives the files, messages and line numbers that the whole text gives, under either scanner.
+TEST(WcpAsm, ListingLinesReadInPlaceAsInTheWholeText) {
+    const std::vector<std::vector<std::string>> listings = {
+        {"func t", "{", "  if v8", "  {", "    movc v8 1;", "  }", "  else", "  {", "  }", "}"},
+        {"func t", "{", "if v8", "; movc v8 1;", "if v8", ";", "else", ";", "else", "movc v8 2;", "}"},
+        {"func t", "{", "if v8", ", v9;", "if v8", ",", ";", "else", ",", "}"},
+        {"func t", "{", "if v8", "// a comment", "", "; movv v8 v9;", "else", "  ", "}", "func u", "{", "}"},
+        {"func t", "{", "if v8,", "else", "if v8;", "if v8 ;", "if v8 v9", "}"},
+        {"func t", "{", "movv v8 v9;", "if v8", "{", "movv v8 v9;", "}", "if v8", "movv v8 v9;", "}",
+         "func u", "{", "movv v8 v9;", "if v8", "movv v8 v9;", "}"},
+        {"func t", "{", "if v8", "if v9", "else", "{", "}", "}"},
+        {"func t", "{", "if v8"},
+        {"func t", "{", "else"},
+        {"func t", "{", "movc v8 1;", "movc v8 1;", "bogus v8 v9", "}"},
+        {"func t", "{", "movc v8 1;", "if v8", "", "movc v8;", "}"},
+        {"func t", "{", "{", "{", "}", "}", "}", "}", "movc v8 1;"},
+    };
+    const std::string before = "IFF \"m.iff\" {\r\nform \"MISN\" {\r\nchunk \"FUNC\" {\r\nWCP_ASM {\r\n";
+    const std::string after = "}\r\n}\r\n}\r\n}\r\n";
+    for (const auto& lines : listings) {
+        std::string whole = before;
+        for (const auto& line : lines) whole += line + "\r\n";
+        whole += after;
+        for (ScannerClass scanner : {ScannerClass::Standard, ScannerClass::Fast}) {
+            const Assembled expected = Assemble(whole, scanner);
+            const Assembled got = AssembleSpliced(before + after, before.size(), lines, scanner);
+            EXPECT_EQ(got.files, expected.files) << whole;
+            EXPECT_EQ(got.messages, expected.messages) << whole;
+            EXPECT_EQ(got.error, expected.error) << whole;
+        }
+    }
+}
+
 } // namespace
 } // namespace velkor::test

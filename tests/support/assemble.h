@@ -4,8 +4,11 @@
 #include "iff/iff_compiler.h"
 #include "scanner/scanner.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -52,20 +55,32 @@ inline Assembled Assemble(std::string_view text, ScannerClass scanner = ScannerC
     return AssembleWith(scanner, fastValueRows, [&](TIffCompiler& a) { a.SetInputText(text, base); });
 }
 
-// Lines handed over in place of a part of the text, as a build hands over a unit's listing.
+// Lines handed over in place of a part of the text, as a build hands over a unit's listing: lines of the
+// same text share an id, unless they are its only line.
 class LinesInPlace : public SplicedLines {
 public:
-    explicit LinesInPlace(std::vector<std::string> lines) : lines_(std::move(lines)) {}
-    bool NextLine(std::string_view& line) override {
-        if (next_ == lines_.size()) return false;
-        line = lines_[next_++];
-        return true;
+    explicit LinesInPlace(const std::vector<std::string>& lines) : texts_(lines) {
+        std::map<std::string_view, std::uint32_t> ids;
+        std::map<std::string_view, int> uses;
+        for (const auto& line : texts_) ++uses[line];
+        for (const auto& line : texts_)
+            lines_.push_back(
+                {line, uses[line] > 1
+                           ? ids.emplace(line, static_cast<std::uint32_t>(ids.size())).first->second
+                           : SplicedLine::kOnce});
+    }
+    // Two lines at a time, so that runs end inside blocks and between open lines and what follows them.
+    std::span<const SplicedLine> NextLines() override {
+        const std::size_t n = std::min<std::size_t>(2, lines_.size() - next_);
+        next_ += n;
+        return std::span(lines_).subspan(next_ - n, n);
     }
     void Release() override {}
     std::size_t CharsLeft() const override { return 0; }
 
 private:
-    std::vector<std::string> lines_;
+    std::vector<std::string> texts_;
+    std::vector<SplicedLine> lines_;
     std::size_t next_ = 0;
 };
 
