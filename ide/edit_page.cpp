@@ -298,7 +298,9 @@ bool TfrmEdit::Compile() {
     TCompiler compiler;
     std::string linked;
     try {
-        compiler.SetSource(NormaliseLineBreaks(FromQ(memo_->Text())));
+        std::string source = FromQ(memo_->Text());
+        NormaliseLineBreaksInPlace(source);
+        compiler.SetSource(std::move(source));
         const TCompileSettings settings = ReadCompileSettings();
         compiler.Optimize = settings.Optimize;
         compiler.HaltOnError = settings.HaltOnError;
@@ -327,7 +329,7 @@ bool TfrmEdit::Compile() {
             linked = compiler.Link();
         });
         if (!ran) return false;
-        host_.IffView().SetTextUtf8(linked);
+        host_.IffView().SetTextUtf8(std::move(linked));
     } catch (const std::exception& e) {
         success = false;
         const int line = compiler.ErrorLine; // from 1; the editor counts from 0

@@ -5,6 +5,7 @@
 #include <QFontMetrics>
 
 #include <algorithm>
+#include <utility>
 
 namespace velkor {
 
@@ -22,19 +23,36 @@ TfrmIffView::TfrmIffView(QWidget* parent)
     QFont fixed(QStringLiteral("Courier New"));
     fixed.setStyleHint(QFont::Monospace);
     memo_->setFont(fixed);
-    connect(memo_, &QsciScintilla::textChanged, this, &TfrmIffView::TextChanged);
+    connect(memo_, &QsciScintilla::textChanged, this, [this] {
+        if (!filling_) emit TextChanged();
+    });
     setWidget(memo_);
+    // A view tabbed behind another stays visible to Qt, moved out of sight; this signal tells which.
+    connect(this, &QDockWidget::visibilityChanged, this, [this](bool onScreen) {
+        onScreen_ = onScreen;
+        if (onScreen) FillPending();
+    });
+}
+
+QsciScintilla* TfrmIffView::MemoIff() const {
+    FillPending();
+    return memo_;
 }
 
 QString TfrmIffView::Text() const {
+    // Up to the first zero byte, as the text box's own text() reads.
+    if (hasPending_) return QString::fromUtf8(pending_.c_str());
     return memo_->text();
 }
 
 void TfrmIffView::SetText(const QString& text) {
+    hasPending_ = false;
+    pending_ = std::string();
     memo_->setText(text);
 }
 
 std::string TfrmIffView::TextUtf8() const {
+    if (hasPending_) return pending_;
     const long length = memo_->SendScintilla(QsciScintilla::SCI_GETLENGTH);
     std::string text(static_cast<std::size_t>(length) + 1, '\0');
     memo_->SendScintilla(QsciScintilla::SCI_GETTEXT, static_cast<unsigned long>(length + 1), text.data());
@@ -42,26 +60,48 @@ std::string TfrmIffView::TextUtf8() const {
     return text;
 }
 
-void TfrmIffView::SetTextUtf8(std::string_view text) {
-    // By length, not up to a zero: a zero byte in a unit's string must not cut the text short.
-    memo_->SendScintilla(QsciScintilla::SCI_CLEARALL);
-    memo_->SendScintilla(QsciScintilla::SCI_APPENDTEXT, static_cast<unsigned long>(text.size()), text.data());
-    memo_->SendScintilla(QsciScintilla::SCI_EMPTYUNDOBUFFER);
+void TfrmIffView::SetTextUtf8(std::string text) {
+    pending_ = std::move(text);
+    hasPending_ = true;
+    // A compile's text takes the text box about as long to take in as the compile took, and most of the
+    // time the view sits behind the output list, where nobody reads it.
+    if (onScreen_) FillPending();
+    emit TextChanged();
 }
 
+void TfrmIffView::FillPending() const {
+    if (!hasPending_) return;
+    const std::string text = std::exchange(pending_, std::string());
+    hasPending_ = false;
+    filling_ = true;
+    // Nothing to undo in a fresh text: recording the insertion would only copy megabytes once more.
+    memo_->SendScintilla(QsciScintilla::SCI_SETUNDOCOLLECTION, 0UL);
+    memo_->SendScintilla(QsciScintilla::SCI_CLEARALL);
+    memo_->SendScintilla(QsciScintilla::SCI_ALLOCATE, static_cast<unsigned long>(text.size() + 1));
+    // By length, not up to a zero: a zero byte in a unit's string must not cut the text short.
+    memo_->SendScintilla(QsciScintilla::SCI_APPENDTEXT, static_cast<unsigned long>(text.size()), text.data());
+    memo_->SendScintilla(QsciScintilla::SCI_SETUNDOCOLLECTION, 1UL);
+    memo_->SendScintilla(QsciScintilla::SCI_EMPTYUNDOBUFFER);
+    filling_ = false;
+}
+
+// A text still waiting has its caret at the start, where it will be once in the text box.
 int TfrmIffView::CaretLine() const {
+    if (hasPending_) return 1;
     int line = 0, index = 0;
     memo_->getCursorPosition(&line, &index);
     return line + 1;
 }
 
 int TfrmIffView::CaretColumn() const {
+    if (hasPending_) return 1;
     int line = 0, index = 0;
     memo_->getCursorPosition(&line, &index);
     return index + 1;
 }
 
 void TfrmIffView::SetCaret(int line, int column) {
+    FillPending();
     memo_->setCursorPosition(line, column);
 }
 

@@ -4,7 +4,6 @@
 #include "ide/dockable_view.h"
 
 #include <string>
-#include <string_view>
 
 class QsciScintilla;
 
@@ -18,9 +17,10 @@ public:
 
     QString Text() const;
     void SetText(const QString& text);
-    // The same in UTF-8, without a detour through UTF-16: a compile's text runs to megabytes.
+    // The same in UTF-8, without a detour through UTF-16: a compile's text runs to megabytes. While the
+    // view is hidden the text waits here and goes into the text box when the view is first shown.
     std::string TextUtf8() const;
-    void SetTextUtf8(std::string_view text);
+    void SetTextUtf8(std::string text);
 
     // The caret's line and column, both from 1.
     int CaretLine() const;
@@ -34,13 +34,20 @@ public:
     // rounded to whole characters: the text box cannot stop a tab inside a character cell.
     void SetTabStopDialogUnits(int dialogUnits);
 
-    QsciScintilla* MemoIff() const { return memo_; }
+    QsciScintilla* MemoIff() const;
 
 signals:
     void TextChanged();
 
 private:
-    QsciScintilla* memo_; // the text, owned as a child
+    // Puts a text that waits for the view to be shown into the text box.
+    void FillPending() const;
+
+    QsciScintilla* memo_;         // the text, owned as a child
+    mutable std::string pending_; // a text not yet in the text box
+    mutable bool hasPending_ = false;
+    mutable bool filling_ = false; // the text box's own change signal is not the view's then
+    bool onScreen_ = false;
 };
 
 } // namespace velkor

@@ -1,5 +1,6 @@
 // From the messages of a compile to the Problems view and the marks in the pages.
 #include "ide/edit_page.h"
+#include "ide/file_tree_view.h"
 #include "ide/ide_ini.h"
 #include "ide/main_window.h"
 #include "ide/message_location.h"
@@ -50,7 +51,8 @@ void TfrmMain::PageCompiled(TfrmEdit& page) {
         return FindUnitFile(unit, output_->OriginSearchPath());
     };
     problems_->SetProblems(compiled, CollectProblems(output_->Lines(), fileOfUnit));
-    UpdateFileTree(); // the compile may have found more folders
+    // The compile may have found more folders; a hidden tree looks again when it is shown.
+    if (files_->isVisible()) UpdateFileTree();
     for (TfrmEdit* open : Pages()) {
         TProblemMarkers::Of(*open->Memo()).Clear(compiled);
         PlaceProblemMarkers(*open);

@@ -2,6 +2,10 @@
 // building the binary files.
 #include "tests/ide/edit_page_test_support.h"
 
+#include <Qsci/qsciscintilla.h>
+
+#include <QSignalSpy>
+
 #include <csignal>
 #include <sys/resource.h>
 
@@ -68,6 +72,46 @@ TEST_F(EditPageTest, CompileSavesFillsTheOutputAndTheIffViewAndKeepsTheSymbols) 
     EXPECT_EQ(page->Memo()->ErrorLine(), -1);
     EXPECT_EQ(ReadFile(Dir() / "Demo.pas"), std::string(kDemoMission) + "// saved\r\n");
     EXPECT_FALSE(page->Modified());
+}
+
+// Behind the output list the IFF view holds the compiled text without the text box; the box takes it when
+// the view's tab comes to the front, and reads the same, with the caret at the start and nothing to undo.
+TEST_F(EditPageTest, TheIffViewBehindTheOutputListGetsItsTextWhenItComesToTheFront) {
+    TfrmMain window({});
+    window.show();
+    QApplication::processEvents();
+    TfrmEdit* page = OpenDemo(window, false);
+    ASSERT_NE(page, nullptr);
+    auto* box = window.IffView().findChild<QsciScintilla*>(QStringLiteral("MemoIff"));
+    ASSERT_NE(box, nullptr);
+    window.IffView().BringToFront();
+    QApplication::processEvents();
+    window.IffView().SetText(QStringLiteral("old\nlines\nhere"));
+    window.IffView().SetCaret(2, 3);
+    QSignalSpy changed(&window.IffView(), &TfrmIffView::TextChanged);
+
+    ASSERT_TRUE(page->Compile()) << Output(window);
+    QApplication::processEvents();
+    const QString compiled = window.IffView().Text();
+    EXPECT_TRUE(compiled.startsWith(QStringLiteral("IFF \"Demo.mis\""))) << compiled.toStdString();
+    EXPECT_EQ(window.IffView().TextUtf8(), compiled.toStdString());
+    EXPECT_EQ(changed.count(), 1);
+    window.IffView().UpdateCaption();
+    EXPECT_EQ(window.IffView().windowTitle(), QStringLiteral("Iff [1:1]"));
+    EXPECT_EQ(box->text(), QStringLiteral("old\nlines\nhere")) << "filled while out of sight";
+
+    window.IffView().BringToFront();
+    QApplication::processEvents();
+    EXPECT_EQ(box->text(), compiled);
+    EXPECT_FALSE(box->isUndoAvailable());
+    EXPECT_EQ(changed.count(), 1);
+    window.IffView().UpdateCaption();
+    EXPECT_EQ(window.IffView().windowTitle(), QStringLiteral("Iff [1:1]"));
+
+    // A text set while the view is in sight goes into the box at once.
+    window.IffView().SetTextUtf8("IFF \"Other.mis\"\n");
+    EXPECT_EQ(box->text(), QStringLiteral("IFF \"Other.mis\"\n"));
+    EXPECT_EQ(changed.count(), 2);
 }
 
 TEST_F(EditPageTest, CompileAndBuildWritesTheMissionAndTheSizeLine) {
