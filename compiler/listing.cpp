@@ -1,7 +1,6 @@
 #include "compiler/listing.h"
 
 #include "platform/freed_memory.h"
-#include "platform/huge_pages.h"
 
 #include <algorithm>
 #include <limits>
@@ -123,11 +122,7 @@ TListing::LineId TListing::NewId(std::string_view indent, std::string_view text)
 }
 
 void TListing::Grow() {
-    const std::size_t count = seen_.empty() ? kFirstSlots : 2 * seen_.size();
-    std::vector<std::uint64_t> slots;
-    slots.reserve(count);
-    AdviseHugePages(slots.data(), count * sizeof(std::uint64_t));
-    slots.resize(count);
+    std::vector<std::uint64_t> slots(seen_.empty() ? kFirstSlots : 2 * seen_.size());
     const std::size_t mask = slots.size() - 1;
     for (std::uint64_t slot : seen_) {
         if (slot == 0) continue;

@@ -2,24 +2,13 @@
 
 #include "platform/c_file.h"
 #include "platform/exception.h"
-#include "platform/huge_pages.h"
 
 #include <algorithm>
 
 namespace velkor {
 
-void MemoryStream::Reserve(std::uint64_t bytes) {
-    data_.reserve(static_cast<std::size_t>(bytes));
-    AdviseHugePages(data_.data(), data_.capacity());
-}
-
-void MemoryStream::Grow(std::size_t needed) {
-    Reserve(std::max(needed, 2 * data_.capacity()));
-}
-
 void MemoryStream::Write(std::span<const std::uint8_t> bytes) {
     if (pos_ == data_.size()) { // appending, as nearly every write does: no zero-filling first
-        if (data_.size() + bytes.size() > data_.capacity()) Grow(data_.size() + bytes.size());
         data_.insert(data_.end(), bytes.begin(), bytes.end());
         pos_ = data_.size();
         return;

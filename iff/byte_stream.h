@@ -25,11 +25,9 @@ public:
     const std::vector<std::uint8_t>& Bytes() const { return data_; }
     // Room for that many bytes in all, so that a content whose size is roughly known is not copied again
     // and again as it grows.
-    void Reserve(std::uint64_t bytes);
+    void Reserve(std::uint64_t bytes) { data_.reserve(static_cast<std::size_t>(bytes)); }
 
 private:
-    void Grow(std::size_t needed);
-
     std::vector<std::uint8_t> data_; // the whole content
     std::uint64_t pos_ = 0;          // next write position; writing past the end zero-fills the gap
 };

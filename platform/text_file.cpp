@@ -1,7 +1,6 @@
 #include "platform/text_file.h"
 
 #include "platform/exception.h"
-#include "platform/huge_pages.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -77,7 +76,6 @@ Container ReadAllFrom(const std::filesystem::path& path, std::size_t size, bool 
     std::size_t want = size + 1;
     Container data;
     data.reserve(roomToGrow ? want + want / 2 : want);
-    AdviseHugePages(data.data(), data.capacity());
     std::size_t got = 0;
     for (;;) {
         data.resize(got + want);
