@@ -34,5 +34,13 @@ echo "velkorc.exe and its library units are in $out/"
 if ((test)); then
     ./tests/windows/wine_test.sh "$out/velkorc.exe"
     # In the prefix wine_test.sh made, not the user's: the registry test adds keys of its own.
-    WINEPREFIX=$PWD/build-win/wine WINEDEBUG=-all ctest --test-dir build-win --output-on-failure -j"$(nproc)"
+    # One server for the whole run: one that stops between two test programs can refuse the next start.
+    # Its first program starts Wine's own services, which live as long as the server: started here,
+    # they do not hold a test's output open, and ctest does not wait for them.
+    export WINEPREFIX=$PWD/build-win/wine WINEDEBUG=-all
+    wineserver -k 2>/dev/null || true
+    wineserver -p
+    "$(command -v wine || command -v wine64)" wineboot >/dev/null 2>&1 </dev/null
+    trap 'wineserver -k 2>/dev/null || true' EXIT
+    ctest --test-dir build-win --output-on-failure -j"$(nproc)"
 fi

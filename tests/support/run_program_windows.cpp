@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <stdexcept>
+#include <string>
 
 namespace velkor::test {
 
@@ -86,9 +87,20 @@ ToolResult RunProgram(const std::string& program, const std::vector<std::string>
         si.hStdError = err.Get();
         PROCESS_INFORMATION pi{};
         std::wstring dir = cwd.empty() ? std::wstring() : cwd.wstring();
-        if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                            dir.empty() ? nullptr : dir.c_str(), &si, &pi))
-            throw std::runtime_error("cannot start " + program);
+        // Under Wine a start can fail for a moment while the server restarts between test programs:
+        // a few tries with a pause, and the error code when it still fails.
+        DWORD error = 0;
+        for (int attempt = 0; attempt < 5; ++attempt) {
+            if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                               dir.empty() ? nullptr : dir.c_str(), &si, &pi)) {
+                error = 0;
+                break;
+            }
+            error = GetLastError();
+            Sleep(200 << attempt);
+        }
+        if (error != 0)
+            throw std::runtime_error("cannot start " + program + " (error " + std::to_string(error) + ")");
         Handle process(pi.hProcess);
         Handle thread(pi.hThread);
         WaitForSingleObject(pi.hProcess, INFINITE);
