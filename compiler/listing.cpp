@@ -135,8 +135,9 @@ void TListing::Grow() {
 
 TListing::LineId TListing::IdOf(std::string_view indent, std::string_view text) {
     const std::size_t n = indent.size() + text.size();
+    if (!Shared(n, text)) return NewId(indent, text);
     // The slot's index comes from the upper half too, so that a larger table is filled from the slots alone.
-    if (n > kSharedLineMax || 2 * (seenCount_ + 1) > seen_.size()) return IdOfRare(indent, text);
+    if (2 * (seenCount_ + 1) > seen_.size()) return IdOfRare(indent, text);
     const auto upper = static_cast<std::uint32_t>(LineHash(indent.size(), text) >> 32);
     const std::size_t mask = seen_.size() - 1;
     for (std::size_t at = upper & mask;; at = (at + 1) & mask) {
@@ -158,8 +159,7 @@ TListing::LineId TListing::IdOf(std::string_view indent, std::string_view text) 
 }
 
 TListing::LineId TListing::IdOfRare(std::string_view indent, std::string_view text) {
-    if (indent.size() + text.size() > kSharedLineMax || seen_.size() > (std::size_t{1} << 31))
-        return NewId(indent, text);
+    if (seen_.size() > (std::size_t{1} << 31)) return NewId(indent, text);
     Grow();
     return IdOf(indent, text);
 }

@@ -73,8 +73,8 @@ public:
     // The characters of all lines together: what a writer of the listing has to reserve.
     std::size_t TextSize() const { return textSize_; }
 
-    // Every distinct line has an id below IdCount (a long line may have several); lines of one id read
-    // the same.
+    // Every distinct line has an id below IdCount (a long or quoting line may have several); lines of one id
+    // read the same.
     std::size_t IdCount() const { return texts_.size(); }
     std::string_view TextOf(LineId id) const { return View(texts_[id]); }
 
@@ -118,7 +118,7 @@ private:
     }
     // The id of the line: the one it had before when it is short and was seen, otherwise a new one.
     LineId IdOf(std::string_view indent, std::string_view text);
-    // IdOf for a long line, or when the table is to grow first.
+    // IdOf when the table is to grow first.
     [[gnu::noinline]] LineId IdOfRare(std::string_view indent, std::string_view text);
     // A new short line, whose hash found the empty slot `at`.
     [[gnu::noinline]] LineId Seen(std::string_view indent, std::string_view text, std::size_t at,
@@ -129,8 +129,14 @@ private:
     void Count(LineId id) { ++blocks_[BlockOf(texts_[id])].lines; }
 
     // Short lines are looked up by their hash in an open table: each slot holds the upper half of the hash
-    // and 1 + the id, 0 for an empty slot. Longer lines are rarely repeated and get an id each.
+    // and 1 + the id, 0 for an empty slot. Longer lines are rarely repeated and get an id each; so do lines
+    // that end in a quotation, nearly all of them a label or a jump to one (`goto "12e";`). Kept out, they
+    // leave the table small enough to stay in the cache however long the unit.
     static constexpr std::size_t kSharedLineMax = 64;
+    static bool Shared(std::size_t n, std::string_view text) {
+        const std::size_t k = text.size();
+        return n <= kSharedLineMax && !(k >= 2 && (text[k - 1] == '"' || text[k - 2] == '"'));
+    }
     void ForgetSeen() { seen_ = {}; }
 
     std::vector<Block> blocks_;       // the characters of every line
