@@ -67,66 +67,71 @@ std::size_t TSymbolTable::IndexHash(std::string_view name) {
     for (; n >= 8; p += 8, n -= 8) mix(Word(p, 8));
     if (n > 0) mix(Word(p, n));
     // The last multiply reaches the low bits only from below: names alike but for their last characters
-    // would share home slots and build long probe runs without this final stir.
+    // would share home table and build long probe runs without this final stir.
     h ^= h >> 32;
     h *= 0xD6E8FEB86659FD93u;
     return static_cast<std::size_t>(h ^ (h >> 32));
 }
 
-std::size_t TSymbolTable::SlotOf(std::string_view name, std::size_t hash) const {
-    const std::size_t mask = index_.size() - 1;
-    std::size_t i = hash & mask;
-    for (;;) {
-        const IndexSlot& slot = index_[i];
+std::size_t TSymbolTable::NameIndex::SlotOf(const std::vector<TSymbol>& symbols, std::string_view name,
+                                            std::size_t hash) const {
+    const std::size_t mask = table.size() - 1;
+    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+        const IndexSlot& slot = table[i];
         if (slot.position < 0) return i;
-        if (slot.hash == hash && SameText(symbols_[static_cast<size_t>(slot.position)].Name, name)) return i;
-        i = (i + 1) & mask;
+        if (slot.hash == hash && SameText(symbols[static_cast<size_t>(slot.position)].Name, name)) return i;
     }
+}
+
+int TSymbolTable::NameIndex::Find(const std::vector<TSymbol>& symbols, std::string_view name,
+                                  std::size_t hash) const {
+    return table.empty() ? -1 : table[SlotOf(symbols, name, hash)].position;
+}
+
+void TSymbolTable::NameIndex::Add(const std::vector<TSymbol>& symbols, int position, std::size_t hash) {
+    if (2 * (count + 1) > table.size()) {
+        std::vector<IndexSlot> old(std::max<std::size_t>(64, 2 * table.size()));
+        old.swap(table);
+        const std::size_t mask = table.size() - 1;
+        for (const IndexSlot& slot : old) {
+            if (slot.position < 0) continue;
+            std::size_t i = slot.hash & mask;
+            while (table[i].position >= 0) i = (i + 1) & mask;
+            table[i] = slot;
+        }
+    }
+    IndexSlot& slot = table[SlotOf(symbols, symbols[static_cast<size_t>(position)].Name, hash)];
+    if (slot.position >= 0) return; // an earlier record of that name stays the one found
+    slot = {hash, position};
+    ++count;
+}
+
+void TSymbolTable::NameIndex::Clear() {
+    // A function with many locals leaves a large array behind: emptying it again after every later
+    // function would cost more than growing a new one.
+    if (table.size() > 1024)
+        table = {};
+    else
+        std::fill(table.begin(), table.end(), IndexSlot{});
+    count = 0;
 }
 
 void TSymbolTable::IndexAdd(int position) {
-    if (2 * (indexed_ + 1) > index_.size()) {
-        std::vector<IndexSlot> old(std::max<std::size_t>(64, 2 * index_.size()));
-        old.swap(index_);
-        for (const IndexSlot& slot : old) {
-            if (slot.position < 0) continue;
-            std::size_t i = slot.hash & (index_.size() - 1);
-            while (index_[i].position >= 0) i = (i + 1) & (index_.size() - 1);
-            index_[i] = slot;
-        }
-    }
     const std::string& name = symbols_[static_cast<size_t>(position)].Name;
     const std::size_t hash = IndexHash(name);
-    IndexSlot& slot = index_[SlotOf(name, hash)];
-    if (slot.position >= 0) return; // an earlier record of that name stays the one found
-    slot = {hash, position};
-    ++indexed_;
-}
-
-void TSymbolTable::IndexRemove(int position) {
-    if (index_.empty()) return;
-    const std::string& name = symbols_[static_cast<size_t>(position)].Name;
-    std::size_t hole = SlotOf(name, IndexHash(name));
-    if (index_[hole].position != position) return;
-    // Backward-shift deletion: later slots of the same probe run move up into the hole, so that every
-    // name stays reachable from its home slot without markers for deleted entries.
-    const std::size_t mask = index_.size() - 1;
-    for (std::size_t j = (hole + 1) & mask; index_[j].position >= 0; j = (j + 1) & mask) {
-        const std::size_t home = index_[j].hash & mask;
-        // The entry at j may fill the hole unless its home lies cyclically in (hole, j].
-        const bool homeBetween = hole <= j ? (hole < home && home <= j) : (hole < home || home <= j);
-        if (homeBetween) continue;
-        index_[hole] = index_[j];
-        hole = j;
+    if (firstLocal_ < 0 || position < firstLocal_) {
+        index_.Add(symbols_, position, hash);
+        return;
     }
-    index_[hole] = {};
-    --indexed_;
+    // index_ does not change while there are locals, so a name found there now is found there first.
+    if (index_.Find(symbols_, name, hash) < 0) localIndex_.Add(symbols_, position, hash);
 }
 
 int TSymbolTable::Find(std::string_view name) const {
-    if (index_.empty()) return -1;
     name = name.substr(0, kShortStringMax);
-    return index_[SlotOf(name, IndexHash(name))].position;
+    const std::size_t hash = IndexHash(name);
+    const int local = localIndex_.Find(symbols_, name, hash);
+    return local >= 0 ? local : index_.Find(symbols_, name, hash);
 }
 
 const TSymbol& TSymbolTable::Get(int index) const {
@@ -145,14 +150,14 @@ int TSymbolTable::CountOfKind(std::int32_t kind) const {
 
 void TSymbolTable::Reindex() {
     ++generation_;
-    index_.clear();
-    indexed_ = 0;
+    index_ = {};
+    localIndex_ = {};
     kindCounts_.clear();
     firstLocal_ = -1;
     for (int i = 0; i < Count(); ++i) {
+        if (firstLocal_ < 0 && IsLocalKind(symbols_[static_cast<size_t>(i)].Kind)) firstLocal_ = i;
         IndexAdd(i);
         ++kindCounts_[symbols_[static_cast<size_t>(i)].Kind];
-        if (firstLocal_ < 0 && IsLocalKind(symbols_[static_cast<size_t>(i)].Kind)) firstLocal_ = i;
     }
 }
 
@@ -165,8 +170,9 @@ void TSymbolTable::RemoveLocals() {
     if (firstLocal_ < 0) return;
     ++generation_;
     const auto first = static_cast<size_t>(firstLocal_);
-    // Unhook every record from the first local on, then put the survivors back at their new positions.
-    for (size_t i = first; i < symbols_.size(); ++i) IndexRemove(static_cast<int>(i));
+    // Every record from the first local on leaves the index; the survivors come back at their new positions.
+    localIndex_.Clear();
+    firstLocal_ = -1;
     size_t out = first;
     for (size_t i = first; i < symbols_.size(); ++i) {
         if (IsLocalKind(symbols_[i].Kind)) {
@@ -178,7 +184,6 @@ void TSymbolTable::RemoveLocals() {
         ++out;
     }
     symbols_.resize(out);
-    firstLocal_ = -1;
 }
 
 namespace {

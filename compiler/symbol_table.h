@@ -88,25 +88,38 @@ public:
 private:
     void Reindex();
 
-    // The index: for each name, the position of its first record. Open addressing with linear probing in
-    // one array, because a compile looks up a name for nearly every operand and a node-based map spent that
-    // time chasing pointers. Names are hashed and compared without regard to ASCII case, so a name is looked
-    // up as written, without an upper-case copy; the records' names are upper-cased, so the same are found.
+    // An index of names: for each, the position of its first record. Open addressing with linear probing
+    // in one array, because a compile looks up a name for nearly every operand and a node-based map spent
+    // that time chasing pointers. Names are hashed and compared without regard to ASCII case, so a name is
+    // looked up as written, without an upper-case copy; the records' names are upper-cased, so the same
+    // are found.
     struct IndexSlot {
         std::size_t hash = 0; // the name's hash
         int position = -1;    // its first record; -1 for an empty slot
     };
+    struct NameIndex {
+        std::vector<IndexSlot> table; // a power of two in size, at most half full; empty before any name
+        std::size_t count = 0;        // names in it
+
+        // The first record of the name, or -1.
+        int Find(const std::vector<TSymbol>& symbols, std::string_view name, std::size_t hash) const;
+        // Indexes the record unless its name is there already.
+        void Add(const std::vector<TSymbol>& symbols, int position, std::size_t hash);
+        void Clear();
+
+    private:
+        // The slot that holds the name, or the empty slot where it would go.
+        std::size_t SlotOf(const std::vector<TSymbol>& symbols, std::string_view name,
+                           std::size_t hash) const;
+    };
     static std::size_t IndexHash(std::string_view name);
-    // The slot that holds the name, or the empty slot where it would go.
-    std::size_t SlotOf(std::string_view name, std::size_t hash) const;
-    // Indexes the record unless its name already has an earlier one.
     void IndexAdd(int position);
-    // Forgets the record's name when the record is the one its name is indexed by.
-    void IndexRemove(int position);
 
     std::vector<TSymbol> symbols_; // in declaration order
-    std::vector<IndexSlot> index_; // a power of two in size, at most half full; empty before any record
-    std::size_t indexed_ = 0;      // names in the index
+    // The records of a function's locals come and go with it. An index of their own, emptied with them,
+    // stays small and in the cache, where their slots in the unit's index would be new ones each function.
+    NameIndex index_;      // the records before the first local
+    NameIndex localIndex_; // the records from the first local on whose names are not in index_
     std::unordered_map<std::int32_t, int> kindCounts_; // records per kind
     std::uint64_t generation_ = 0;                     // see Generation
     int firstLocal_ = -1; // position of the first function-local record, -1 when none: RemoveLocals only
