@@ -133,12 +133,54 @@ void TListing::Grow() {
     seen_ = std::move(slots);
 }
 
-TListing::LineId TListing::IdOf(std::string_view indent, std::string_view text) {
+TListing::LineId TListing::Put(std::string_view indent, std::string_view text) {
     const std::size_t n = indent.size() + text.size();
-    if (!Shared(n, text)) return NewId(indent, text);
+    LineId id = 0;
+    if (!Shared(n, text)) {
+        id = NewId(indent, text);
+    } else {
+        const std::uint64_t hash = LineHash(indent.size(), text);
+        if (n > kRecentChars) {
+            bool found = false;
+            id = IdOf(indent, text, hash, found);
+        } else {
+            if (!recent_) recent_ = std::make_unique<Recent[]>(kRecent);
+            Recent& recent = recent_[hash & (kRecent - 1)];
+            if (recent.length != n || !SameChars(recent.chars, indent.data(), indent.size()) ||
+                !SameChars(recent.chars + indent.size(), text.data(), text.size()))
+                return PutAndRecall(indent, text, hash);
+            if (!recent.marked) {
+                texts_[recent.id] |= kRepeatedBit;
+                recent.marked = true;
+            }
+            ++blocks_[recent.block].lines;
+            return recent.id;
+        }
+    }
+    Count(id);
+    return id;
+}
+
+TListing::LineId TListing::PutAndRecall(std::string_view indent, std::string_view text, std::uint64_t hash) {
+    bool found = false;
+    const LineId id = IdOf(indent, text, hash, found);
+    Recent& recent = recent_[hash & (kRecent - 1)];
+    recent.id = id;
+    recent.block = static_cast<std::uint32_t>(BlockOf(texts_[id]));
+    recent.length = static_cast<std::uint8_t>(indent.size() + text.size());
+    recent.marked = found;
+    std::copy_n(indent.data(), indent.size(), recent.chars);
+    std::copy_n(text.data(), text.size(), recent.chars + indent.size());
+    ++blocks_[recent.block].lines;
+    return id;
+}
+
+TListing::LineId TListing::IdOf(std::string_view indent, std::string_view text, std::uint64_t hash,
+                                bool& found) {
     // The slot's index comes from the upper half too, so that a larger table is filled from the slots alone.
-    if (2 * (seenCount_ + 1) > seen_.size()) return IdOfRare(indent, text);
-    const auto upper = static_cast<std::uint32_t>(LineHash(indent.size(), text) >> 32);
+    if (2 * (seenCount_ + 1) > seen_.size()) return IdOfRare(indent, text, hash, found);
+    const std::size_t n = indent.size() + text.size();
+    const auto upper = static_cast<std::uint32_t>(hash >> 32);
     const std::size_t mask = seen_.size() - 1;
     for (std::size_t at = upper & mask;; at = (at + 1) & mask) {
         const std::uint64_t slot = seen_[at];
@@ -153,15 +195,17 @@ TListing::LineId TListing::IdOf(std::string_view indent, std::string_view text) 
         if (SameChars(line, indent.data(), indent.size()) &&
             SameChars(line + indent.size(), text.data(), text.size())) {
             ref |= kRepeatedBit;
+            found = true;
             return id;
         }
     }
 }
 
-TListing::LineId TListing::IdOfRare(std::string_view indent, std::string_view text) {
+TListing::LineId TListing::IdOfRare(std::string_view indent, std::string_view text, std::uint64_t hash,
+                                    bool& found) {
     if (seen_.size() > (std::size_t{1} << 31)) return NewId(indent, text);
     Grow();
-    return IdOf(indent, text);
+    return IdOf(indent, text, hash, found);
 }
 
 TListing::LineId TListing::Seen(std::string_view indent, std::string_view text, std::size_t at,
@@ -177,9 +221,7 @@ void TListing::push_back(std::string_view line) {
 }
 
 void TListing::push_back(std::string_view indent, std::string_view text) {
-    const LineId id = IdOf(indent, text);
-    lines_.push_back(id);
-    Count(id);
+    lines_.push_back(Put(indent, text));
     textSize_ += indent.size() + text.size();
 }
 
@@ -187,9 +229,7 @@ void TListing::insert(std::size_t index, const std::vector<std::string>& lines) 
     std::vector<LineId> ids;
     ids.reserve(lines.size());
     for (const auto& line : lines) {
-        const LineId id = IdOf({}, line);
-        ids.push_back(id);
-        Count(id);
+        ids.push_back(Put({}, line));
         textSize_ += line.size();
     }
     const auto before = lines_.begin() + static_cast<std::ptrdiff_t>(std::min(index, lines_.size()));

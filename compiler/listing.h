@@ -116,13 +116,19 @@ private:
     static std::size_t BlockOf(LineRef line) {
         return static_cast<std::size_t>((line & ~kRepeatedBit) >> 40);
     }
-    // The id of the line: the one it had before when it is short and was seen, otherwise a new one.
-    LineId IdOf(std::string_view indent, std::string_view text);
+    // The id of the line, counted in its block: the one it had before when it is shared and was seen,
+    // otherwise a new one.
+    LineId Put(std::string_view indent, std::string_view text);
+    // A shared line's id from the table; `found` tells whether it was there before.
+    LineId IdOf(std::string_view indent, std::string_view text, std::uint64_t hash, bool& found);
     // IdOf when the table is to grow first.
-    [[gnu::noinline]] LineId IdOfRare(std::string_view indent, std::string_view text);
-    // A new short line, whose hash found the empty slot `at`.
+    [[gnu::noinline]] LineId IdOfRare(std::string_view indent, std::string_view text, std::uint64_t hash,
+                                      bool& found);
+    // A new shared line, whose hash found the empty slot `at`.
     [[gnu::noinline]] LineId Seen(std::string_view indent, std::string_view text, std::size_t at,
                                   std::uint32_t upper);
+    // Put for a line that fits a recent entry but is not the one there: it takes the entry's place.
+    [[gnu::noinline]] LineId PutAndRecall(std::string_view indent, std::string_view text, std::uint64_t hash);
     LineId NewId(std::string_view indent, std::string_view text);
     void Grow();
     // One more line of the listing has the id.
@@ -137,14 +143,33 @@ private:
         const std::size_t k = text.size();
         return n <= kSharedLineMax && !(k >= 2 && (text[k - 1] == '"' || text[k - 2] == '"'));
     }
-    void ForgetSeen() { seen_ = {}; }
 
-    std::vector<Block> blocks_;       // the characters of every line
-    std::deque<LineId> lines_;        // the lines in order
-    std::vector<LineRef> texts_;      // each id's line
-    std::vector<std::uint64_t> seen_; // the short lines' ids by hash
-    std::size_t seenCount_ = 0;       // slots taken
-    std::size_t textSize_ = 0;        // characters of all lines
+    // The shared lines met lately, one per entry by the low bits of their hash. Finding a line in the table
+    // reads three places (its slot, its reference, its characters); in a large unit the lines that repeat
+    // are too many to keep all three in the cache, and an entry here holds in one cache line everything a
+    // repeated line needs.
+    static constexpr std::size_t kRecentChars = 54;
+    struct alignas(64) Recent {
+        LineId id = 0;                 // the line's id
+        std::uint32_t block = 0;       // the block of its characters
+        std::uint8_t length = kEmpty;  // its characters, kEmpty for an entry not used yet
+        bool marked = false;           // its reference carries kRepeatedBit already
+        char chars[kRecentChars] = {}; // the line
+        static constexpr std::uint8_t kEmpty = 0xFF;
+    };
+    static constexpr std::size_t kRecent = 4096;
+    void ForgetSeen() {
+        seen_ = {};
+        recent_.reset();
+    }
+
+    std::vector<Block> blocks_;        // the characters of every line
+    std::deque<LineId> lines_;         // the lines in order
+    std::vector<LineRef> texts_;       // each id's line
+    std::vector<std::uint64_t> seen_;  // the short lines' ids by hash
+    std::unique_ptr<Recent[]> recent_; // kRecent entries once a shared line came, none before
+    std::size_t seenCount_ = 0;        // slots taken
+    std::size_t textSize_ = 0;         // characters of all lines
 };
 
 class TListing::Feed : public SplicedLines {
