@@ -557,7 +557,7 @@ def main():
         text = os.path.getsize(os.path.join(d, "bench.txt"))
         hexsize = os.path.getsize(os.path.join(d, "bench.hex"))
         (secs, cpu, peak), (xsecs, _, _) = paired([velkorc, "asm", "bench.txt"], ["xxd", "-r", "-p", "bench.hex"], d,
-                                                  3 if factor == 1 else 2, outputs=("bench.iff",),
+                                                  3, outputs=("bench.iff",),
                                                   anchor_stdout="bench.bin")
         times[("asm", factor)] = (secs, cpu)
         with open(os.path.join(d, "bench.iff"), "rb") as a, open(os.path.join(d, "bench.bin"), "rb") as b:
