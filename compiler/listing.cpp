@@ -144,11 +144,17 @@ TListing::LineId TListing::Put(std::string_view indent, std::string_view text) {
             bool found = false;
             id = IdOf(indent, text, hash, found);
         } else {
-            if (!recent_) recent_ = std::make_unique<Recent[]>(kRecent);
-            Recent& recent = recent_[hash & (kRecent - 1)];
-            if (recent.length != n || !SameChars(recent.chars, indent.data(), indent.size()) ||
-                !SameChars(recent.chars + indent.size(), text.data(), text.size()))
-                return PutAndRecall(indent, text, hash);
+            if (!recent_) recent_ = std::make_unique<Recent[]>(2 * kRecentSets);
+            Recent* set = &recent_[2 * (hash & (kRecentSets - 1))];
+            auto holds = [&](const Recent& r) {
+                return r.length == n && SameChars(r.chars, indent.data(), indent.size()) &&
+                       SameChars(r.chars + indent.size(), text.data(), text.size());
+            };
+            if (!holds(set[0])) {
+                if (!holds(set[1])) return PutAndRecall(indent, text, hash);
+                std::swap(set[0], set[1]); // the one met last goes first
+            }
+            Recent& recent = set[0];
             if (!recent.marked) {
                 texts_[recent.id] |= kRepeatedBit;
                 recent.marked = true;
@@ -164,7 +170,9 @@ TListing::LineId TListing::Put(std::string_view indent, std::string_view text) {
 TListing::LineId TListing::PutAndRecall(std::string_view indent, std::string_view text, std::uint64_t hash) {
     bool found = false;
     const LineId id = IdOf(indent, text, hash, found);
-    Recent& recent = recent_[hash & (kRecent - 1)];
+    Recent* set = &recent_[2 * (hash & (kRecentSets - 1))];
+    set[1] = set[0]; // the one met less lately makes room
+    Recent& recent = set[0];
     recent.id = id;
     recent.block = static_cast<std::uint32_t>(BlockOf(texts_[id]));
     recent.length = static_cast<std::uint8_t>(indent.size() + text.size());

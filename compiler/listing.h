@@ -144,10 +144,10 @@ private:
         return n <= kSharedLineMax && !(k >= 2 && (text[k - 1] == '"' || text[k - 2] == '"'));
     }
 
-    // The shared lines met lately, one per entry by the low bits of their hash. Finding a line in the table
-    // reads three places (its slot, its reference, its characters); in a large unit the lines that repeat
-    // are too many to keep all three in the cache, and an entry here holds in one cache line everything a
-    // repeated line needs.
+    // The shared lines met lately, two to a set chosen by the low bits of their hash. Finding a line in the
+    // table reads three places (its slot, its reference, its characters); in a large unit the lines that
+    // repeat are too many to keep all three in the cache, and an entry here holds in one cache line
+    // everything a repeated line needs.
     static constexpr std::size_t kRecentChars = 54;
     struct alignas(64) Recent {
         LineId id = 0;                 // the line's id
@@ -157,7 +157,7 @@ private:
         char chars[kRecentChars] = {}; // the line
         static constexpr std::uint8_t kEmpty = 0xFF;
     };
-    static constexpr std::size_t kRecent = 4096;
+    static constexpr std::size_t kRecentSets = 4096;
     void ForgetSeen() {
         seen_ = {};
         recent_.reset();
@@ -167,7 +167,7 @@ private:
     std::deque<LineId> lines_;         // the lines in order
     std::vector<LineRef> texts_;       // each id's line
     std::vector<std::uint64_t> seen_;  // the short lines' ids by hash
-    std::unique_ptr<Recent[]> recent_; // kRecent entries once a shared line came, none before
+    std::unique_ptr<Recent[]> recent_; // 2 * kRecentSets entries once a shared line came, none before
     std::size_t seenCount_ = 0;        // slots taken
     std::size_t textSize_ = 0;         // characters of all lines
 };
