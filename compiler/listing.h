@@ -127,7 +127,7 @@ private:
     // A new shared line, whose hash found the empty slot `at`.
     [[gnu::noinline]] LineId Seen(std::string_view indent, std::string_view text, std::size_t at,
                                   std::uint32_t upper);
-    // Put for a line that fits a recent entry but is not the one there: it takes the entry's place.
+    // Put for a line that fits a recent entry but is in neither of its set: it takes the first place.
     [[gnu::noinline]] LineId PutAndRecall(std::string_view indent, std::string_view text, std::uint64_t hash);
     LineId NewId(std::string_view indent, std::string_view text);
     void Grow();

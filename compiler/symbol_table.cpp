@@ -67,7 +67,7 @@ std::size_t TSymbolTable::IndexHash(std::string_view name) {
     for (; n >= 8; p += 8, n -= 8) mix(Word(p, 8));
     if (n > 0) mix(Word(p, n));
     // The last multiply reaches the low bits only from below: names alike but for their last characters
-    // would share home table and build long probe runs without this final stir.
+    // would share home slots and build long probe runs without this final stir.
     h ^= h >> 32;
     h *= 0xD6E8FEB86659FD93u;
     return static_cast<std::size_t>(h ^ (h >> 32));
