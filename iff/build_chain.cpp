@@ -1,6 +1,7 @@
 #include "iff/build_chain.h"
 
 #include "iff/iff_compiler.h"
+#include "iff/iff_writer.h"
 #include "platform/atomic_file_writer.h"
 #include "platform/exception.h"
 
@@ -20,6 +21,26 @@ std::optional<std::string> AssembleToFiles(TIffCompiler& assembler, const BuildO
             outputs.Failed(e.what());
         }
     };
+    if (!outputs.Write) {
+        assembler.OnPlaceOutput =
+            [&outputs](const std::string& name) -> std::optional<std::filesystem::path> {
+            try {
+                return outputs.Place(name);
+            } catch (const EInOutError&) {
+                return std::nullopt; // placed again at the block's end, where its failure is reported
+            }
+        };
+        assembler.OnFileOutput = [&outputs](TIffWriter& writer, const std::string& name) {
+            try {
+                const auto size = static_cast<std::size_t>(writer.GetPosition());
+                writer.Close();
+                if (outputs.Report) outputs.Report(name, writer.FileName(), size);
+            } catch (const EInOutError& e) {
+                if (!outputs.Failed) throw;
+                outputs.Failed(e.what());
+            }
+        };
+    }
     try {
         assembler.Compile();
     } catch (const EIffCompiler& e) {

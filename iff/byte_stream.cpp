@@ -47,4 +47,48 @@ void FileStream::Close() {
     if (!ok) throw EInOutError("Cannot write file \"" + path_.string() + "\"");
 }
 
+SpoolStream::SpoolStream(const std::filesystem::path& target) : file_(target), spools_(file_.Replaces()) {
+    window_.reserve(kWindow);
+}
+
+template <class Op>
+void SpoolStream::ToFile(Op write) {
+    if (!failure_.empty()) return;
+    try {
+        write();
+    } catch (const EInOutError& e) {
+        failure_ = e.what();
+    }
+}
+
+void SpoolStream::Flush() {
+    ToFile([this] { file_.Write(window_); });
+    flushed_ += window_.size();
+    window_.clear();
+}
+
+void SpoolStream::Write(std::span<const std::uint8_t> bytes) {
+    const std::uint64_t end = flushed_ + window_.size();
+    if (pos_ > end) window_.resize(static_cast<std::size_t>(pos_ - flushed_)); // the gap reads as zeros
+    if (pos_ < flushed_) {                                                     // a size behind the window
+        const std::size_t part =
+            static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), flushed_ - pos_));
+        ToFile([&] { file_.Overwrite(pos_, bytes.first(part)); });
+        bytes = bytes.subspan(part);
+        pos_ += part;
+    }
+    const auto at = static_cast<std::size_t>(pos_ - flushed_);
+    const std::size_t over = std::min(bytes.size(), window_.size() - at);
+    std::copy_n(bytes.begin(), over, window_.begin() + static_cast<std::ptrdiff_t>(at));
+    window_.insert(window_.end(), bytes.begin() + static_cast<std::ptrdiff_t>(over), bytes.end());
+    pos_ += bytes.size();
+    if (spools_ && window_.size() >= kWindow) Flush();
+}
+
+void SpoolStream::Commit() {
+    Flush();
+    if (!failure_.empty()) throw EInOutError(failure_);
+    file_.Commit();
+}
+
 } // namespace velkor

@@ -1,10 +1,14 @@
-// The seekable byte sinks the IFF writer writes into: a growing memory buffer, or a file.
+// The seekable byte sinks the IFF writer writes into: a growing memory buffer, a file, or a file replaced
+// atomically once written.
 #pragma once
+
+#include "platform/atomic_file_writer.h"
 
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace velkor {
@@ -48,6 +52,37 @@ private:
     std::filesystem::path path_;
     std::FILE* file_ = nullptr;
     std::uint64_t pos_ = 0;
+};
+
+// Hands its bytes to an AtomicFileWriter a window at a time: a large output is not held in memory, and it
+// reaches the file while it is still in the cache. A size patched behind the window goes to the file.
+// A target written in place (a device) cannot be written over, and gets everything at Commit.
+class SpoolStream final : public ByteStream {
+public:
+    static constexpr std::size_t kWindow = std::size_t{256} << 10;
+
+    // Creates the temporary file. Throws EInOutError.
+    explicit SpoolStream(const std::filesystem::path& target);
+    void Write(std::span<const std::uint8_t> bytes) override;
+    void Seek(std::uint64_t position) override { pos_ = position; }
+    std::uint64_t Position() const override { return pos_; }
+    // Replaces the target. Throws EInOutError, the first write that failed if one did: until then the
+    // writer's user goes on as if writing to memory, and learns of the failure where a write from memory
+    // would have failed.
+    void Commit();
+
+private:
+    void Flush();
+    // Runs a write to the file unless one failed before; keeps the failure.
+    template <class Op>
+    void ToFile(Op write);
+
+    AtomicFileWriter file_;
+    std::vector<std::uint8_t> window_; // the bytes from flushed_ on
+    std::uint64_t flushed_ = 0;        // bytes handed to the file
+    std::uint64_t pos_ = 0;            // next write position
+    std::string failure_;              // the message of the first failed write
+    bool spools_;                      // false for a target written in place
 };
 
 } // namespace velkor

@@ -144,14 +144,8 @@ void TIffCompiler::Run() {
 
 void TIffCompiler::OutputBlock() {
     outputName_ = WithoutLineMarkers(tokens_.ReadName("<filename>"));
-    writer_ = std::make_unique<TIffWriter>("_velkor.iff", TIffWriter::InMemory);
-    // What a block assembles is usually smaller than the text that is left; room that stays unwritten
-    // costs address space only. The cap keeps a huge text from asking for that much at once.
-    constexpr std::size_t kMaxReserve = std::size_t{256} << 20;
-    const std::size_t read = static_cast<std::size_t>(std::max(tokens_.Scanner().Position(), 0));
-    const std::size_t size = tokens_.Scanner().Text().size();
-    writer_->Reserve(std::min(size - std::min(read, size) + tokens_.SplicedCharsLeft(), kMaxReserve));
     tokens_.Expect("{");
+    OpenBlockWriter();
     while (!tokens_.PeekIs('}')) {
         const std::string_view keyword = tokens_.Peek();
         if (SameText(keyword, "form")) {
@@ -168,12 +162,44 @@ void TIffCompiler::OutputBlock() {
     tokens_.Expect("}");
     // The text was cut inside the block that holds the listing: no block may go out without it.
     if (tokens_.SplicePending()) Error("the instruction listing was not reached");
+    if (streamed_) {
+        handingOver_ = true;
+        OnFileOutput(*writer_, outputName_);
+        handingOver_ = false;
+        writer_.reset();
+        return;
+    }
     if (!OnBinaryOutput) Error("Output callback not assigned!");
     handingOver_ = true;
     OnBinaryOutput(writer_->Bytes(), outputName_);
     handingOver_ = false;
     writer_->Discard();
     writer_.reset();
+}
+
+void TIffCompiler::OpenBlockWriter() {
+    streamed_ = false;
+    if (OnPlaceOutput && OnFileOutput) {
+        handingOver_ = true;
+        const std::optional<std::filesystem::path> target = OnPlaceOutput(outputName_);
+        handingOver_ = false;
+        if (target) {
+            try {
+                writer_ = std::make_unique<TIffWriter>(*target, TIffWriter::Atomic);
+                streamed_ = true;
+                return;
+            } catch (const EInOutError&) {
+                // Kept in memory: writing it at the end meets the same fault and reports it there.
+            }
+        }
+    }
+    writer_ = std::make_unique<TIffWriter>("_velkor.iff", TIffWriter::InMemory);
+    // What a block assembles is usually smaller than the text that is left; room that stays unwritten
+    // costs address space only. The cap keeps a huge text from asking for that much at once.
+    constexpr std::size_t kMaxReserve = std::size_t{256} << 20;
+    const std::size_t read = static_cast<std::size_t>(std::max(tokens_.Scanner().Position(), 0));
+    const std::size_t size = tokens_.Scanner().Text().size();
+    writer_->Reserve(std::min(size - std::min(read, size) + tokens_.SplicedCharsLeft(), kMaxReserve));
 }
 
 void TIffCompiler::ConstSection() {

@@ -1,7 +1,7 @@
 // Assembles textual IFF (forms, chunks, typed values, constants, types and WCP_ASM instruction listings) into
-// binary IFF. Every finished output block is handed to OnBinaryOutput; the assembler never writes the target
-// file itself. The first error ends the run: it is reported as "[error] line N: <text>" and raised as
-// EIffCompiler with that text.
+// binary IFF. Every finished output block is handed to OnBinaryOutput, or written as it is assembled into a
+// temporary file that the caller's OnFileOutput puts in place of the target. The first error ends the run:
+// it is reported as "[error] line N: <text>" and raised as EIffCompiler with that text.
 #pragma once
 
 #include "iff/iff_token_source.h"
@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,7 +56,13 @@ public:
 
     MessageCallback OnMessage;           // receives the error lines, at level 0
     BinaryOutputCallback OnBinaryOutput; // receives each finished output file
-    NameHashedCallback OnNameHashed;     // receives every crc32 value's text with its checksum
+    // Optional, for a build that writes its files while it assembles them: where the block of that name
+    // goes, or nothing to keep it in memory for OnBinaryOutput. A block whose file cannot be created is
+    // kept in memory too, so that its fault is met where it would be without this.
+    std::function<std::optional<std::filesystem::path>(const std::string& fileName)> OnPlaceOutput;
+    // Receives each block written so, its writer to be closed, which replaces the file.
+    std::function<void(TIffWriter& writer, const std::string& fileName)> OnFileOutput;
+    NameHashedCallback OnNameHashed; // receives every crc32 value's text with its checksum
 
     // Rows of plain numbers (BYTE, WORD, LONG) are read straight from the text, and a text made of nothing
     // else is read in blocks as it comes; off, every item takes the general token path. Both give the same
@@ -87,6 +94,8 @@ private:
     // The textual-IFF grammar.
     void Run();
     void OutputBlock();
+    // The writer of a block: into its file by way of OnPlaceOutput, or into memory.
+    void OpenBlockWriter();
     void ConstSection();
     void TypeSection();
     void Form();
@@ -112,9 +121,10 @@ private:
     std::filesystem::path baseFolder_;   // where relative FILE names are looked up
     std::string outputName_;             // the output file of the block being assembled
     std::unique_ptr<TIffWriter> writer_; // the writer of the block being assembled
+    bool streamed_ = false;              // writer_ writes the block's file as it goes
     IffTokenSource tokens_{OnMessage};   // tokens, constants and the error path of the run
     TNameTable types_;                   // type aliases by name checksum
-    bool handingOver_ = false;           // true while OnBinaryOutput runs
+    bool handingOver_ = false;           // true while an output callback runs
     std::vector<std::uint8_t> pending_;  // items of the value being assembled
     WcpLineMemo wcpLines_;               // the words of listing lines assembled before
 };

@@ -46,6 +46,8 @@ TIffWriter::TIffWriter(std::filesystem::path fileName, Mode mode)
     : fileName_(std::move(fileName)), mode_(mode) {
     if (mode_ == ToFile)
         stream_ = std::make_unique<FileStream>(fileName_);
+    else if (mode_ == Atomic)
+        stream_ = std::make_unique<SpoolStream>(fileName_);
     else
         stream_ = std::make_unique<MemoryStream>();
 }
@@ -119,6 +121,7 @@ std::uint64_t TIffWriter::CloseForm() {
 }
 
 void TIffWriter::Save() {
+    if (mode_ == Atomic) static_cast<SpoolStream*>(stream_.get())->Commit();
     if (mode_ != InMemory) return;
     WriteFileAtomic(fileName_, static_cast<MemoryStream*>(stream_.get())->Bytes());
 }
@@ -133,6 +136,7 @@ void TIffWriter::Close() {
 
 void TIffWriter::Discard() {
     stream_.reset();
+    if (mode_ == Atomic) return;
     std::error_code ec;
     if (std::filesystem::exists(fileName_, ec)) std::filesystem::remove(fileName_, ec);
 }

@@ -46,10 +46,12 @@ protected:
 
 class TIffWriter final : public TBasicWriter {
 public:
-    enum Mode : std::uint8_t { InMemory = 0, ToFile = 1 };
+    enum Mode : std::uint8_t { InMemory = 0, ToFile = 1, Atomic = 2 };
 
     // InMemory keeps the bytes until Save writes them to fileName; ToFile creates (or truncates) the
-    // file at once and writes straight to it.
+    // file at once and writes straight to it; Atomic writes a temporary file beside it as it goes, and
+    // Save replaces the file with it (EInOutError when any write failed). Throws EInOutError when the
+    // file cannot be created.
     TIffWriter(std::filesystem::path fileName, Mode mode);
     ~TIffWriter() override = default;
 
@@ -63,7 +65,7 @@ public:
     // The original "Destroy": refuses while a form is open, then saves and closes the stream.
     void Close();
     // The discard destructor: drops the stream and deletes a file of the writer's name if one exists,
-    // so a failed output leaves nothing behind.
+    // so a failed output leaves nothing behind. Atomic leaves the file as it was.
     void Discard();
 
     // The bytes written so far (memory mode).

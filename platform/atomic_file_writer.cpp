@@ -54,6 +54,17 @@ int OpenFile(const fs::path& p, int flags, int mode) {
 long WriteSome(int fd, const char* data, std::size_t size) {
     return ::_write(fd, data, static_cast<unsigned>(std::min<std::size_t>(size, 1u << 30)));
 }
+// Only a temporary file of this process is written at an offset, so moving its file position and back
+// races with nothing.
+long WriteSomeAt(int fd, const char* data, std::size_t size, std::uint64_t at) {
+    const __int64 end = ::_lseeki64(fd, 0, SEEK_END);
+    if (end < 0 || ::_lseeki64(fd, static_cast<__int64>(at), SEEK_SET) < 0) return -1;
+    const long n = WriteSome(fd, data, size);
+    const int error = errno;
+    if (::_lseeki64(fd, end, SEEK_SET) < 0) return -1;
+    errno = error;
+    return n;
+}
 int SyncFile(int fd) {
     return ::_commit(fd);
 }
@@ -92,6 +103,9 @@ int OpenFile(const fs::path& p, int flags, int mode) {
 }
 long WriteSome(int fd, const char* data, std::size_t size) {
     return static_cast<long>(::write(fd, data, size));
+}
+long WriteSomeAt(int fd, const char* data, std::size_t size, std::uint64_t at) {
+    return static_cast<long>(::pwrite(fd, data, size, static_cast<off_t>(at)));
 }
 int SyncFile(int fd) {
     return ::fsync(fd);
@@ -244,6 +258,22 @@ void AtomicFileWriter::Write(std::string_view text) {
         WriteOut(text);
     else
         buffer_ += text;
+}
+
+void AtomicFileWriter::Overwrite(std::uint64_t at, std::span<const std::uint8_t> bytes) {
+    if (fd_ < 0 || !Replaces() || at + bytes.size() > written_ + buffer_.size())
+        Fail("Cannot write file", EBADF);
+    auto data = std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    while (!data.empty() && at < written_) {
+        const std::size_t part =
+            static_cast<std::size_t>(std::min<std::uint64_t>(data.size(), written_ - at));
+        const long n = WriteSomeAt(fd_, data.data(), part, at);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) Fail("Cannot write file", n < 0 ? errno : ENOSPC);
+        data.remove_prefix(static_cast<std::size_t>(n));
+        at += static_cast<std::uint64_t>(n);
+    }
+    if (!data.empty()) buffer_.replace(static_cast<std::size_t>(at - written_), data.size(), data);
 }
 
 void AtomicFileWriter::Flush() {

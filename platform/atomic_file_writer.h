@@ -33,6 +33,11 @@ public:
 
     void Write(std::span<const std::uint8_t> bytes);
     void Write(std::string_view text);
+    // Writes over bytes written before, from `at` on; all of them must have been written. Only a writer
+    // that Replaces may: a device or a FIFO cannot go back.
+    void Overwrite(std::uint64_t at, std::span<const std::uint8_t> bytes);
+    // Writes a temporary file that Commit renames over the target, rather than the target in place.
+    bool Replaces() const { return !tmp_.empty(); }
     // Puts everything written on the disk and closes the file without replacing the target yet, so that
     // many files can be made ready and then committed together without holding a handle each.
     void Close();

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <filesystem>
+#include <random>
 #include <string>
 
 namespace velkor {
@@ -144,6 +146,84 @@ TEST(IffWriter, FileModeWritesStraightAndDiscardDeletes) {
         w.Close();
     }
     EXPECT_EQ(test::ReadFile(path), std::string("FORM\0\0\0\4SAVE", 12));
+}
+
+// A spooled file must read as the memory stream given the same writes: appends of every size around the
+// window, sizes patched inside the window, behind it and across its start, and writes past the end.
+TEST(SpoolStream, ReadsAsAMemoryStreamGivenTheSameWrites) {
+    for (const unsigned seed : {1u, 2u, 3u}) {
+        test::TempDir dir;
+        std::mt19937 random(seed);
+        MemoryStream memory;
+        std::uint64_t end = 0;
+        {
+            SpoolStream spool(dir / "out.bin");
+            auto both = [&](std::uint64_t at, std::size_t n) {
+                Bytes bytes(n);
+                for (auto& b : bytes) b = static_cast<std::uint8_t>(random());
+                for (ByteStream* s : {static_cast<ByteStream*>(&memory), static_cast<ByteStream*>(&spool)}) {
+                    s->Seek(at);
+                    s->Write(bytes);
+                    EXPECT_EQ(s->Position(), at + n);
+                }
+                end = std::max(end, at + n);
+            };
+            for (int step = 0; step < 400; ++step) {
+                const unsigned kind = random() % 10;
+                if (kind < 6) {
+                    both(end, random() % 3000);
+                } else if (kind == 6) {
+                    both(end, SpoolStream::kWindow - 1 + random() % 3);
+                } else if (kind == 7) {
+                    both(end + random() % 5, random() % 9); // the gap reads as zeros
+                } else if (kind == 8) {
+                    both(end - std::min<std::uint64_t>(end, 2), 4); // over the end, often just flushed
+                } else {
+                    const std::size_t n = 1 + random() % 8;
+                    if (end >= n) both(random() % (end - n + 1), n);
+                }
+            }
+            both(SpoolStream::kWindow - 2, 4); // behind the first window and, if it is still open, in it
+            EXPECT_FALSE(std::filesystem::exists(dir / "out.bin"));
+            spool.Commit();
+        }
+        const std::string file = test::ReadFile(dir / "out.bin");
+        EXPECT_TRUE(Bytes(file.begin(), file.end()) == memory.Bytes()) << "seed " << seed;
+    }
+}
+
+TEST(IffWriter, AtomicModeReplacesTheFileWithTheBytesOfMemoryModeOnlyAtClose) {
+    test::TempDir dir;
+    const auto path = dir / "out.iff";
+    test::WriteFile(path, "old");
+    auto write = [](TIffWriter& w) {
+        w.OpenForm("OUTR");
+        for (const std::size_t n :
+             {std::size_t{3}, SpoolStream::kWindow - 9, std::size_t{0}, 2 * SpoolStream::kWindow + 1}) {
+            w.OpenForm("INNR");
+            w.OpenChunk("DATA");
+            w.Write(Bytes(n, static_cast<std::uint8_t>(n)));
+            w.CloseChunk();
+            w.WriteLong(static_cast<std::int32_t>(n)); // outside any chunk, as the assembler may
+            w.CloseForm();
+        }
+        w.CloseForm();
+    };
+    TIffWriter memory("_unused.iff", TIffWriter::InMemory);
+    write(memory);
+    {
+        TIffWriter lost(path, TIffWriter::Atomic);
+        write(lost);
+        lost.Discard();
+    }
+    EXPECT_EQ(test::ReadFile(path), "old");
+    TIffWriter atomic(path, TIffWriter::Atomic);
+    write(atomic);
+    EXPECT_EQ(test::ReadFile(path), "old");
+    atomic.Close();
+    const std::string file = test::ReadFile(path);
+    EXPECT_EQ(Bytes(file.begin(), file.end()), memory.Bytes());
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1); // no temporary file
 }
 
 } // namespace
