@@ -38,9 +38,7 @@ bool ListingReadsAlone(const TListing& listing) {
     if (listing.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max() / 2)) return false;
     // Lines of one id read the same: each distinct line is asked once.
     LineCheck check;
-    for (std::size_t id = 0; id < listing.IdCount(); ++id)
-        if (!check.ReadsAlone(listing.TextOf(static_cast<TListing::LineId>(id)))) return false;
-    return true;
+    return listing.HoldsForEveryText([&check](std::string_view text) { return check.ReadsAlone(text); });
 }
 
 bool TextReadsAlone(std::string_view text) {

@@ -112,13 +112,21 @@ std::string_view TListing::View(LineRef line) const {
     return {block.chars.get() + start, length == kLongLine ? block.used : length};
 }
 
-TListing::LineId TListing::NewId(std::string_view indent, std::string_view text) {
-    if (texts_.size() >= std::numeric_limits<LineId>::max()) throw std::length_error("listing too long");
+TListing::LineId TListing::NewId(std::string_view indent, std::string_view text, bool shared) {
+    std::vector<LineRef>& refs = shared ? shared_ : own_;
+    if (refs.size() >= kOwnBit - 1) throw std::length_error("listing too long");
     char* at = nullptr;
-    texts_.push_back(Take(indent.size() + text.size(), at));
+    refs.push_back(Take(indent.size() + text.size(), at));
     std::copy_n(indent.data(), indent.size(), at);
     std::copy_n(text.data(), text.size(), at + indent.size());
-    return static_cast<LineId>(texts_.size() - 1);
+    return static_cast<LineId>(refs.size() - 1) | (shared ? 0 : kOwnBit);
+}
+
+bool TListing::HoldsForEveryText(const std::function<bool(std::string_view text)>& holds) const {
+    for (const std::vector<LineRef>* refs : {&shared_, &own_})
+        for (const LineRef ref : *refs)
+            if (!holds(View(ref))) return false;
+    return true;
 }
 
 void TListing::Grow() {
@@ -137,7 +145,7 @@ TListing::LineId TListing::Put(std::string_view indent, std::string_view text) {
     const std::size_t n = indent.size() + text.size();
     LineId id = 0;
     if (!Shared(n, text)) {
-        id = NewId(indent, text);
+        id = NewId(indent, text, false);
     } else {
         const std::uint64_t hash = LineHash(indent.size(), text);
         if (n > kRecentChars) {
@@ -156,7 +164,7 @@ TListing::LineId TListing::Put(std::string_view indent, std::string_view text) {
             }
             Recent& recent = set[0];
             if (!recent.marked) {
-                texts_[recent.id] |= kRepeatedBit;
+                shared_[recent.id] |= kRepeatedBit;
                 recent.marked = true;
             }
             ++blocks_[recent.block].lines;
@@ -174,7 +182,7 @@ TListing::LineId TListing::PutAndRecall(std::string_view indent, std::string_vie
     set[1] = set[0]; // the one met less lately makes room
     Recent& recent = set[0];
     recent.id = id;
-    recent.block = static_cast<std::uint32_t>(BlockOf(texts_[id]));
+    recent.block = static_cast<std::uint32_t>(BlockOf(Ref(id)));
     recent.length = static_cast<std::uint8_t>(indent.size() + text.size());
     recent.marked = found;
     std::copy_n(indent.data(), indent.size(), recent.chars);
@@ -196,7 +204,7 @@ TListing::LineId TListing::IdOf(std::string_view indent, std::string_view text, 
         if (static_cast<std::uint32_t>(slot >> 32) != upper) continue;
         const auto id = static_cast<LineId>((slot & 0xFFFFFFFFu) - 1);
         // A short line is never a long line's own block, so its length is its reference's.
-        LineRef& ref = texts_[id];
+        LineRef& ref = shared_[id];
         if ((ref & kLongLine) != n) continue;
         const char* line =
             blocks_[BlockOf(ref)].chars.get() + (static_cast<std::size_t>(ref >> 20) & kLongLine);
@@ -211,14 +219,14 @@ TListing::LineId TListing::IdOf(std::string_view indent, std::string_view text, 
 
 TListing::LineId TListing::IdOfRare(std::string_view indent, std::string_view text, std::uint64_t hash,
                                     bool& found) {
-    if (seen_.size() > (std::size_t{1} << 31)) return NewId(indent, text);
+    if (seen_.size() > (std::size_t{1} << 31)) return NewId(indent, text, false);
     Grow();
     return IdOf(indent, text, hash, found);
 }
 
 TListing::LineId TListing::Seen(std::string_view indent, std::string_view text, std::size_t at,
                                 std::uint32_t upper) {
-    const LineId id = NewId(indent, text);
+    const LineId id = NewId(indent, text, true);
     seen_[at] = std::uint64_t{upper} << 32 | (std::uint64_t{id} + 1);
     ++seenCount_;
     return id;
@@ -251,7 +259,8 @@ void TListing::Append(const TListing& other) {
 void TListing::clear() {
     lines_.clear();
     blocks_.clear();
-    texts_.clear();
+    shared_.clear();
+    own_.clear();
     textSize_ = 0;
     ForgetSeen();
     seenCount_ = 0;
@@ -264,7 +273,7 @@ void TListing::Drain(const std::function<void(std::string_view line)>& take) {
     constexpr std::size_t kReturnEvery = 4; // blocks of a megabyte
     std::size_t released = 0;
     while (!lines_.empty()) {
-        const LineRef line = texts_[lines_.front()];
+        const LineRef line = Ref(lines_.front());
         take(View(line));
         lines_.pop_front();
         Block& block = blocks_[BlockOf(line)];
@@ -303,7 +312,7 @@ std::span<const SplicedLine> TListing::Feed::NextLines() {
     std::size_t k = 0;
     for (auto at = lines.begin(); at != end; ++at, ++k) {
         const LineId id = *at;
-        const LineRef ref = listing_.texts_[id];
+        const LineRef ref = listing_.Ref(id);
         Block& block = listing_.blocks_[BlockOf(ref)];
         const std::size_t length = static_cast<std::size_t>(ref) & kLongLine;
         const std::string_view text(block.chars.get() + (static_cast<std::size_t>(ref >> 20) & kLongLine),

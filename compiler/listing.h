@@ -73,10 +73,10 @@ public:
     // The characters of all lines together: what a writer of the listing has to reserve.
     std::size_t TextSize() const { return textSize_; }
 
-    // Every distinct line has an id below IdCount (a long or quoting line may have several); lines of one id
-    // read the same.
-    std::size_t IdCount() const { return texts_.size(); }
-    std::string_view TextOf(LineId id) const { return View(texts_[id]); }
+    // Lines of one id read the same; a long or quoting line may share its text with lines of other ids.
+    std::string_view TextOf(LineId id) const { return View(Ref(id)); }
+    // Whether `holds` is true of the text of every id, each asked once.
+    bool HoldsForEveryText(const std::function<bool(std::string_view text)>& holds) const;
 
     void push_back(std::string_view line);
     // Appends one line made of an indentation and a text, without joining them first.
@@ -112,6 +112,11 @@ private:
 
     // Room for a line of n characters, in the last block or a new one; its reference.
     LineRef Take(std::size_t n, char*& at);
+    // An id of a line not shared: its number among them, with this bit. Shared lines are numbered apart,
+    // so that their references lie together and take a few hundred kilobytes where all take megabytes.
+    static constexpr LineId kOwnBit = LineId{1} << 31;
+    LineRef& Ref(LineId id) { return id & kOwnBit ? own_[id & ~kOwnBit] : shared_[id]; }
+    const LineRef& Ref(LineId id) const { return id & kOwnBit ? own_[id & ~kOwnBit] : shared_[id]; }
     std::string_view View(LineRef line) const;
     static std::size_t BlockOf(LineRef line) {
         return static_cast<std::size_t>((line & ~kRepeatedBit) >> 40);
@@ -129,10 +134,11 @@ private:
                                   std::uint32_t upper);
     // Put for a line that fits a recent entry but is in neither of its set: it takes the first place.
     [[gnu::noinline]] LineId PutAndRecall(std::string_view indent, std::string_view text, std::uint64_t hash);
-    LineId NewId(std::string_view indent, std::string_view text);
+    // A new id of the line, shared or its own.
+    LineId NewId(std::string_view indent, std::string_view text, bool shared);
     void Grow();
     // One more line of the listing has the id.
-    void Count(LineId id) { ++blocks_[BlockOf(texts_[id])].lines; }
+    void Count(LineId id) { ++blocks_[BlockOf(Ref(id))].lines; }
 
     // Short lines are looked up by their hash in an open table: each slot holds the upper half of the hash
     // and 1 + the id, 0 for an empty slot. Longer lines are rarely repeated and get an id each; so do lines
@@ -165,7 +171,8 @@ private:
 
     std::vector<Block> blocks_;        // the characters of every line
     std::deque<LineId> lines_;         // the lines in order
-    std::vector<LineRef> texts_;       // each id's line
+    std::vector<LineRef> shared_;      // the shared lines by id
+    std::vector<LineRef> own_;         // the other lines, by id without kOwnBit
     std::vector<std::uint64_t> seen_;  // the short lines' ids by hash
     std::unique_ptr<Recent[]> recent_; // 2 * kRecentSets entries once a shared line came, none before
     std::size_t seenCount_ = 0;        // slots taken
