@@ -89,18 +89,21 @@ bool operator==(const TListing& a, const TListing& b) {
     return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin());
 }
 
-TListing::LineRef TListing::Take(std::size_t n, char*& at) {
+TListing::LineRef TListing::Take(std::size_t n, char*& at, bool shared) {
     // A line starts below the 20 bits of its start: a full block, or a long line's own, takes no more.
     const bool own = n >= kLongLine;
-    if (own || blocks_.empty() || blocks_.back().capacity != kBlockSize ||
-        blocks_.back().used == kBlockSize || kBlockSize - blocks_.back().used < n) {
+    std::size_t& filling = filling_[shared ? 1 : 0];
+    if (own || filling >= blocks_.size() || blocks_[filling].used == kBlockSize ||
+        kBlockSize - blocks_[filling].used < n) {
         const std::size_t capacity = own ? n : kBlockSize;
         blocks_.push_back({std::make_unique_for_overwrite<char[]>(capacity), 0, capacity, 0});
+        if (!own) filling = blocks_.size() - 1;
     }
-    Block& block = blocks_.back();
+    const std::size_t number = own ? blocks_.size() - 1 : filling;
+    Block& block = blocks_[number];
     at = block.chars.get() + block.used;
-    const LineRef line = static_cast<LineRef>(blocks_.size() - 1) << 40 |
-                         static_cast<LineRef>(block.used) << 20 | static_cast<LineRef>(own ? kLongLine : n);
+    const LineRef line = static_cast<LineRef>(number) << 40 | static_cast<LineRef>(block.used) << 20 |
+                         static_cast<LineRef>(own ? kLongLine : n);
     block.used += n;
     return line;
 }
@@ -116,7 +119,7 @@ TListing::LineId TListing::NewId(std::string_view indent, std::string_view text,
     std::vector<LineRef>& refs = shared ? shared_ : own_;
     if (refs.size() >= kOwnBit - 1) throw std::length_error("listing too long");
     char* at = nullptr;
-    refs.push_back(Take(indent.size() + text.size(), at));
+    refs.push_back(Take(indent.size() + text.size(), at, shared));
     std::copy_n(indent.data(), indent.size(), at);
     std::copy_n(text.data(), text.size(), at + indent.size());
     return static_cast<LineId>(refs.size() - 1) | (shared ? 0 : kOwnBit);
@@ -261,6 +264,7 @@ void TListing::clear() {
     blocks_.clear();
     shared_.clear();
     own_.clear();
+    filling_[0] = filling_[1] = kNoBlock;
     textSize_ = 0;
     ForgetSeen();
     seenCount_ = 0;

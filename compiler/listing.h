@@ -110,8 +110,10 @@ private:
     // Set in an id's reference once a second line has it; the block number stays far below.
     static constexpr LineRef kRepeatedBit = LineRef{1} << 63;
 
-    // Room for a line of n characters, in the last block or a new one; its reference.
-    LineRef Take(std::size_t n, char*& at);
+    // Room for a line of n characters, in the block being filled with lines like it or a new one; its
+    // reference. The shared lines' characters fill blocks of their own: finding a line in the table reads
+    // them, and among the others they would lie scattered over the whole listing.
+    LineRef Take(std::size_t n, char*& at, bool shared);
     // An id of a line not shared: its number among them, with this bit. Shared lines are numbered apart,
     // so that their references lie together and take a few hundred kilobytes where all take megabytes.
     static constexpr LineId kOwnBit = LineId{1} << 31;
@@ -169,11 +171,13 @@ private:
         recent_.reset();
     }
 
-    std::vector<Block> blocks_;        // the characters of every line
-    std::deque<LineId> lines_;         // the lines in order
-    std::vector<LineRef> shared_;      // the shared lines by id
-    std::vector<LineRef> own_;         // the other lines, by id without kOwnBit
-    std::vector<std::uint64_t> seen_;  // the short lines' ids by hash
+    static constexpr std::size_t kNoBlock = ~std::size_t{0};
+    std::vector<Block> blocks_;                     // the characters of every line
+    std::size_t filling_[2] = {kNoBlock, kNoBlock}; // the blocks being filled: other lines, shared lines
+    std::deque<LineId> lines_;                      // the lines in order
+    std::vector<LineRef> shared_;                   // the shared lines by id
+    std::vector<LineRef> own_;                      // the other lines, by id without kOwnBit
+    std::vector<std::uint64_t> seen_;               // the short lines' ids by hash
     std::unique_ptr<Recent[]> recent_; // 2 * kRecentSets entries once a shared line came, none before
     std::size_t seenCount_ = 0;        // slots taken
     std::size_t textSize_ = 0;         // characters of all lines
