@@ -167,7 +167,7 @@ TListing::LineId TListing::Put(std::string_view indent, std::string_view text) {
             }
             Recent& recent = set[0];
             if (!recent.marked) {
-                shared_[recent.id] |= kRepeatedBit;
+                Ref(recent.id) |= kRepeatedBit;
                 recent.marked = true;
             }
             ++blocks_[recent.block].lines;
@@ -187,7 +187,8 @@ TListing::LineId TListing::PutAndRecall(std::string_view indent, std::string_vie
     recent.id = id;
     recent.block = static_cast<std::uint32_t>(BlockOf(Ref(id)));
     recent.length = static_cast<std::uint8_t>(indent.size() + text.size());
-    recent.marked = found;
+    // A line the full table could not take has an id of its own, which is never marked as repeated.
+    recent.marked = found || (id & kOwnBit) != 0;
     std::copy_n(indent.data(), indent.size(), recent.chars);
     std::copy_n(text.data(), text.size(), recent.chars + indent.size());
     ++blocks_[recent.block].lines;
